@@ -1,0 +1,24 @@
+# tamb_options: what every target of ours is compiled with.
+add_library(tamb_options INTERFACE)
+target_include_directories(tamb_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_features(tamb_options INTERFACE cxx_std_20)
+target_compile_options(tamb_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror
+    # The effects are defined with every intermediate result rounded to single precision.
+    -ffp-contract=off -fno-math-errno)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_compile_options(tamb_options INTERFACE -msse2 -mfpmath=sse)
+endif()
+
+if(TAMBLOR_SANITIZE)
+    add_compile_options(-fsanitize=${TAMBLOR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${TAMBLOR_SANITIZE})
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+    set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
+endif()

@@ -1,0 +1,137 @@
+// The growable list of the system: ints, floats or pointers in one block that grows by a fixed step.
+#pragma once
+
+#include "base/memory.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <type_traits>
+
+// Owns its block, never what a pointer element points to. Lists here are short; owners that know the size call Realloc
+// first. When there is no memory for growth, the array stays as it is and a push adds nothing.
+template <class T> class FXArray {
+    static_assert(std::is_trivially_copyable_v<T>, "elements are moved as bytes");
+
+public:
+    explicit FXArray(int step = 1) : growBy(step) {}
+    ~FXArray() { DestroyBuf(); }
+    FXArray(const FXArray&) = delete;
+    FXArray& operator=(const FXArray&) = delete;
+
+    // Room for n elements at least; what is in use stays, new room is zero. False when there is no memory.
+    bool Realloc(int n) {
+        if (capacity >= n)
+            return true;
+        T* block = static_cast<T*>(fxRealloc(items, static_cast<std::size_t>(n) * sizeof(T)));
+        if (block == nullptr)
+            return false;
+        std::fill(block + capacity, block + n, T{});
+        items = block;
+        capacity = n;
+        return true;
+    }
+
+    void Push(T value) {
+        if (Grow(growBy))
+            items[count++] = value;
+    }
+    void PushInt(int value)
+        requires std::is_integral_v<T>
+    {
+        Push(value);
+    }
+    // One element more, its value left as it is.
+    void PushVoid() {
+        if (Grow(growBy))
+            ++count;
+    }
+    // The last element, removed; zero when there is none.
+    T Pop() { return count > 0 ? items[--count] : T{}; }
+
+    // Before element i; any other i than 0..count appends.
+    void Insert(int i, T value) {
+        if (i < 0 || i > count) {
+            Push(value);
+        } else if (Grow(1)) {
+            std::copy_backward(items + i, items + count, items + count + 1);
+            items[i] = value;
+            ++count;
+        }
+    }
+
+    T First() const { return count > 0 ? items[0] : T{}; }
+    T Last() const { return count > 0 ? items[count - 1] : T{}; }
+    int Findpos(T value) const {
+        const T* at = std::find(begin(), end(), value);
+        return at == end() ? -1 : static_cast<int>(at - begin());
+    }
+
+    // Swaps element i with the next (dir > 0) or the previous one (dir < 0); nothing when there is none.
+    void MovePos(int i, int dir) {
+        if (dir > 0 && i >= 0 && i < count - 1)
+            std::swap(items[i], items[i + 1]);
+        else if (dir < 0 && i >= 1 && i < count)
+            std::swap(items[i], items[i - 1]);
+    }
+
+    // The first element equal to the value; nothing when absent.
+    void Remove(T value) { RemovePos(Findpos(value)); }
+    void RemovePos(int i) {
+        if (i < 0 || i >= count)
+            return;
+        std::copy(items + i + 1, items + count, items + i);
+        --count;
+    }
+    void RemoveAll() { count = 0; } // the block stays
+    bool IsEmpty() const { return count == 0; }
+    void DestroyBuf() {
+        std::free(items);
+        items = nullptr;
+        count = capacity = 0;
+    }
+
+    // File record: int32 count, then the elements, 32 bits each.
+    bool Save(std::FILE* file) const
+        requires(sizeof(T) == 4 && std::is_arithmetic_v<T>)
+    {
+        const std::int32_t n = count;
+        return std::fwrite(&n, sizeof n, 1, file) == 1 &&
+               std::fwrite(items, sizeof(T), static_cast<std::size_t>(n), file) == static_cast<std::size_t>(n);
+    }
+    // Replaces the contents. A count beyond the end of the file gives the elements that are there, and false.
+    bool Load(std::FILE* file)
+        requires(sizeof(T) == 4 && std::is_arithmetic_v<T>)
+    {
+        RemoveAll();
+        std::int32_t n = 0;
+        if (std::fread(&n, sizeof n, 1, file) != 1)
+            return false;
+        for (T value; count < n && std::fread(&value, sizeof value, 1, file) == 1;) {
+            // The stored count is not trusted with the memory: room doubles as elements really arrive.
+            if (!Realloc(count < capacity ? capacity : static_cast<int>(std::min<std::int64_t>(n, 2LL * count + 64))))
+                return false;
+            items[count++] = value;
+        }
+        return n >= 0 && count == n;
+    }
+
+    T& operator[](int i) { return items[i]; }
+    const T& operator[](int i) const { return items[i]; }
+    T* begin() { return items; }
+    T* end() { return items + count; }
+    const T* begin() const { return items; }
+    const T* end() const { return items + count; }
+
+    T* items = nullptr;
+    int count = 0;
+    int capacity = 0;
+    int growBy;
+
+private:
+    bool Grow(int step) { return count < capacity || (capacity <= INT_MAX - step && Realloc(capacity + step)); }
+};
+
+using FXFloatArray = FXArray<float>;

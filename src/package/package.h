@@ -1,0 +1,66 @@
+// The package: one file with all assets, read whole into memory, its entries found by number.
+#pragma once
+
+#include "base/arrays.h"
+#include "base/str.h"
+#include "base/str_array.h"
+#include "package/name_server.h"
+#include "package/package_data.h"
+
+// Entry types are the image library's codes for picture files, and kRaw for everything else.
+enum FXEntryType : int {
+    kRaw = -1,
+    kBmp = 0x420,
+    kJpeg = 0x425,
+    kPng = 0x42A,
+    kTga = 0x42D,
+    kGif = 0x436,
+};
+
+// Owns the entries' bytes and a cursor for each. Loading and reading happen on one thread.
+class FXPackage : public FXNameServer {
+public:
+    static constexpr int kScrambled = 1; // flag of Save
+
+    FXPackage() = default;
+    ~FXPackage() { Destroy(); }
+    FXPackage(const FXPackage&) = delete;
+    FXPackage& operator=(const FXPackage&) = delete;
+
+    // Replaces the contents; after a failure (no file, no package, no memory, beyond 2 GiB) the package is empty.
+    bool Load(const char* fileName);
+    // The cursor of the first entry with that id, rewound; null when there is none. Every call gives the same cursor.
+    FXPackageData* GetDataPtr(int id);
+    int GetDataType(int id) const; // -1 when there is none
+    void Destroy();                // the names stay
+
+    // Building. Queued files are read by Save.
+    void AddDataFile(int id, const char* file);
+    // Queues the file under the id of its name, once per name, and replaces the name by the id in decimal.
+    void AddDataFile1(FXStr* name);
+    // Appends the queued files and writes the package, scrambled if asked. The old file is replaced only when the new one
+    // is complete. False, with the contents and the queue as they were, when a file cannot be read or written.
+    bool Save(const char* fileName, int flags);
+    // Length and type (from the name's ending) of a file; false when it cannot be read or is beyond 2 GiB.
+    static bool CheckFile(const char* file, int* size, int* type);
+    bool SaveNames(const char* file) const;
+    bool LoadNames(const char* file);
+    bool SaveNamesCpp(const char* file) const; // a C header: #define FXNAME_<name>  <id>
+    void AddTmpFile(const char* file);
+    void DeleteTmpFiles(); // from the disk
+
+    unsigned char* dataBlock = nullptr;
+    int dataSize = 0;
+    FXArray<int> ids;
+    FXArray<int> offsets; // of each entry, from the start of dataBlock
+    FXArray<int> sizes;
+    FXArray<int> types;
+    FXArray<FXPackageData*> cursors; // owned
+    FXArray<int> pendingIds;
+    FXStrArray pendingFiles;
+    FXStrArray tmpFiles;
+
+private:
+    bool ReadBody(FXPackageData* body);
+    void RecompClasses();
+};

@@ -1,0 +1,44 @@
+// The one reader of stored bytes: a forward-only cursor that owns every bound.
+#pragma once
+
+#include "base/arrays.h"
+#include "base/str.h"
+#include "base/str_array.h"
+
+// Walks a block that somebody else owns. A read that does not fit gives 0, 0.0, null or an empty string and consumes
+// nothing; there is no error state. Little-endian; a bool is one byte, true when it is exactly 1.
+//
+// A counted read gives as many elements as the count says, defaults where the bytes have run out, but never more
+// elements than the whole block has bytes: a count that lies costs no memory. A negative count gives none.
+class FXPackageData {
+public:
+    void InitData(const void* p, int n); // n < 0 counts as 0
+    void Reseek();                       // back to the start
+
+    bool ReadBool();
+    int ReadInt();
+    float ReadFloat();
+    double ReadDouble();
+    void ReadFloat4(float* dst); // leaves dst as it is when 16 bytes are not left
+    // The next n bytes in place, null when they are not left or n is negative.
+    const void* ReadBlc(int n);
+    const void* ReadCopyBlc(void* dst, int n);
+    // A stored length beyond the bytes left takes what is left; beyond 1023 characters, the rest is skipped.
+    void ReadString(FXStr* s);
+    void ReadStringArray(FXStrArray* a);
+    void ReadArray(FXArray<int>* a);
+    void ReadFloatArray(FXFloatArray* a);
+
+    // For building a block in memory; nothing when 4 bytes are not left. The block must be writable.
+    void WriteInt(int v);
+    void WriteArray(const FXArray<int>* a);
+
+    const unsigned char* start = nullptr;
+    int size = 0;
+    const unsigned char* cur = nullptr;
+    int left = 0;
+
+private:
+    template <class T> T ReadValue();
+    int ReadCount();
+};

@@ -1,0 +1,26 @@
+// The time base: every motion is computed from fxGetTime, none from a count of frames.
+#pragma once
+
+#include <cstdint>
+
+// Milliseconds since the system started; wraps to 0 after 2^32 (about 49.7 days).
+using FXTickSource = std::uint32_t (*)();
+
+std::uint32_t fxGetTicks();
+// Puts a clock of one's own in the place of the platform's, null puts that back: how tests and the film tool drive the
+// show. Not to be called while a render loop runs.
+void fxSetTickSource(FXTickSource source);
+
+// fxGetTicks in seconds.
+double fxGetTime();
+// Rounded to whole milliseconds; 0 gives up the rest of the time slice, less than 0 counts as 0.
+void fxSleep(double seconds);
+
+// The time between two calls; the first one gives the time since the clock's start.
+class FXTimeDiff {
+public:
+    double OnTime();
+
+private:
+    double previous_ = 0.0;
+};

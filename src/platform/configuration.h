@@ -1,0 +1,13 @@
+// The one thing that can be configured: the folder that holds the package.
+#pragma once
+
+#include "base/str.h"
+#include "win32/win32.h"
+
+extern char orinPath[520]; // the data folder; empty when none is configured
+extern const char* const scrRegName;
+extern FXStr configProblem; // what is wrong with the stored configuration, for the trace; empty when nothing is
+
+// Reads the folder into orinPath and gives the status of the registry, 0 on success. Without a stored value, or with
+// one longer than the buffer, orinPath stays as it is.
+LSTATUS localReadConfig();

@@ -1,0 +1,53 @@
+#include "platform/paths.h"
+
+#include "win32/win32.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kPathLength = 259;
+
+char localStartPath[288] = "";
+char localSysFontsPath[288] = "";
+
+// "\" unless the path separates with "/" already.
+void localAddPathEnding(char* path) {
+    const std::size_t length = std::strlen(path);
+    if (length > 0 && (path[length - 1] == '\\' || path[length - 1] == '/'))
+        return;
+    const bool slashes = std::strchr(path, '/') != nullptr && std::strchr(path, '\\') == nullptr;
+    path[length] = slashes ? '/' : '\\';
+    path[length + 1] = '\0';
+}
+
+char* localTypePath(int type) { return type == 1 ? localStartPath : type == 2 ? localSysFontsPath : nullptr; }
+
+} // namespace
+
+void fxInitPaths() {
+    char folder[kPathLength + 1] = "";
+    if (GetCurrentDirectoryA(sizeof folder, folder) >= sizeof folder)
+        folder[0] = '\0';
+    fxSetTypePath(1, folder);
+    char fonts[MAX_PATH] = "";
+    if (SHGetFolderPathA(nullptr, CSIDL_FONTS, nullptr, 0, fonts) != 0)
+        fonts[0] = '\0';
+    fxSetTypePath(2, fonts);
+}
+
+void fxSetTypePath(int type, const char* path) {
+    char* target = localTypePath(type);
+    if (target == nullptr)
+        return;
+    const std::size_t length = strnlen(path, kPathLength);
+    std::memmove(target, path, length);
+    target[length] = '\0';
+    localAddPathEnding(target);
+}
+
+const char* fxGetTypePath(int type) { return localTypePath(type); }
+
+bool fxSetActPath(const char* path) { return path != nullptr && SetCurrentDirectoryA(path) != FALSE; }
+
+bool fxSetPath(int type) { return fxSetActPath(fxGetTypePath(type)); }

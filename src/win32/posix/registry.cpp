@@ -1,0 +1,99 @@
+// The one configuration value, the data folder, looked for where a user of this system expects it:
+//   1. the environment variable TAMBLOR_DATA
+//   2. tamblor/tamblor.conf in the user's configuration folder, then in the system's
+//   3. the folder that the package was installed or built into, beside the executable
+#include "win32/posix/settings_file.h"
+#include "win32/win32.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <sstream>
+#include <string_view>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kSaverKey = "Software\\OrinLab\\Screensavers\\Tamblor";
+int theKey; // the address stands for the opened key
+
+std::string lastProblem;
+
+std::string Variable(const char* name, const std::string& otherwise) {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0' ? value : otherwise;
+}
+
+std::vector<std::string> ConfigurationFolders() {
+    std::vector<std::string> folders = {Variable("XDG_CONFIG_HOME", Variable("HOME", "") + "/.config")};
+    std::stringstream system(Variable("XDG_CONFIG_DIRS", "/etc/xdg"));
+    for (std::string folder; std::getline(system, folder, ':');)
+        folders.push_back(folder);
+    return folders;
+}
+
+std::string InstalledFolder() {
+    std::error_code failed;
+    const fs::path prefix = fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
+    for (const fs::path& folder : {prefix / "share" / "tamblor", fs::path(TAMBLOR_INSTALLED_DATA)})
+        if (fs::exists(folder / "tamb.dat", failed))
+            return folder.string();
+    return "";
+}
+
+// The first folder that somebody names; bad files are passed over and remembered in lastProblem.
+std::string DataFolder() {
+    lastProblem.clear();
+    std::string folder = Variable("TAMBLOR_DATA", "");
+    for (const std::string& place : ConfigurationFolders()) {
+        SettingsFile file;
+        if (!ReadSettingsFile(place + "/tamblor/tamblor.conf", &file))
+            continue;
+        if (lastProblem.empty())
+            lastProblem = file.problem;
+        if (folder.empty())
+            folder = file.values["path"];
+    }
+    return folder.empty() ? InstalledFolder() : folder;
+}
+
+} // namespace
+
+LSTATUS RegOpenKeyA(HKEY root, const char* name, HKEY* key) {
+    return RegOpenKeyExA(root, name, 0, KEY_QUERY_VALUE, key);
+}
+
+LSTATUS RegOpenKeyExA(HKEY root, const char* name, DWORD, DWORD, HKEY* key) {
+    if (root != HKEY_CURRENT_USER || name != kSaverKey)
+        return ERROR_FILE_NOT_FOUND;
+    *key = reinterpret_cast<HKEY>(&theKey);
+    return ERROR_SUCCESS;
+}
+
+// A bad file is reported even when another place supplied the value: the data is then there all the same.
+LSTATUS RegQueryValueExA(HKEY, const char* name, DWORD*, DWORD*, BYTE* data, DWORD* size) {
+    if (std::strcmp(name, "path") != 0)
+        return ERROR_FILE_NOT_FOUND;
+    const std::string folder = DataFolder();
+    if (folder.size() + 1 > *size)
+        return ERROR_MORE_DATA;
+    if (!folder.empty())
+        std::memcpy(data, folder.c_str(), folder.size() + 1);
+    *size = static_cast<DWORD>(folder.size() + 1);
+    if (!lastProblem.empty())
+        return ERROR_BAD_CONFIGURATION;
+    return folder.empty() ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+}
+
+LSTATUS RegCloseKey(HKEY) { return ERROR_SUCCESS; }
+
+DWORD FormatMessageA(DWORD, const void*, DWORD message, DWORD, char* buffer, DWORD size, void*) {
+    const std::string text = message == ERROR_BAD_CONFIGURATION ? lastProblem : std::strerror(static_cast<int>(message));
+    const std::size_t length = std::min<std::size_t>(text.size(), size > 0 ? size - 1 : 0);
+    std::memcpy(buffer, text.data(), length);
+    if (size > 0)
+        buffer[length] = '\0';
+    return static_cast<DWORD>(length);
+}
