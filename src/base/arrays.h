@@ -7,13 +7,14 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <type_traits>
 
-// Owns its block, never what a pointer element points to. Lists here are short; owners that know the size call Realloc
-// first. When there is no memory for growth, the array stays as it is and a push adds nothing.
+// Owns its block, never what a pointer element points to. Lists here are short; owners that know the size
+// call Realloc first. When there is no memory for growth, the array stays as it is and a push adds nothing.
 template <class T> class FXArray {
     static_assert(std::is_trivially_copyable_v<T>, "elements are moved as bytes");
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T may well be a pointer
+    static constexpr std::size_t kElement = sizeof(T);
 
 public:
     explicit FXArray(int step = 1) : growBy(step) {}
@@ -25,7 +26,9 @@ public:
     bool Realloc(int n) {
         if (capacity >= n)
             return true;
-        T* block = static_cast<T*>(fxRealloc(items, static_cast<std::size_t>(n) * sizeof(T)));
+        if (static_cast<std::size_t>(n) > SIZE_MAX / kElement)
+            return false; // a size beyond what 32 bits address
+        T* block = static_cast<T*>(fxRealloc(items, static_cast<std::size_t>(n) * kElement));
         if (block == nullptr)
             return false;
         std::fill(block + capacity, block + n, T{});
@@ -38,11 +41,7 @@ public:
         if (Grow(growBy))
             items[count++] = value;
     }
-    void PushInt(int value)
-        requires std::is_integral_v<T>
-    {
-        Push(value);
-    }
+    void PushInt(int value) requires std::is_integral_v<T> { Push(value); }
     // One element more, its value left as it is.
     void PushVoid() {
         if (Grow(growBy))
@@ -94,24 +93,21 @@ public:
     }
 
     // File record: int32 count, then the elements, 32 bits each.
-    bool Save(std::FILE* file) const
-        requires(sizeof(T) == 4 && std::is_arithmetic_v<T>)
-    {
+    bool Save(std::FILE* file) const requires(kElement == 4 && std::is_arithmetic_v<T>) {
         const std::int32_t n = count;
         return std::fwrite(&n, sizeof n, 1, file) == 1 &&
-               std::fwrite(items, sizeof(T), static_cast<std::size_t>(n), file) == static_cast<std::size_t>(n);
+               std::fwrite(items, kElement, static_cast<std::size_t>(n), file) == static_cast<std::size_t>(n);
     }
     // Replaces the contents. A count beyond the end of the file gives the elements that are there, and false.
-    bool Load(std::FILE* file)
-        requires(sizeof(T) == 4 && std::is_arithmetic_v<T>)
-    {
+    bool Load(std::FILE* file) requires(kElement == 4 && std::is_arithmetic_v<T>) {
         RemoveAll();
         std::int32_t n = 0;
         if (std::fread(&n, sizeof n, 1, file) != 1)
             return false;
         for (T value; count < n && std::fread(&value, sizeof value, 1, file) == 1;) {
             // The stored count is not trusted with the memory: room doubles as elements really arrive.
-            if (!Realloc(count < capacity ? capacity : static_cast<int>(std::min<std::int64_t>(n, 2LL * count + 64))))
+            if (!Realloc(count < capacity ? capacity
+                                          : static_cast<int>(std::min<std::int64_t>(n, 2LL * count + 64))))
                 return false;
             items[count++] = value;
         }
@@ -131,7 +127,11 @@ public:
     int growBy;
 
 private:
-    bool Grow(int step) { return count < capacity || (capacity <= INT_MAX - step && Realloc(capacity + step)); }
+    // A step below 1 counts as 1, so that a push always finds room or is dropped.
+    bool Grow(int step) {
+        const int added = std::max(step, 1);
+        return count < capacity || (capacity <= INT_MAX - added && Realloc(capacity + added));
+    }
 };
 
 using FXFloatArray = FXArray<float>;

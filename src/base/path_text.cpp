@@ -22,6 +22,10 @@ std::vector<std::string_view> localSplit(std::string_view path) {
     return parts;
 }
 
+bool localFromRoot(std::string_view path) {
+    return !path.empty() && kSeparators.find(path.front()) != std::string_view::npos;
+}
+
 void localAppendPart(FXStr* path, std::string_view part, char separator) {
     if (!path->IsEmpty())
         path->AppendChar(separator);
@@ -38,16 +42,18 @@ const char* fxGetFilename(const char* path) {
 
 const char* fxBuildRelativePath(const char* from, bool fromIsFile, const char* to, bool toIsFile) {
     static FXStr result;
-    std::vector<std::string_view> start = localSplit(from ? from : "");
-    const std::vector<std::string_view> goal = localSplit(to ? to : "");
+    from = from ? from : "";
+    to = to ? to : "";
+    std::vector<std::string_view> start = localSplit(from);
+    const std::vector<std::string_view> goal = localSplit(to);
     if (fromIsFile && !start.empty())
         start.pop_back();
     const std::size_t limit = goal.size() - (toIsFile && !goal.empty() ? 1 : 0);
     std::size_t common = 0;
     while (common < start.size() && common < limit && start[common] == goal[common])
         ++common;
-    if (common == 0)
-        return to ? to : "";
+    if (common == 0 || localFromRoot(from) != localFromRoot(to))
+        return to;
     const char separator = std::string_view(to).find('\\') == std::string_view::npos ? '/' : '\\';
     result.Clear();
     for (std::size_t i = common; i < start.size(); ++i)

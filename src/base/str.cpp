@@ -9,9 +9,15 @@
 
 namespace {
 
-bool localIsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
-char localLower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
-char localUpper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
+bool localIsSpace(char c) {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+char localLower(char c) {
+    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
+char localUpper(char c) {
+    return static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+}
 
 // Moves the text forward over white space at its front and cuts it at the end; the new length.
 int localTrimSpaces(char* s, int len) {
@@ -78,18 +84,26 @@ void FXStr::FormatV(const char* fmt, va_list arguments) {
     text[len] = '\0';
 }
 
-void FXStr::TrimSpaces() { len = localTrimSpaces(text, len); }
+void FXStr::TrimSpaces() {
+    len = localTrimSpaces(text, len);
+}
 
-void FXStr::ToLower() { std::transform(text, text + len, text, localLower); }
+void FXStr::ToLower() {
+    std::transform(text, text + len, text, localLower);
+}
 
-void FXStr::ToUpper() { std::transform(text, text + len, text, localUpper); }
+void FXStr::ToUpper() {
+    std::transform(text, text + len, text, localUpper);
+}
 
 void FXStr::ExchangeChars(char a, char b) {
     std::replace(text, text + len, a, b);
     len = static_cast<int>(std::strlen(text)); // b may be the terminator
 }
 
-bool FXStr::Compare(const char* s) const { return nCompare(s, kCapacity); }
+bool FXStr::Compare(const char* s) const {
+    return nCompare(s, kCapacity);
+}
 
 bool FXStr::nCompare(const char* s, int n) const {
     if (s == nullptr || *s == '\0')

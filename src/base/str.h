@@ -42,7 +42,8 @@ public:
 
     // File record: int32 length, then the bytes without terminator.
     bool Save(std::FILE* file) const;
-    // False when the file ends first. A length beyond the capacity keeps the first 1023 characters and skips the rest.
+    // False when the file ends first. A length beyond the capacity keeps the first 1023 characters and skips
+    // the rest.
     bool Load(std::FILE* file);
     // The record of this path made relative to the folder `base`.
     bool SaveShortPath(std::FILE* file, const char* base) const;

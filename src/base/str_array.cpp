@@ -6,7 +6,9 @@
 
 namespace {
 
-bool localIsEmpty(const char* s) { return s == nullptr || *s == '\0'; }
+bool localIsEmpty(const char* s) {
+    return s == nullptr || *s == '\0';
+}
 
 char* localCopy(const char* s, std::size_t length) {
     char* copy = static_cast<char*>(fxMalloc(length + 1));
@@ -17,60 +19,67 @@ char* localCopy(const char* s, std::size_t length) {
 
 } // namespace
 
-void FXStrArray::Push(const char* s) { Insert(-1, s); }
+void FXStrArray::Push(const char* s) {
+    Insert(-1, s);
+}
 
 void FXStrArray::Insert(int i, const char* s) {
     char* copy = localIsEmpty(s) ? nullptr : localCopy(s, std::strlen(s));
     if (copy == nullptr && !localIsEmpty(s))
         return;
-    const int before = strings_.count;
-    strings_.Insert(i, copy);
-    if (strings_.count == before)
+    const int before = count;
+    FXArray::Insert(i, copy);
+    if (count == before)
         std::free(copy);
 }
 
-void FXStrArray::Pop() { std::free(strings_.Pop()); }
+void FXStrArray::Pop() {
+    std::free(FXArray::Pop());
+}
 
 void FXStrArray::Change(int i, const char* s) {
-    if (i < 0 || i >= strings_.count)
+    if (i < 0 || i >= count)
         return;
     char* copy = localIsEmpty(s) ? nullptr : localCopy(s, std::strlen(s));
-    std::free(strings_[i]);
-    strings_[i] = copy;
+    if (copy == nullptr && !localIsEmpty(s))
+        return;
+    std::free(items[i]);
+    items[i] = copy;
 }
 
 void FXStrArray::RemovePos(int i) {
-    if (i < 0 || i >= strings_.count)
+    if (i < 0 || i >= count)
         return;
-    std::free(strings_[i]);
-    strings_.RemovePos(i);
+    std::free(items[i]);
+    FXArray::RemovePos(i);
 }
 
 void FXStrArray::RemoveAll() {
-    for (char* s : strings_)
+    for (char* s : *this)
         std::free(s);
-    strings_.RemoveAll();
+    FXArray::RemoveAll();
 }
 
 void FXStrArray::DestroyBuf() {
     RemoveAll();
-    strings_.DestroyBuf();
+    FXArray::DestroyBuf();
 }
 
 int FXStrArray::Findpos(const char* s) const {
-    for (int i = 0; i < strings_.count; ++i)
+    for (int i = 0; i < count; ++i)
         if (std::strcmp(Get(i), s ? s : "") == 0)
             return i;
     return -1;
 }
 
 bool FXStrArray::Save(std::FILE* file) const {
-    const std::int32_t n = Count();
+    const std::int32_t n = count;
     bool ok = std::fwrite(&n, sizeof n, 1, file) == 1;
     for (int i = 0; i < n && ok; ++i) {
         const auto length = static_cast<std::int32_t>(std::strlen(Get(i)));
         ok = std::fwrite(&length, sizeof length, 1, file) == 1 &&
-             std::fwrite(Get(i), 1, static_cast<std::size_t>(length), file) == static_cast<std::size_t>(length);
+             std::fwrite(Get(i), 1, static_cast<std::size_t>(length), file) ==
+                 static_cast<std::size_t>(length);
     }
     return ok;
 }
@@ -98,9 +107,9 @@ bool FXStrArray::Load(std::FILE* file) {
             have += static_cast<std::int32_t>(step);
             s[have] = '\0';
         }
-        const int before = strings_.count;
-        strings_.Push(s);
-        if (strings_.count == before) {
+        const int before = count;
+        FXArray::Push(s);
+        if (count == before) {
             std::free(s);
             return false;
         }
@@ -109,7 +118,7 @@ bool FXStrArray::Load(std::FILE* file) {
 }
 
 bool FXStrArray::SaveShortPaths(std::FILE* file, const char* base) const {
-    const std::int32_t n = Count();
+    const std::int32_t n = count;
     bool ok = std::fwrite(&n, sizeof n, 1, file) == 1;
     for (int i = 0; i < n && ok; ++i)
         ok = FXStr(Get(i)).SaveShortPath(file, base);

@@ -2,15 +2,13 @@
 
 int FXNameServer::FindId(const char* name) const {
     const int at = names.Findpos(name);
-    return at < 0 ? -1 : firstId + at;
+    return at < 0 || at > INT_MAX - firstId ? -1 : firstId + at;
 }
 
 int FXNameServer::BuildId(const char* name) {
-    const int id = FindId(name);
-    if (id >= 0)
-        return id;
-    names.Push(name);
-    return firstId + names.Count() - 1;
+    if (names.Findpos(name) < 0)
+        names.Push(name);
+    return FindId(name);
 }
 
 void FXNameServer::Destroy() {

@@ -5,7 +5,7 @@
 
 class FXNameServer {
 public:
-    int BuildId(const char* name); // the name's id; a new name gets the next one
+    int BuildId(const char* name);      // the name's id; a new name gets the next one. -1 when none is left
     int FindId(const char* name) const; // -1 when absent; exact comparison
     void Destroy();
 

@@ -1,23 +1,11 @@
 #include "package/package.h"
 
+#include "base/file_handle.h"
 #include "package/scramble.h"
 
 #include <cstring>
-#include <memory>
 
 namespace {
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-struct BlockFreer {
-    void operator()(unsigned char* block) const { std::free(block); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-using Block = std::unique_ptr<unsigned char, BlockFreer>;
-
-// Not zeroed: every byte is written before it is read.
-Block localBlock(int size) { return Block(static_cast<unsigned char*>(fxRealloc(nullptr, static_cast<std::size_t>(size)))); }
 
 // The bytes from here to the end of the file; -1 when that is beyond what an int holds.
 int localBytesLeft(std::FILE* file) {
@@ -34,57 +22,57 @@ int localBytesLeft(std::FILE* file) {
 
 bool FXPackage::Load(const char* fileName) {
     Destroy();
-    const File file(std::fopen(fileName, "rb"));
+    const FXFile file = fxOpenFile(fileName, "rb");
     FXStr header;
     if (!file || !header.Load(file.get()) || !header.nCompare("pck01", 5))
         return false;
     const bool scrambled = std::strchr(header.text + 5, 's') != nullptr;
 
     const int size = localBytesLeft(file.get());
-    Block body = size < 0 ? nullptr : localBlock(size);
-    if (!body || std::fread(body.get(), 1, static_cast<std::size_t>(size), file.get()) != static_cast<std::size_t>(size))
+    if (size < 0)
         return false;
-    if (scrambled) {
-        Block plain = localBlock(size);
-        if (!plain)
-            return false;
-        fxScramble(body.get(), plain.get(), static_cast<std::size_t>(size));
-        body = std::move(plain);
-    }
-    FXPackageData cursor;
-    cursor.InitData(body.get(), size);
-    if (!ReadBody(&cursor)) {
-        Destroy();
+    const auto bytes = static_cast<std::size_t>(size);
+    FXBytes body = fxNewBytes(bytes);
+    if (!body || std::fread(body.get(), 1, bytes, file.get()) != bytes)
         return false;
-    }
-    return true;
-}
-
-bool FXPackage::ReadBody(FXPackageData* body) {
-    for (FXArray<int>* table : {&ids, &offsets, &sizes, &types})
-        body->ReadArray(table);
+    if (scrambled)
+        fxScramble(body.get(), bytes);
+    TakeBody(std::move(body), size);
+    // Ids given to names from now on do not meet those of stored entries.
     firstId = 0;
     for (const int id : ids)
         firstId = std::max(firstId, id < INT_MAX ? id + 1 : INT_MAX);
-    dataSize = body->left;
-    Block block = localBlock(dataSize);
-    if (!block)
-        return false;
-    body->ReadCopyBlc(block.get(), dataSize);
-    dataBlock = block.release();
-    RecompClasses();
     return true;
+}
+
+// Makes an unscrambled body the contents.
+void FXPackage::TakeBody(FXBytes body, int size) {
+    FXPackageData cursor;
+    cursor.InitData(body.get(), size);
+    for (FXArray<int>* table : {&ids, &offsets, &sizes, &types})
+        cursor.ReadArray(table);
+
+    // Only a package that lies has tables of different lengths: an entry needs an id, a place and a length.
+    const int entries = std::min({ids.count, offsets.count, sizes.count});
+    for (FXArray<int>* table : {&ids, &offsets, &sizes})
+        table->count = entries;
+    types.count = std::min(types.count, entries);
+    while (types.count < entries && types.Realloc(entries))
+        types.Push(kRaw);
+
+    dataSize = cursor.left;
+    dataBlock = body.get() + (size - dataSize);
+    block = std::move(body);
+    RecompClasses();
 }
 
 void FXPackage::RecompClasses() {
     for (FXPackageData* cursor : cursors)
         delete cursor;
     cursors.RemoveAll();
-    // Only a package that lies has tables of different lengths; an entry needs a place and a length.
-    const int entries = std::min({ids.count, offsets.count, sizes.count});
-    if (!cursors.Realloc(entries))
+    if (!cursors.Realloc(ids.count))
         return;
-    for (int i = 0; i < entries; ++i) {
+    for (int i = 0; i < ids.count; ++i) {
         auto* cursor = new FXPackageData;
         const std::int64_t end = static_cast<std::int64_t>(offsets[i]) + sizes[i];
         if (offsets[i] >= 0 && sizes[i] >= 0 && end <= dataSize)
@@ -107,7 +95,7 @@ int FXPackage::GetDataType(int id) const {
 }
 
 void FXPackage::Destroy() {
-    std::free(dataBlock);
+    block.reset();
     dataBlock = nullptr;
     dataSize = 0;
     for (FXArray<int>* table : {&ids, &offsets, &sizes, &types, &pendingIds})

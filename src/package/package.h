@@ -27,21 +27,25 @@ public:
     FXPackage(const FXPackage&) = delete;
     FXPackage& operator=(const FXPackage&) = delete;
 
-    // Replaces the contents; after a failure (no file, no package, no memory, beyond 2 GiB) the package is empty.
+    // Replaces the contents; after a failure (no file, no package, no memory, beyond 2 GiB) the package is
+    // empty.
     bool Load(const char* fileName);
-    // The cursor of the first entry with that id, rewound; null when there is none. Every call gives the same cursor.
+    // The cursor of the first entry with that id, rewound; null when there is none. Every call gives the same
+    // cursor.
     FXPackageData* GetDataPtr(int id);
-    int GetDataType(int id) const; // -1 when there is none
+    int GetDataType(int id) const; // kRaw (-1) when there is none
     void Destroy();                // the names stay
 
     // Building. Queued files are read by Save.
     void AddDataFile(int id, const char* file);
     // Queues the file under the id of its name, once per name, and replaces the name by the id in decimal.
     void AddDataFile1(FXStr* name);
-    // Appends the queued files and writes the package, scrambled if asked. The old file is replaced only when the new one
-    // is complete. False, with the contents and the queue as they were, when a file cannot be read or written.
+    // Appends the queued files and writes the package, scrambled if asked. It is written under another name
+    // beside fileName, which it replaces only when complete. False, with the contents, the queue and the old
+    // file as they were, when a file cannot be read or written or the package would be beyond 2 GiB.
     bool Save(const char* fileName, int flags);
-    // Length and type (from the name's ending) of a file; false when it cannot be read or is beyond 2 GiB.
+    // Length and type of a file. The type comes from the name: what follows its last dot, but never its first
+    // two characters. False, with length 0, when the file cannot be read or is beyond 2 GiB.
     static bool CheckFile(const char* file, int* size, int* type);
     bool SaveNames(const char* file) const;
     bool LoadNames(const char* file);
@@ -49,7 +53,7 @@ public:
     void AddTmpFile(const char* file);
     void DeleteTmpFiles(); // from the disk
 
-    unsigned char* dataBlock = nullptr;
+    unsigned char* dataBlock = nullptr; // the entries' bytes, inside the block that holds the file's body
     int dataSize = 0;
     FXArray<int> ids;
     FXArray<int> offsets; // of each entry, from the start of dataBlock
@@ -61,6 +65,8 @@ public:
     FXStrArray tmpFiles;
 
 private:
-    bool ReadBody(FXPackageData* body);
+    void TakeBody(FXBytes body, int size);
     void RecompClasses();
+
+    FXBytes block; // what dataBlock points into
 };

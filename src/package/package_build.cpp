@@ -1,19 +1,13 @@
 // Making packages: the tools' side of FXPackage.
+#include "base/file_handle.h"
 #include "base/path_text.h"
 #include "package/package.h"
 #include "package/scramble.h"
 
 #include <cstring>
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace {
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
 
 struct Ending {
     const char* text;
@@ -21,40 +15,61 @@ struct Ending {
 };
 constexpr Ending kEndings[] = {{"jpg", kJpeg}, {"png", kPng}, {"tga", kTga}, {"bmp", kBmp}, {"gif", kGif}};
 
-// Up to three characters from the end of the name, stopping at a dot.
-int localTypeOf(const std::string& name) {
-    std::size_t from = name.size();
-    while (from > 0 && name.size() - from < 3 && name[from - 1] != '.')
-        --from;
-    FXStr ending(name.c_str() + from);
+int localTypeOf(const char* name) {
+    const char* from = name + std::min<std::size_t>(std::strlen(name), 2);
+    const char* dot = std::strrchr(from, '.');
+    const FXStr ending(dot ? dot + 1 : from);
     for (const Ending& known : kEndings)
         if (ending.iCompare(known.text))
             return known.type;
     return kRaw;
 }
 
-bool localAppendFile(const char* name, int size, std::vector<unsigned char>* bytes) {
-    const File file(std::fopen(name, "rb"));
-    const std::size_t at = bytes->size();
-    bytes->resize(at + static_cast<std::size_t>(size));
-    return file && std::fread(bytes->data() + at, 1, static_cast<std::size_t>(size), file.get()) ==
-                       static_cast<std::size_t>(size);
+bool localReadFile(const char* name, unsigned char* to, std::size_t size) {
+    const FXFile file = fxOpenFile(name, "rb");
+    return file && std::fread(to, 1, size, file.get()) == size;
 }
 
-bool localWritePackage(const std::string& name, const FXStr& header, const std::vector<unsigned char>& body) {
-    File file(std::fopen(name.c_str(), "wb"));
+bool localWriteFile(const std::string& name, const FXStr& header, const unsigned char* body,
+                    std::size_t size) {
+    FXFile file = fxOpenFile(name.c_str(), "wb");
     if (!file)
         return false;
-    const bool written = header.Save(file.get()) && std::fwrite(body.data(), 1, body.size(), file.get()) == body.size();
-    return std::fclose(file.release()) == 0 && written; // a full disk may show only here
+    const bool written = header.Save(file.get()) && std::fwrite(body, 1, size, file.get()) == size;
+    return fxCloseWritten(std::move(file)) && written;
 }
 
-// Puts the new file in the old one's place.
-bool localReplace(const std::string& from, const char* to) {
-    if (std::rename(from.c_str(), to) == 0)
+// Puts the new file in the old one's place. Some systems do not rename over a file: then the old one is kept
+// aside until the new one stands.
+bool localReplace(const std::string& from, const std::string& to) {
+    if (std::rename(from.c_str(), to.c_str()) == 0)
         return true;
-    std::remove(to); // some systems do not rename over a file
-    return std::rename(from.c_str(), to) == 0;
+    const std::string aside = to + ".old";
+    if (std::rename(to.c_str(), aside.c_str()) != 0)
+        return false;
+    const bool replaced = std::rename(from.c_str(), to.c_str()) == 0;
+    if (replaced)
+        std::remove(aside.c_str());
+    else
+        std::rename(aside.c_str(), to.c_str());
+    return replaced;
+}
+
+// Writes the file under another name first, so that what stood there outlives a failure.
+bool localWritePackage(const char* name, const FXStr& header, const unsigned char* body, std::size_t size) {
+    const std::string unfinished = std::string(name) + ".new";
+    if (localWriteFile(unfinished, header, body, size) && localReplace(unfinished, name))
+        return true;
+    std::remove(unfinished.c_str());
+    return false;
+}
+
+// One table: of the entries that are there, then of those to come.
+void localWriteTable(FXPackageData* cursor, const FXArray<int>& stored, const FXArray<int>& added) {
+    cursor->WriteInt(stored.count + added.count);
+    for (const FXArray<int>* part : {&stored, &added})
+        for (const int value : *part)
+            cursor->WriteInt(value);
 }
 
 } // namespace
@@ -73,113 +88,97 @@ void FXPackage::AddDataFile1(FXStr* name) {
 }
 
 bool FXPackage::CheckFile(const char* file, int* size, int* type) {
+    *size = 0;
     *type = localTypeOf(file);
-    const File opened(std::fopen(file, "rb"));
+    const FXFile opened = fxOpenFile(file, "rb");
     if (!opened || std::fseek(opened.get(), 0, SEEK_END) != 0)
         return false;
     const long end = std::ftell(opened.get());
+    if (end < 0 || end > INT_MAX)
+        return false;
     *size = static_cast<int>(end);
-    return end >= 0 && end <= INT_MAX;
+    return true;
 }
 
 bool FXPackage::Save(const char* fileName, int flags) {
-    FXArray<int> newSizes;
-    FXArray<int> newTypes;
-    std::vector<unsigned char> data(dataBlock, dataBlock + dataSize);
-    for (int i = 0; i < pendingIds.count; ++i) {
+    const int added = pendingIds.count;
+    FXArray<int> newOffsets, newSizes, newTypes;
+    if (!newOffsets.Realloc(added) || !newSizes.Realloc(added) || !newTypes.Realloc(added))
+        return false;
+    std::int64_t end = dataSize;
+    for (int i = 0; i < added; ++i) {
         int size = 0;
         int type = kRaw;
-        if (!CheckFile(pendingFiles.Get(i), &size, &type) || data.size() + size > INT_MAX / 2 ||
-            !localAppendFile(pendingFiles.Get(i), size, &data))
+        if (!CheckFile(pendingFiles.Get(i), &size, &type) || end + size > INT_MAX)
             return false;
+        newOffsets.Push(static_cast<int>(end));
         newSizes.Push(size);
         newTypes.Push(type);
+        end += size;
     }
 
-    FXArray<int> tables[4]; // ids, offsets, sizes, types as they will be
-    const FXArray<int>* old[4] = {&ids, &offsets, &sizes, &types};
-    for (int t = 0; t < 4; ++t) {
-        tables[t].Realloc(old[t]->count + pendingIds.count);
-        for (const int value : *old[t])
-            tables[t].Push(value);
-    }
-    int offset = dataSize;
-    for (int i = 0; i < pendingIds.count; ++i) {
-        tables[0].Push(pendingIds[i]);
-        tables[1].Push(offset);
-        tables[2].Push(newSizes[i]);
-        tables[3].Push(newTypes[i]);
-        offset += newSizes[i];
-    }
-
-    std::vector<unsigned char> body(16);
-    for (const FXArray<int>& table : tables)
-        body.resize(body.size() + 4 * static_cast<std::size_t>(table.count));
+    const std::int64_t dataAt = 16 + 16 * (std::int64_t{ids.count} + added);
+    const std::int64_t bodySize = dataAt + end;
+    FXBytes body = bodySize > INT_MAX ? nullptr : fxNewBytes(static_cast<std::size_t>(bodySize));
+    if (!body)
+        return false;
     FXPackageData cursor;
-    cursor.InitData(body.data(), static_cast<int>(body.size()));
-    for (const FXArray<int>& table : tables)
-        cursor.WriteArray(&table);
-    body.insert(body.end(), data.begin(), data.end());
+    cursor.InitData(body.get(), static_cast<int>(bodySize));
+    localWriteTable(&cursor, ids, pendingIds);
+    localWriteTable(&cursor, offsets, newOffsets);
+    localWriteTable(&cursor, sizes, newSizes);
+    localWriteTable(&cursor, types, newTypes);
+    unsigned char* data = body.get() + dataAt;
+    if (dataSize > 0)
+        std::memcpy(data, dataBlock, static_cast<std::size_t>(dataSize));
+    for (int i = 0; i < added; ++i)
+        if (!localReadFile(pendingFiles.Get(i), data + newOffsets[i], static_cast<std::size_t>(newSizes[i])))
+            return false;
 
-    FXStr header("pck01");
-    if (flags & kScrambled) {
-        header.AppendChar('s');
-        std::vector<unsigned char> scrambled(body.size());
-        fxScramble(body.data(), scrambled.data(), body.size());
-        body.swap(scrambled);
-    }
-    const std::string unfinished = std::string(fileName) + ".new";
-    if (!localWritePackage(unfinished, header, body) || !localReplace(unfinished, fileName)) {
-        std::remove(unfinished.c_str());
+    const auto bytes = static_cast<std::size_t>(bodySize);
+    const bool scrambled = (flags & kScrambled) != 0;
+    if (scrambled)
+        fxScramble(body.get(), bytes);
+    if (!localWritePackage(fileName, FXStr(scrambled ? "pck01s" : "pck01"), body.get(), bytes))
         return false;
-    }
-
-    auto* block = static_cast<unsigned char*>(fxRealloc(dataBlock, data.size()));
-    if (block == nullptr)
-        return false;
-    std::memcpy(block, data.data(), data.size());
-    dataBlock = block;
-    dataSize = static_cast<int>(data.size());
-    FXArray<int>* kept[4] = {&ids, &offsets, &sizes, &types};
-    for (int t = 0; t < 4; ++t) {
-        kept[t]->RemoveAll();
-        for (const int value : tables[t])
-            kept[t]->Push(value);
-    }
+    if (scrambled)
+        fxScramble(body.get(), bytes);
+    TakeBody(std::move(body), static_cast<int>(bodySize));
     pendingIds.RemoveAll();
     pendingFiles.RemoveAll();
-    RecompClasses();
     return true;
 }
 
 bool FXPackage::SaveNames(const char* file) const {
-    File opened(std::fopen(file, "wb"));
-    return opened && names.Save(opened.get()) && std::fclose(opened.release()) == 0;
+    FXFile opened = fxOpenFile(file, "wb");
+    return opened && names.Save(opened.get()) && fxCloseWritten(std::move(opened));
 }
 
 bool FXPackage::LoadNames(const char* file) {
-    const File opened(std::fopen(file, "rb"));
+    const FXFile opened = fxOpenFile(file, "rb");
     return opened && names.Load(opened.get());
 }
 
 bool FXPackage::SaveNamesCpp(const char* file) const {
-    File opened(std::fopen(file, "wt"));
+    FXFile opened = fxOpenFile(file, "wt");
     if (!opened)
         return false;
-    for (int i = 0; i < names.Count(); ++i) {
+    for (int i = 0; i < names.count; ++i) {
         FXStr name(fxGetFilename(names.Get(i)));
         name.ToUpper();
         for (const char c : {'.', '\\', '/', ' ', '+', '-', '(', ')', '[', ']'})
             name.ExchangeChars(c, '_');
         std::fprintf(opened.get(), "#define FXNAME_%s  %d\n", name.text, firstId + i);
     }
-    return std::fclose(opened.release()) == 0;
+    return fxCloseWritten(std::move(opened));
 }
 
-void FXPackage::AddTmpFile(const char* file) { tmpFiles.Push(file); }
+void FXPackage::AddTmpFile(const char* file) {
+    tmpFiles.Push(file);
+}
 
 void FXPackage::DeleteTmpFiles() {
-    for (int i = 0; i < tmpFiles.Count(); ++i)
+    for (int i = 0; i < tmpFiles.count; ++i)
         std::remove(tmpFiles.Get(i));
     tmpFiles.RemoveAll();
 }

@@ -39,17 +39,30 @@ template <class T> T FXPackageData::ReadValue() {
     return value;
 }
 
-bool FXPackageData::ReadBool() { return ReadValue<unsigned char>() == 1; }
-int FXPackageData::ReadInt() { return ReadValue<std::int32_t>(); }
-float FXPackageData::ReadFloat() { return ReadValue<float>(); }
-double FXPackageData::ReadDouble() { return ReadValue<double>(); }
-void FXPackageData::ReadFloat4(float* dst) { ReadCopyBlc(dst, 4 * sizeof(float)); }
+bool FXPackageData::ReadBool() {
+    return ReadValue<unsigned char>() == 1;
+}
+int FXPackageData::ReadInt() {
+    return ReadValue<std::int32_t>();
+}
+float FXPackageData::ReadFloat() {
+    return ReadValue<float>();
+}
+double FXPackageData::ReadDouble() {
+    return ReadValue<double>();
+}
+void FXPackageData::ReadFloat4(float* dst) {
+    ReadCopyBlc(dst, 4 * sizeof(float));
+}
 
-int FXPackageData::ReadCount() { return std::clamp(ReadInt(), 0, size); }
+int FXPackageData::ReadCount() {
+    return std::clamp(ReadInt(), 0, size);
+}
 
 void FXPackageData::ReadString(FXStr* s) {
     s->Clear();
-    const int length = std::clamp(ReadInt(), 0, left);
+    const int stored = ReadInt();
+    const int length = std::clamp(stored, 0, left);
     s->len = std::min(length, FXStr::kCapacity);
     const void* block = ReadBlc(length);
     if (block != nullptr)

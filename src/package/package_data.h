@@ -5,11 +5,12 @@
 #include "base/str.h"
 #include "base/str_array.h"
 
-// Walks a block that somebody else owns. A read that does not fit gives 0, 0.0, null or an empty string and consumes
-// nothing; there is no error state. Little-endian; a bool is one byte, true when it is exactly 1.
+// Walks a block that somebody else owns. A read that does not fit gives 0, 0.0, null or an empty string and
+// consumes nothing; there is no error state. Little-endian; a bool is one byte, true when it is exactly 1.
 //
-// A counted read gives as many elements as the count says, defaults where the bytes have run out, but never more
-// elements than the whole block has bytes: a count that lies costs no memory. A negative count gives none.
+// A counted read gives as many elements as the count says, defaults where the bytes have run out, but never
+// more elements than the whole block has bytes: a count that lies costs no memory. A negative count gives
+// none.
 class FXPackageData {
 public:
     void InitData(const void* p, int n); // n < 0 counts as 0

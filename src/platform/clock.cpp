@@ -2,23 +2,27 @@
 
 #include "win32/win32.h"
 
+#include <algorithm>
+
 namespace {
 
 FXTickSource tickSource = nullptr;
 
 } // namespace
 
-std::uint32_t fxGetTicks() { return tickSource ? tickSource() : timeGetTime(); }
+std::uint32_t fxGetTicks() {
+    return tickSource ? tickSource() : timeGetTime();
+}
 
-void fxSetTickSource(FXTickSource source) { tickSource = source; }
+void fxSetTickSource(FXTickSource source) {
+    tickSource = source;
+}
 
-double fxGetTime() { return fxGetTicks() / 1000.0; }
+double fxGetTime() {
+    return fxGetTicks() / 1000.0;
+}
 
-void fxSleep(double seconds) { Sleep(seconds <= 0.0 ? 0 : static_cast<DWORD>(seconds * 1000.0 + 0.5)); }
-
-double FXTimeDiff::OnTime() {
-    const double now = fxGetTime();
-    const double difference = now - previous_;
-    previous_ = now;
-    return difference;
+void fxSleep(double seconds) {
+    constexpr double kLongest = 4294967294.0; // one less than the platform's "without end"
+    Sleep(seconds > 0.0 ? static_cast<DWORD>(std::min(seconds * 1000.0 + 0.5, kLongest)) : 0);
 }

@@ -7,20 +7,12 @@
 using FXTickSource = std::uint32_t (*)();
 
 std::uint32_t fxGetTicks();
-// Puts a clock of one's own in the place of the platform's, null puts that back: how tests and the film tool drive the
-// show. Not to be called while a render loop runs.
+// Puts a clock of one's own in the place of the platform's, null puts that back: how tests and the film tool
+// drive the show. Not to be called while a render loop runs.
 void fxSetTickSource(FXTickSource source);
 
 // fxGetTicks in seconds.
 double fxGetTime();
-// Rounded to whole milliseconds; 0 gives up the rest of the time slice, less than 0 counts as 0.
+// Rounded to whole milliseconds, at most 49 days; 0 gives up the rest of the time slice, and so does anything
+// below.
 void fxSleep(double seconds);
-
-// The time between two calls; the first one gives the time since the clock's start.
-class FXTimeDiff {
-public:
-    double OnTime();
-
-private:
-    double previous_ = 0.0;
-};

@@ -21,15 +21,17 @@ void localAddPathEnding(char* path) {
     path[length + 1] = '\0';
 }
 
-char* localTypePath(int type) { return type == 1 ? localStartPath : type == 2 ? localSysFontsPath : nullptr; }
+char* localTypePath(int type) {
+    return type == 1 ? localStartPath : type == 2 ? localSysFontsPath : nullptr;
+}
 
 } // namespace
 
 void fxInitPaths() {
     char folder[kPathLength + 1] = "";
-    if (GetCurrentDirectoryA(sizeof folder, folder) >= sizeof folder)
-        folder[0] = '\0';
-    fxSetTypePath(1, folder);
+    const DWORD length = GetCurrentDirectoryA(sizeof folder, folder);
+    fxSetTypePath(1, length > 0 && length < sizeof folder ? folder
+                                                          : "."); // too deep for a buffer: stay where we are
     char fonts[MAX_PATH] = "";
     if (SHGetFolderPathA(nullptr, CSIDL_FONTS, nullptr, 0, fonts) != 0)
         fonts[0] = '\0';
@@ -40,14 +42,21 @@ void fxSetTypePath(int type, const char* path) {
     char* target = localTypePath(type);
     if (target == nullptr)
         return;
+    path = path ? path : "";
     const std::size_t length = strnlen(path, kPathLength);
     std::memmove(target, path, length);
     target[length] = '\0';
     localAddPathEnding(target);
 }
 
-const char* fxGetTypePath(int type) { return localTypePath(type); }
+const char* fxGetTypePath(int type) {
+    return localTypePath(type);
+}
 
-bool fxSetActPath(const char* path) { return path != nullptr && SetCurrentDirectoryA(path) != FALSE; }
+bool fxSetActPath(const char* path) {
+    return path != nullptr && SetCurrentDirectoryA(path) != FALSE;
+}
 
-bool fxSetPath(int type) { return fxSetActPath(fxGetTypePath(type)); }
+bool fxSetPath(int type) {
+    return fxSetActPath(fxGetTypePath(type));
+}

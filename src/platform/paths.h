@@ -1,9 +1,11 @@
-// Folders. All files are opened by names relative to the current folder, so choosing the data folder makes it current.
+// Folders. All files are opened by names relative to the current folder, so choosing the data folder makes it
+// current.
 #pragma once
 
-// Type path 1 is the start folder, later the data folder; 2 the system's fonts folder. They end with a separator.
+// Type path 1 is the start folder, later the data folder; 2 the system's fonts folder. They end with a
+// separator.
 void fxInitPaths();
-void fxSetTypePath(int type, const char* path); // cut to 259 characters; other types: nothing
+void fxSetTypePath(int type, const char* path); // cut to 259 characters, null is empty
 const char* fxGetTypePath(int type);            // null for other types
 
 bool fxSetActPath(const char* path); // makes it the current folder

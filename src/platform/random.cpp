@@ -3,6 +3,10 @@
 #include "platform/clock.h"
 #include "win32/win32.h"
 
-void fxResetRandom() { crt_srand(static_cast<unsigned>(crt_rand()) * fxGetTicks()); }
+void fxResetRandom() {
+    crt_srand(static_cast<unsigned>(crt_rand()) * fxGetTicks());
+}
 
-float fxGetRandom() { return static_cast<float>(crt_rand() / 32767.0); }
+float fxGetRandom() {
+    return static_cast<float>(crt_rand() / 32767.0);
+}

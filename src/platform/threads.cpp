@@ -3,12 +3,12 @@
 #include "base/memory.h"
 #include "win32/win32.h"
 
-#include <cstdlib>
 #include <memory>
 
 namespace {
 
-constexpr double kNoLimit = 100000.0;
+constexpr double kNoLimit = 100000.0; // seconds from which a wait has no limit
+constexpr double kTerminated = 1.0;   // seconds that a terminated thread gets to be gone
 
 struct ThreadRecord {
     void (*proc)(void*);
@@ -19,10 +19,6 @@ struct ThreadRecord {
     bool Alive() const { return handle != nullptr && id != 0; }
 };
 
-struct Freed {
-    void operator()(void* block) const { std::free(block); }
-};
-
 DWORD WINAPI localThreadProc(void* parameter) {
     const ThreadRecord* record = static_cast<ThreadRecord*>(parameter);
     if (record != nullptr && record->proc != nullptr)
@@ -30,7 +26,9 @@ DWORD WINAPI localThreadProc(void* parameter) {
     return 0;
 }
 
-CRITICAL_SECTION* localSection(void* mutex) { return static_cast<CRITICAL_SECTION*>(mutex); }
+CRITICAL_SECTION* localSection(void* mutex) {
+    return static_cast<CRITICAL_SECTION*>(mutex);
+}
 
 } // namespace
 
@@ -48,14 +46,20 @@ void fxDestroyMutex(void* mutex) {
     std::free(mutex);
 }
 
-bool fxTryLock(void* mutex) { return TryEnterCriticalSection(localSection(mutex)) != FALSE; }
+bool fxTryLock(void* mutex) {
+    return TryEnterCriticalSection(localSection(mutex)) != FALSE;
+}
 
-void fxLock(void* mutex) { EnterCriticalSection(localSection(mutex)); }
+void fxLock(void* mutex) {
+    EnterCriticalSection(localSection(mutex));
+}
 
-void fxUnlock(void* mutex) { LeaveCriticalSection(localSection(mutex)); }
+void fxUnlock(void* mutex) {
+    LeaveCriticalSection(localSection(mutex));
+}
 
 void* fxCreateThread(void (*proc)(void*), void* argument) {
-    std::unique_ptr<ThreadRecord, Freed> record(static_cast<ThreadRecord*>(fxMalloc(sizeof(ThreadRecord))));
+    std::unique_ptr<ThreadRecord, FXFree> record(static_cast<ThreadRecord*>(fxMalloc(sizeof(ThreadRecord))));
     if (!record)
         return nullptr;
     record->proc = proc;
@@ -68,7 +72,8 @@ bool fxWaitThread(void* thread, double seconds) {
     const ThreadRecord* record = static_cast<ThreadRecord*>(thread);
     if (record == nullptr || !record->Alive())
         return true;
-    const DWORD wait = seconds >= kNoLimit ? INFINITE : static_cast<DWORD>(seconds > 0 ? seconds * 1000.0 : 0);
+    const DWORD wait =
+        seconds >= kNoLimit ? INFINITE : static_cast<DWORD>(seconds > 0 ? seconds * 1000.0 : 0);
     return WaitForSingleObject(record->handle, wait) != WAIT_TIMEOUT;
 }
 
@@ -76,8 +81,10 @@ void fxTerminateThread(void* thread) {
     ThreadRecord* record = static_cast<ThreadRecord*>(thread);
     if (record == nullptr || !record->Alive())
         return;
-    if (!fxWaitThread(record, 0.0))
+    if (!fxWaitThread(record, 0.0)) {
         TerminateThread(record->handle, 0);
+        fxWaitThread(record, kTerminated); // ending is only asked for, and the record may be freed next
+    }
     CloseHandle(record->handle);
     record->handle = nullptr;
     record->id = 0;

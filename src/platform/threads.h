@@ -1,5 +1,5 @@
-// Threads, recursive mutexes and priorities behind opaque handles. A null handle is accepted everywhere and then
-// nothing happens, the lock operations excepted.
+// Threads, recursive mutexes and priorities behind opaque handles. A null handle is accepted everywhere and
+// then nothing happens, the lock operations excepted.
 #pragma once
 
 void* fxCreateMutex(); // null when there is no memory
@@ -10,9 +10,11 @@ void fxUnlock(void* mutex);
 
 // A running thread, or null. Its record is freed by fxDestroyThread.
 void* fxCreateThread(void (*proc)(void*), void* argument);
-// False only when the time ran out. 100000 seconds or more wait without limit; the time is cut to whole milliseconds.
+// False only when the time ran out. 100000 seconds or more wait without limit; the time is cut to whole
+// milliseconds.
 bool fxWaitThread(void* thread, double seconds);
-// Ends a thread that has not ended yet, and closes its handle. What the thread held is lost: wait for it first.
+// Ends a thread that has not ended yet, and closes its handle. What the thread held is lost: wait for it
+// first.
 void fxTerminateThread(void* thread);
 void fxDestroyThread(void* thread);
 

@@ -15,13 +15,12 @@ constexpr char kDashes[] = "------------------------------------------------\n";
 
 std::atomic<bool> trcOn = false;
 std::FILE* trcFile = nullptr;
-std::atomic<void*> trcMutex = nullptr;
+void* trcMutex = nullptr; // made before the flag is first set, and kept
 
 // Shared by all callers under the mutex.
 char trcTrcText[kMessage + 1];
 char trcTimeStr[1024];
 char trcThreadStr[1024];
-char trcDynamicError[kMessage + 1];
 
 void localPrefixes() {
     std::snprintf(trcThreadStr, sizeof trcThreadStr, "%08x: ", static_cast<unsigned>(GetCurrentThreadId()));
@@ -29,37 +28,49 @@ void localPrefixes() {
     std::snprintf(trcTimeStr, sizeof trcTimeStr, "[%.3f] ", static_cast<double>(seconds));
 }
 
+struct Locked {
+    Locked() { fxLock(trcMutex); }
+    ~Locked() { fxUnlock(trcMutex); }
+    Locked(const Locked&) = delete;
+    Locked& operator=(const Locked&) = delete;
+};
+
 enum class Prefix { None, Trace, Error };
 
-void localWrite(Prefix prefix, char* text, const char* format, va_list arguments) {
-    void* mutex = trcMutex;
-    if (!trcOn || mutex == nullptr)
+void localWrite(Prefix prefix, const char* format, va_list arguments) {
+    if (!trcOn)
         return;
-    fxLock(mutex);
-    if (trcOn && trcFile != nullptr) {
-        std::vsnprintf(text, kMessage + 1, format, arguments);
-        if (prefix == Prefix::Error)
-            std::fputs("#ERROR: ", trcFile);
-        if (prefix != Prefix::None) {
-            localPrefixes();
-            std::fputs(trcThreadStr, trcFile);
-            std::fputs(trcTimeStr, trcFile);
-        }
-        std::fputs(text, trcFile);
-        std::fflush(trcFile);
+    const Locked locked;
+    if (!trcOn || trcFile == nullptr)
+        return;
+    std::vsnprintf(trcTrcText, sizeof trcTrcText, format, arguments);
+    if (prefix == Prefix::Error)
+        std::fputs("#ERROR: ", trcFile);
+    if (prefix != Prefix::None) {
+        localPrefixes();
+        std::fputs(trcThreadStr, trcFile);
+        std::fputs(trcTimeStr, trcFile);
     }
-    fxUnlock(mutex);
+    std::fputs(trcTrcText, trcFile);
+    std::fflush(trcFile);
 }
 
 } // namespace
 
 bool fxOpenTraces(const char* name) {
+    if (trcMutex == nullptr)
+        trcMutex = fxCreateMutex();
+    if (trcMutex == nullptr)
+        return false;
+    const Locked locked;
     if (trcOn) {
-        fxLock(trcMutex);
-        std::fprintf(trcFile, "%sfxOpenTraces - attempt to open another traces\n               (filename:%s)\n%s\n",
-                     kDashes, name, kDashes);
-        std::fflush(trcFile);
-        fxUnlock(trcMutex);
+        if (trcFile != nullptr) {
+            std::fprintf(
+                trcFile,
+                "%sfxOpenTraces - attempt to open another traces\n               (filename:%s)\n%s\n",
+                kDashes, name, kDashes);
+            std::fflush(trcFile);
+        }
         return false;
     }
     trcFile = std::fopen(name, "wt");
@@ -67,26 +78,23 @@ bool fxOpenTraces(const char* name) {
         return false;
     std::fprintf(trcFile, "%s fxOpenTraces (filename:%s)\n%s\n", kDashes, name, kDashes);
     std::fflush(trcFile);
-    trcMutex = fxCreateMutex();
     trcOn = true;
     return true;
 }
 
-bool fxTracesOpened() { return trcOn; }
+bool fxTracesOpened() {
+    return trcOn;
+}
 
 void fxCloseTraces() {
-    if (trcOn) {
-        void* mutex = trcMutex;
-        fxLock(mutex);
-        trcOn = false;
-        fxUnlock(mutex);
-        trcMutex = nullptr;
-        fxDestroyMutex(mutex);
-    }
+    trcOn = false; // the mutex stays: another thread may be about to take it
     fxCloseTracesFile();
 }
 
 void fxCloseTracesFile() {
+    if (trcMutex == nullptr)
+        return;
+    const Locked locked;
     if (trcFile == nullptr)
         return;
     std::fprintf(trcFile, "\n%s end of traces\n%s\n", kDashes, kDashes);
@@ -97,33 +105,20 @@ void fxCloseTracesFile() {
 void trc(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    localWrite(Prefix::Trace, trcTrcText, format, arguments);
+    localWrite(Prefix::Trace, format, arguments);
     va_end(arguments);
 }
 
 void err(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    localWrite(Prefix::Error, trcTrcText, format, arguments);
+    localWrite(Prefix::Error, format, arguments);
     va_end(arguments);
 }
 
 void trc1(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    localWrite(Prefix::None, trcTrcText, format, arguments);
+    localWrite(Prefix::None, format, arguments);
     va_end(arguments);
-}
-
-int errmsg(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    va_list again;
-    va_copy(again, arguments);
-    localWrite(Prefix::Error, trcDynamicError, format, arguments);
-    va_end(arguments);
-    char text[kMessage + 1]; // the box stays open for as long as the user likes; the shared buffer must not
-    std::vsnprintf(text, sizeof text, format, again);
-    va_end(again);
-    return MessageBoxA(nullptr, text, "Error", MB_ICONHAND);
 }

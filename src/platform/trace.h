@@ -1,19 +1,18 @@
-// The trace: one text file of start-up facts and failures. Closed, which it is at first, every call does nothing.
+// The trace: one text file of start-up facts and failures. Closed, which it is at first, every call does
+// nothing.
 #pragma once
 
 #include "base/str.h"
 
-// Opens the file and writes the banner. False when it cannot be created, which nobody is told; false also when the
-// trace is open already, which the open file is told.
+// Opens the file and writes the banner. False when it cannot be created, which nobody is told; false also
+// when the trace is open already, which the open file is told. One thread opens and closes.
 bool fxOpenTraces(const char* name);
 bool fxTracesOpened();
 void fxCloseTraces();
 void fxCloseTracesFile(); // the file alone, with the closing banner
 
-// One entry each, formatted as printf does, cut to 4096 characters, and flushed; callers end their formats with "\n".
-// Any thread may call them; they do not allocate.
+// One entry each, formatted as printf does, cut to 4096 characters, and flushed; callers end their formats
+// with "\n". Any thread may call them; they do not allocate.
 void trc(const char* format, ...) FX_PRINTF(1, 2);  // with thread and time in front
 void err(const char* format, ...) FX_PRINTF(1, 2);  // the same behind "#ERROR: "
 void trc1(const char* format, ...) FX_PRINTF(1, 2); // the message alone
-// As err, and in every case a message box; gives the box's result.
-int errmsg(const char* format, ...) FX_PRINTF(1, 2);

@@ -1,0 +1,20 @@
+// A standard file stream that closes itself.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+
+struct FXFileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FXFile = std::unique_ptr<std::FILE, FXFileCloser>;
+
+inline FXFile fxOpenFile(const char* name, const char* mode) {
+    return FXFile(std::fopen(name, mode));
+}
+
+// Closes a written file. False when something of it did not get to the disk, which may show only here.
+inline bool fxCloseWritten(FXFile file) {
+    const bool written = std::ferror(file.get()) == 0;
+    return std::fclose(file.release()) == 0 && written;
+}
