@@ -1,5 +1,6 @@
-// The door to the platform. On Windows: the system's own headers. Elsewhere: the types, constants and functions of the
-// same names and values that Tamblor calls, and no more; src/win32/posix, x11 and offscreen are what answers them.
+// The door to the platform. On Windows: the system's own headers. Elsewhere: the types, constants and
+// functions of the same names and values that Tamblor calls, and no more; src/win32/posix, x11 and offscreen
+// are what answers them.
 #pragma once
 
 #ifdef _WIN32
@@ -22,8 +23,12 @@
 #define CSIDL_SYSTEMX86 0x0029
 #endif
 
-inline int crt_rand() { return std::rand(); }
-inline void crt_srand(unsigned seed) { std::srand(seed); }
+inline int crt_rand() {
+    return std::rand();
+}
+inline void crt_srand(unsigned seed) {
+    std::srand(seed);
+}
 
 #else
 
@@ -103,9 +108,9 @@ struct OSVERSIONINFOA {
 struct PIXELFORMATDESCRIPTOR {
     WORD nSize, nVersion;
     DWORD dwFlags;
-    BYTE iPixelType, cColorBits, cRedBits, cRedShift, cGreenBits, cGreenShift, cBlueBits, cBlueShift, cAlphaBits,
-        cAlphaShift, cAccumBits, cAccumRedBits, cAccumGreenBits, cAccumBlueBits, cAccumAlphaBits, cDepthBits,
-        cStencilBits, cAuxBuffers, iLayerType, bReserved;
+    BYTE iPixelType, cColorBits, cRedBits, cRedShift, cGreenBits, cGreenShift, cBlueBits, cBlueShift,
+        cAlphaBits, cAlphaShift, cAccumBits, cAccumRedBits, cAccumGreenBits, cAccumBlueBits, cAccumAlphaBits,
+        cDepthBits, cStencilBits, cAuxBuffers, iLayerType, bReserved;
     DWORD dwLayerMask, dwVisibleMask, dwDamageMask;
 };
 struct CRITICAL_SECTION {
@@ -164,6 +169,7 @@ struct CRITICAL_SECTION {
 #define SW_SHOW 5
 #define SM_CXSCREEN 0
 #define SM_CYSCREEN 1
+#define IDOK 1
 #define MB_OK 0x0000u
 #define MB_ICONHAND 0x0010u
 #define BLACK_BRUSH 4
@@ -199,8 +205,8 @@ extern "C" {
 DWORD WINAPI timeGetTime();
 void WINAPI Sleep(DWORD milliseconds);
 DWORD WINAPI GetCurrentThreadId();
-HANDLE WINAPI CreateThread(void* security, std::size_t stackSize, LPTHREAD_START_ROUTINE start, void* argument,
-                           DWORD flags, DWORD* id);
+HANDLE WINAPI CreateThread(void* security, std::size_t stackSize, LPTHREAD_START_ROUTINE start,
+                           void* argument, DWORD flags, DWORD* id);
 DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 BOOL WINAPI TerminateThread(HANDLE thread, DWORD exitCode);
 BOOL WINAPI CloseHandle(HANDLE handle);
@@ -221,10 +227,11 @@ BOOL WINAPI FreeLibrary(HMODULE module);
 // Configuration, folders and the shell.
 LSTATUS WINAPI RegOpenKeyA(HKEY root, const char* name, HKEY* key);
 LSTATUS WINAPI RegOpenKeyExA(HKEY root, const char* name, DWORD options, DWORD access, HKEY* key);
-LSTATUS WINAPI RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data, DWORD* size);
+LSTATUS WINAPI RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
+                                DWORD* size);
 LSTATUS WINAPI RegCloseKey(HKEY key);
-DWORD WINAPI FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD language, char* buffer, DWORD size,
-                            void* arguments);
+DWORD WINAPI FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD language, char* buffer,
+                            DWORD size, void* arguments);
 DWORD WINAPI GetCurrentDirectoryA(DWORD size, char* buffer);
 BOOL WINAPI SetCurrentDirectoryA(const char* path);
 HRESULT WINAPI SHGetFolderPathA(HWND owner, int folder, HANDLE token, DWORD flags, char* path);
@@ -235,8 +242,9 @@ BOOL WINAPI GetVersionExA(OSVERSIONINFOA* version);
 
 // Windows and messages.
 ATOM WINAPI RegisterClassA(const WNDCLASSA* windowClass);
-HWND WINAPI CreateWindowExA(DWORD exStyle, const char* className, const char* title, DWORD style, int x, int y,
-                            int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* data);
+HWND WINAPI CreateWindowExA(DWORD exStyle, const char* className, const char* title, DWORD style, int x,
+                            int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                            void* data);
 BOOL WINAPI DestroyWindow(HWND window);
 BOOL WINAPI ShowWindow(HWND window, int show);
 BOOL WINAPI UpdateWindow(HWND window);
@@ -254,7 +262,8 @@ BOOL WINAPI PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam
 LRESULT WINAPI SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 void WINAPI PostQuitMessage(int exitCode);
 LRESULT CALLBACK DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-INT_PTR WINAPI DialogBoxParamA(HINSTANCE instance, const char* name, HWND parent, DLGPROC proc, LPARAM parameter);
+INT_PTR WINAPI DialogBoxParamA(HINSTANCE instance, const char* name, HWND parent, DLGPROC proc,
+                               LPARAM parameter);
 int WINAPI MessageBoxA(HWND owner, const char* text, const char* title, UINT type);
 HCURSOR WINAPI SetCursor(HCURSOR cursor);
 BOOL WINAPI GetCursorPos(POINT* position);

@@ -1,11 +1,12 @@
-// The millisecond tick. A test may turn the clock of a running saver: TAMBLOR_CLOCK names a file of four bytes that
-// holds the tick instead.
+// The millisecond tick. A test may turn the clock of a running saver: TAMBLOR_CLOCK names a file of four
+// bytes that holds the tick instead.
 #include "win32/win32.h"
 
 #include <atomic>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -43,7 +44,8 @@ void Sleep(DWORD milliseconds) {
         sched_yield();
         return;
     }
-    timespec left = {static_cast<time_t>(milliseconds / 1000u), static_cast<long>(milliseconds % 1000u) * 1000000L};
+    timespec left = {static_cast<time_t>(milliseconds / 1000u),
+                     static_cast<long>(milliseconds % 1000u) * 1000000L};
     while (nanosleep(&left, &left) != 0)
         continue; // a signal woke us
 }

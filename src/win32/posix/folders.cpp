@@ -6,7 +6,11 @@
 #include <unistd.h>
 
 DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
-    return getcwd(buffer, size) ? static_cast<DWORD>(std::char_traits<char>::length(buffer)) : 0;
+    if (getcwd(buffer, size) != nullptr)
+        return static_cast<DWORD>(std::char_traits<char>::length(buffer));
+    if (size > 0)
+        buffer[0] = '\0';
+    return 0;
 }
 
 BOOL SetCurrentDirectoryA(const char* path) {

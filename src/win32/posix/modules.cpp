@@ -31,4 +31,6 @@ FARPROC GetProcAddress(HMODULE module, const char* name) {
     return reinterpret_cast<FARPROC>(dlsym(module, name));
 }
 
-BOOL FreeLibrary(HMODULE module) { return module != nullptr && dlclose(module) == 0 ? TRUE : FALSE; }
+BOOL FreeLibrary(HMODULE module) {
+    return module != nullptr && dlclose(module) == 0 ? TRUE : FALSE;
+}

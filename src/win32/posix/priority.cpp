@@ -1,9 +1,12 @@
-// Priorities are wishes here: the saver may be a little more eager than other programs, never so that they starve.
+// Priorities are wishes here: the saver may be a little more eager than other programs, never so that they
+// starve.
 #include "win32/win32.h"
 
 #include <sys/resource.h>
 
-HANDLE GetCurrentProcess() { return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)); }
+HANDLE GetCurrentProcess() {
+    return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1));
+}
 
 BOOL SetPriorityClass(HANDLE, DWORD priorityClass) {
     constexpr int kEager = -5;
@@ -15,4 +18,6 @@ BOOL SetPriorityClass(HANDLE, DWORD priorityClass) {
     return TRUE;
 }
 
-BOOL SetThreadPriority(HANDLE, int) { return TRUE; }
+BOOL SetThreadPriority(HANDLE, int) {
+    return TRUE;
+}

@@ -7,7 +7,9 @@ thread_local std::uint32_t state = 1;
 
 } // namespace
 
-void crt_srand(unsigned seed) { state = seed; }
+void crt_srand(unsigned seed) {
+    state = seed;
+}
 
 int crt_rand() {
     state = state * 214013u + 2531011u;

@@ -31,6 +31,7 @@ std::vector<std::string> ConfigurationFolders() {
     std::stringstream system(Variable("XDG_CONFIG_DIRS", "/etc/xdg"));
     for (std::string folder; std::getline(system, folder, ':');)
         folders.push_back(folder);
+    std::erase_if(folders, [](const std::string& folder) { return !folder.starts_with('/'); }); // no place
     return folders;
 }
 
@@ -38,7 +39,7 @@ std::string InstalledFolder() {
     std::error_code failed;
     const fs::path prefix = fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
     for (const fs::path& folder : {prefix / "share" / "tamblor", fs::path(TAMBLOR_INSTALLED_DATA)})
-        if (fs::exists(folder / "tamb.dat", failed))
+        if (folder.is_absolute() && fs::exists(folder / "tamb.dat", failed))
             return folder.string();
     return "";
 }
@@ -87,10 +88,13 @@ LSTATUS RegQueryValueExA(HKEY, const char* name, DWORD*, DWORD*, BYTE* data, DWO
     return folder.empty() ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
 }
 
-LSTATUS RegCloseKey(HKEY) { return ERROR_SUCCESS; }
+LSTATUS RegCloseKey(HKEY) {
+    return ERROR_SUCCESS;
+}
 
 DWORD FormatMessageA(DWORD, const void*, DWORD message, DWORD, char* buffer, DWORD size, void*) {
-    const std::string text = message == ERROR_BAD_CONFIGURATION ? lastProblem : std::strerror(static_cast<int>(message));
+    const std::string text =
+        message == ERROR_BAD_CONFIGURATION ? lastProblem : "status " + std::to_string(message);
     const std::size_t length = std::min<std::size_t>(text.size(), size > 0 ? size - 1 : 0);
     std::memcpy(buffer, text.data(), length);
     if (size > 0)

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t kLargestFile = 64 * 1024;
+constexpr std::size_t kLargestFile = 65536;
 
 std::string Trimmed(const std::string& text) {
     const std::size_t first = text.find_first_not_of(" \t\r");
@@ -21,7 +21,7 @@ std::string Unquoted(const std::string& text) {
 
 std::string WithHome(const std::string& path) {
     const char* home = std::getenv("HOME");
-    return home != nullptr && path.starts_with("~/") ? home + path.substr(1) : path;
+    return home != nullptr && (path == "~" || path.starts_with("~/")) ? home + path.substr(1) : path;
 }
 
 // One line; what is wrong with it, or "".
@@ -62,7 +62,7 @@ bool ReadSettingsFile(const std::string& name, SettingsFile* settings) {
     for (int number = 1; settings->problem.empty() && std::getline(file, line); ++number) {
         const std::string wrong = ReadLine(line, &settings->values);
         if (!wrong.empty())
-            settings->problem = name + ":" + std::to_string(number) + ": " + wrong;
+            settings->problem = name + ':' + std::to_string(number) + ": " + wrong;
     }
     if (!settings->problem.empty())
         settings->values.clear();

@@ -24,7 +24,9 @@ struct Thread {
 
 using Handle = std::shared_ptr<Thread>;
 
-Thread& Of(HANDLE handle) { return **static_cast<Handle*>(handle); }
+Thread& Of(HANDLE handle) {
+    return **static_cast<Handle*>(handle);
+}
 
 void MarkEnded(void* record) {
     std::unique_ptr<Handle> handle(static_cast<Handle*>(record));
@@ -46,7 +48,9 @@ void* Run(void* record) {
     return nullptr;
 }
 
-std::recursive_mutex& Of(CRITICAL_SECTION* section) { return *static_cast<std::recursive_mutex*>(section->lock); }
+std::recursive_mutex& Of(CRITICAL_SECTION* section) {
+    return *static_cast<std::recursive_mutex*>(section->lock);
+}
 
 } // namespace
 
@@ -82,8 +86,14 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     return WAIT_OBJECT_0;
 }
 
-// Ends the thread at its next system call or sleep; a thread that makes none cannot be ended by force.
-BOOL TerminateThread(HANDLE handle, DWORD) { return pthread_cancel(Of(handle).thread) == 0 ? TRUE : FALSE; }
+// Ends the thread at its next sleep or waiting system call, and waits a second for that. A thread that makes
+// none cannot be ended by force. Locks that it holds stay locked.
+BOOL TerminateThread(HANDLE handle, DWORD) {
+    constexpr DWORD kPatienceMs = 1000;
+    if (pthread_cancel(Of(handle).thread) != 0)
+        return FALSE;
+    return WaitForSingleObject(handle, kPatienceMs) == WAIT_OBJECT_0 ? TRUE : FALSE;
+}
 
 BOOL CloseHandle(HANDLE handle) {
     std::unique_ptr<Handle> own(static_cast<Handle*>(handle));
@@ -91,15 +101,23 @@ BOOL CloseHandle(HANDLE handle) {
     return TRUE;
 }
 
-void InitializeCriticalSection(CRITICAL_SECTION* section) { section->lock = new std::recursive_mutex; }
+void InitializeCriticalSection(CRITICAL_SECTION* section) {
+    section->lock = new std::recursive_mutex;
+}
 
 void DeleteCriticalSection(CRITICAL_SECTION* section) {
     delete &Of(section);
     section->lock = nullptr;
 }
 
-void EnterCriticalSection(CRITICAL_SECTION* section) { Of(section).lock(); }
+void EnterCriticalSection(CRITICAL_SECTION* section) {
+    Of(section).lock();
+}
 
-BOOL TryEnterCriticalSection(CRITICAL_SECTION* section) { return Of(section).try_lock() ? TRUE : FALSE; }
+BOOL TryEnterCriticalSection(CRITICAL_SECTION* section) {
+    return Of(section).try_lock() ? TRUE : FALSE;
+}
 
-void LeaveCriticalSection(CRITICAL_SECTION* section) { Of(section).unlock(); }
+void LeaveCriticalSection(CRITICAL_SECTION* section) {
+    Of(section).unlock();
+}

@@ -1,0 +1,126 @@
+// The message queue of the main thread: what is posted, and what the X server and signals report.
+#include "win32/x11/x11.h"
+
+#include <cerrno>
+#include <deque>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+std::deque<MSG> posted;
+bool quitPosted = false;
+int quitCode = 0;
+
+// Carries a signal out of its handler, into the wait for events.
+class SignalPipe {
+public:
+    SignalPipe() {
+        if (pipe2(ends_, O_CLOEXEC | O_NONBLOCK) != 0)
+            ends_[0] = ends_[1] = -1;
+    }
+    int ReadEnd() const { return ends_[0]; }
+    void Signal() const {
+        const int interrupted = errno;
+        const char byte = 0;
+        [[maybe_unused]] const ssize_t written = write(ends_[1], &byte, 1); // a full pipe says it already
+        errno = interrupted;
+    }
+    bool Signalled() const {
+        char byte = 0;
+        return read(ends_[0], &byte, 1) == 1;
+    }
+
+private:
+    int ends_[2] = {-1, -1};
+};
+
+const SignalPipe signalPipe;
+
+bool TakePosted(MSG* message) {
+    if (posted.empty())
+        return false;
+    *message = posted.front();
+    posted.pop_front();
+    return true;
+}
+
+bool TakeQuit(MSG* message) {
+    if (!quitPosted)
+        return false;
+    quitPosted = false;
+    *message = {};
+    message->message = WM_QUIT;
+    message->wParam = static_cast<WPARAM>(quitCode);
+    return true;
+}
+
+// Reads what has come from the X server; waits when nothing has.
+void Pump(Display* display) {
+    int timeout = saverWindow.fullScreen ? HoldScreen() : -1;
+    while (XPending(display) > 0) {
+        XEvent event;
+        XNextEvent(display, &event);
+        TranslateEvent(event);
+        timeout = 0;
+    }
+    pollfd sources[] = {{ConnectionNumber(display), POLLIN, 0}, {signalPipe.ReadEnd(), POLLIN, 0}};
+    poll(sources, 2, timeout);
+    if (signalPipe.Signalled() && saverWindow.id != None)
+        DestroyWindow(HandleOf(saverWindow.id));
+}
+
+} // namespace
+
+void RequestEnd() {
+    signalPipe.Signal();
+}
+
+void DropMessages() {
+    posted.clear();
+}
+
+BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (!IsSaverWindow(window))
+        return FALSE;
+    posted.push_back({window, message, wParam, lParam, timeGetTime(), {}});
+    return TRUE;
+}
+
+void PostQuitMessage(int exitCode) {
+    quitPosted = true;
+    quitCode = exitCode;
+}
+
+// All windows, all messages. Posted messages come before the end, as they do where the saver comes from.
+BOOL GetMessageA(MSG* message, HWND, UINT, UINT) {
+    for (;;) {
+        if (TakePosted(message))
+            return TRUE;
+        if (TakeQuit(message))
+            return FALSE;
+        if (Connection() == nullptr || saverWindow.id == None)
+            return -1; // nothing could ever come
+        Pump(Connection());
+    }
+}
+
+// No characters are made of keys.
+BOOL TranslateMessage(const MSG*) {
+    return FALSE;
+}
+
+LRESULT DispatchMessageA(const MSG* message) {
+    return SendMessageA(message->hwnd, message->message, message->wParam, message->lParam);
+}
+
+LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return IsSaverWindow(window) ? saverWindow.proc(window, message, wParam, lParam) : 0;
+}
+
+LRESULT DefWindowProcA(HWND window, UINT message, WPARAM, LPARAM) {
+    if (message == WM_CLOSE)
+        DestroyWindow(window);
+    return 0;
+}
