@@ -1,0 +1,7 @@
+#include "env/environment.h"
+
+PEnv* fxglobalEnv = nullptr;
+
+void fxSetEnv(PEnv* env) {
+    fxglobalEnv = env;
+}
