@@ -1,0 +1,91 @@
+// The desktop on Windows: DirectDraw 7 copies the visible screen into a surface in system memory.
+#include "image/desktop_source.h"
+#include "platform/trace.h"
+#include "win32/win32.h"
+
+#include <ddraw.h>
+
+namespace {
+
+IDirectDraw7* localDD7 = nullptr;
+IDirectDrawSurface7* localPrim = nullptr;
+IDirectDrawSurface7* copySurface = nullptr;
+int copyWidth = 0;
+int copyHeight = 0;
+
+template <class T> void ReleaseAndClear(T*& object) {
+    if (object != nullptr)
+        object->Release();
+    object = nullptr;
+}
+
+DDSURFACEDESC2 Description(DWORD flags, DWORD caps) {
+    DDSURFACEDESC2 description = {};
+    description.dwSize = sizeof description;
+    description.dwFlags = flags;
+    description.ddsCaps.dwCaps = caps;
+    return description;
+}
+
+// The conversion reads four bytes per pixel; other depths have fewer.
+bool Is32Bit(IDirectDrawSurface7* surface) {
+    DDPIXELFORMAT format = {};
+    format.dwSize = sizeof format;
+    return SUCCEEDED(surface->GetPixelFormat(&format)) && format.dwRGBBitCount == 32;
+}
+
+bool Failed(const char* step) {
+    err("%s\n", step);
+    return false;
+}
+
+} // namespace
+
+bool fxDesktopCopy(int w, int h) {
+    if (localDD7 == nullptr) {
+        void* object = nullptr;
+        if (FAILED(DirectDrawCreateEx(nullptr, &object, IID_IDirectDraw7, nullptr)))
+            return Failed("DirectDrawCreateEx");
+        localDD7 = static_cast<IDirectDraw7*>(object);
+    }
+    if (FAILED(localDD7->SetCooperativeLevel(nullptr, DDSCL_NORMAL)))
+        return Failed("SetCooperativeLevel (dd7)");
+    ReleaseAndClear(localPrim); // of an earlier photograph
+    DDSURFACEDESC2 primary = Description(DDSD_CAPS, DDSCAPS_PRIMARYSURFACE);
+    if (FAILED(localDD7->CreateSurface(&primary, &localPrim, nullptr)))
+        return Failed("CreateSurface (dd7 primary surface)");
+    DDSURFACEDESC2 back = Description(DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT, DDSCAPS_SYSTEMMEMORY);
+    back.dwWidth = static_cast<DWORD>(w);
+    back.dwHeight = static_cast<DWORD>(h);
+    if (FAILED(localDD7->CreateSurface(&back, &copySurface, nullptr)))
+        return Failed("CreateSurface (dd7 back surface)");
+    if (FAILED(copySurface->Blt(nullptr, localPrim, nullptr, DDBLT_WAIT, nullptr))) {
+        ReleaseAndClear(copySurface);
+        return Failed("Blt (dd7 - from primary to back)");
+    }
+    copyWidth = w;
+    copyHeight = h;
+    return true;
+}
+
+bool fxDesktopLock(FXDesktopPixels* pixels) {
+    DDSURFACEDESC2 locked = {};
+    locked.dwSize = sizeof locked;
+    if (!Is32Bit(copySurface) ||
+        FAILED(copySurface->Lock(nullptr, &locked, DDLOCK_WAIT | DDLOCK_READONLY, nullptr)))
+        return Failed("Lock (dd7 - back)");
+    *pixels = {static_cast<const unsigned char*>(locked.lpSurface), static_cast<int>(locked.lPitch),
+               copyWidth, copyHeight};
+    return true;
+}
+
+void fxDesktopUnlock() {
+    copySurface->Unlock(nullptr);
+    ReleaseAndClear(copySurface);
+}
+
+void fxDesktopRelease() {
+    ReleaseAndClear(copySurface);
+    ReleaseAndClear(localPrim);
+    ReleaseAndClear(localDD7);
+}

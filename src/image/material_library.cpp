@@ -1,0 +1,97 @@
+#include "image/material_library.h"
+
+#include "base/file_handle.h"
+#include "env/environment.h"
+#include "image/material.h"
+#include "package/package.h"
+
+#include <algorithm>
+#include <utility>
+
+void FXMatlib::AddMaterial(FXMaterial* m) {
+    if (materials.Findpos(m) < 0)
+        materials.Push(m);
+}
+
+void FXMatlib::RemoveMaterial(FXMaterial* m) {
+    materials.Remove(m);
+}
+
+FXMaterial* FXMatlib::FindMaterial(const char* materialName) {
+    if (parent != nullptr)
+        if (FXMaterial* found = parent->FindMaterial(materialName))
+            return found;
+    const auto* at = std::find_if(materials.begin(), materials.end(), [&](const FXMaterial* m) {
+        return m != nullptr && m->name.Compare(materialName);
+    });
+    return at == materials.end() ? nullptr : *at;
+}
+
+FXMaterial* FXMatlib::AppendOwned() {
+    if (!materials.Realloc(materials.count + 1))
+        return nullptr;
+    materials.Push(new FXMaterial);
+    materials.Last()->ownedByLibrary = true;
+    return materials.Last();
+}
+
+bool FXMatlib::LoadC(FXPackage* pkg, const char* text) {
+    int entry = 0;
+    if (std::sscanf(text, "%d", &entry) != 1)
+        return false;
+    FXPackageData* data = pkg->GetDataPtr(entry);
+    if (data == nullptr)
+        return false;
+    // A material's picture is read through the cursor of its entry, which may be this one's.
+    FXPackageData record = *data;
+    record.ReadString(&name);
+    int before = 0; // a count that lies ends with the bytes
+    for (int left = record.ReadInt(); left > 0 && record.left > 0 && record.left != before; --left) {
+        FXMaterial* material = AppendOwned();
+        if (material == nullptr)
+            break;
+        before = record.left;
+        material->LoadC(pkg, &record);
+    }
+    return true;
+}
+
+bool FXMatlib::Load(const char* path) {
+    const FXFile file = fxOpenFile(path, "rb");
+    std::int32_t count = 0;
+    if (!file || !name.Load(file.get()) || std::fread(&count, sizeof count, 1, file.get()) != 1)
+        return false;
+    for (; count > 0; --count) {
+        const int next = std::fgetc(file.get());
+        FXMaterial* material = next != EOF ? AppendOwned() : nullptr;
+        if (material == nullptr)
+            return false;
+        std::ungetc(next, file.get());
+        material->Load(file.get());
+    }
+    return true;
+}
+
+bool FXMatlib::Save(const char* path) const {
+    FXFile file = fxOpenFile(path, "wb");
+    const std::int32_t count = materials.count;
+    bool ok = file && name.Save(file.get()) && std::fwrite(&count, sizeof count, 1, file.get()) == 1;
+    for (const FXMaterial* material : materials)
+        ok = ok && material->Save(file.get());
+    return ok && fxCloseWritten(std::move(file));
+}
+
+void FXMatlib::Release() {
+    if (--refCount >= 1 || !autoDelete)
+        return;
+    if (fxglobalEnv != nullptr)
+        fxglobalEnv->RemoveMatlib(this);
+    delete this;
+}
+
+void FXMatlib::Destroy() {
+    for (FXMaterial* material : materials)
+        if (material != nullptr && material->ownedByLibrary)
+            delete material;
+    materials.DestroyBuf();
+}

@@ -1,0 +1,41 @@
+// A named list of materials with another library to ask first.
+#pragma once
+
+#include "base/arrays.h"
+#include "base/str.h"
+
+class FXMaterial;
+class FXPackage;
+
+// Shared through the environment and counted: each holder calls Release once. Owns the materials that it
+// loaded (ownedByLibrary); those added stay their giver's.
+class FXMatlib {
+public:
+    FXMatlib() = default;
+    ~FXMatlib() { Destroy(); }
+    FXMatlib(const FXMatlib&) = delete;
+    FXMatlib& operator=(const FXMatlib&) = delete;
+
+    void AddMaterial(FXMaterial* m); // once
+    void RemoveMaterial(FXMaterial* m);
+    // By exact name, in the parent first: what the scene registers takes precedence. Null when there is none.
+    FXMaterial* FindMaterial(const char* materialName);
+    // From the package entry whose number stands in the text; false when there is none. Materials are
+    // appended; one whose picture failed stays, untextured.
+    bool LoadC(FXPackage* pkg, const char* text);
+    bool Load(const char* path); // the same record in a file, pictures by file name
+    bool Save(const char* path) const;
+    bool LoadFromMtl(const char* path); // a Wavefront MTL file
+    // Gives up one reference. The last one destroys the library, unless autoDelete is off.
+    void Release();
+    void Destroy();
+
+    FXStr name;
+    FXMatlib* parent = nullptr;
+    FXArray<FXMaterial*> materials;
+    bool autoDelete = true;
+    int refCount = 1;
+
+private:
+    FXMaterial* AppendOwned(); // a new one; null when there is no memory for the list
+};
