@@ -1,0 +1,88 @@
+// A set of meshes that share a material library: a layer of the sun, the medallion, a key frame of the morph.
+#pragma once
+
+#include "base/arrays.h"
+#include "base/str.h"
+#include "env/drawable.h"
+
+#include <cstdio>
+
+class FXMatlib;
+class FXMesh;
+class FXPackage;
+class FXPackageData;
+
+// Keeps the meshes as loaded, and working copies that are drawn, edited and saved; owns both, and one
+// reference of the library. Loading does not make the working copies: UpdateMeshes does. The environment must
+// be set while a model is loaded.
+class FXModel final : public PRender {
+public:
+    FXModel() = default;
+    ~FXModel() { Destroy(); }
+    FXModel(const FXModel&) = delete;
+    FXModel& operator=(const FXModel&) = delete;
+
+    void Destroy();
+    // From an entry, in either version of the format. False when there is no such entry; one that is no
+    // model, or lies, gives a model that is empty or holds empty meshes.
+    bool LoadCN(FXPackage* pck, int id);
+    bool Load(const char* path); // the same bytes in a file; its library is a material file
+    void UpdateMeshes();
+    // The source's working meshes, library and flipV.
+    void Copy(FXModel* src);
+    // Takes a reference of its own; null gives up the one held.
+    void ShareMatlib(FXMatlib* library);
+
+    // Writes the working meshes; version 3 only those that are not disabled. False when not all of it got to
+    // the disk. Packing drops vertices that no index uses.
+    bool Save(const char* path);
+    bool Save_v02(std::FILE* file) const;
+    bool Save_v03(std::FILE* file);
+
+    // The working meshes. Out of range gives null, or nothing happens.
+    FXMesh* EnumMeshes(int i) const;
+    const char* EnumMeshNames(int i) const;       // the name of the mesh's material, null without one
+    FXMesh* FindMesh(const char* meshName) const; // stops at the first mesh without a material
+    void DisableMesh(int i, bool disable);
+    void RemoveMesh(FXMesh* mesh); // from the model; it becomes the caller's
+    // Copies the mesh srcName under the material newName, replacing a mesh that has it. Null when there is no
+    // such mesh or material.
+    FXMesh* DoubleMesh(const char* newName, const char* srcName);
+    int GetTotalVertices() const;
+
+    // For every working mesh, as FXMesh does it; boxes are of the whole model.
+    void Normalize(bool onlyTouched);
+    void FlipHoriz();
+    void Transform(int ix, int iy, int iz, bool negX, bool negY, bool negZ);
+    void FindMaxims(float* box) const; // a model without vertices leaves the box as it is
+    void UnitizeMaxims(const float* box);
+    void UnitizeMaximsStretch(const float* box);
+    void UnitizeMaximsStretch1(const float* box);
+    void Unitize();
+    void UnitizeStretch();
+    void UnitizeStretch1();
+    void ResizeTextCoords();
+    void ResizeTextCoords1();
+    void ComputeFrontTexCoords(int i);             // -1: every mesh
+    void CopyTexCoords(int i, const FXModel* src); // when both have as many meshes
+    void UpdateColCol(const float* rgba);          // vertex colours, switched on
+    void UpdateColMat(const float* rgba);          // the materials' kept colours times rgba
+    void PreserveColMat();
+
+    // Opaque meshes, then those in two culled passes, then those drawn first without depth writes. Leaves
+    // culling off and depth writes on; the time is not used.
+    void OnRender(PEnv* env, double time) override;
+
+    FXStr name;
+    FXStr matlibName;
+    FXMatlib* matlib = nullptr;
+    bool flipV = false;
+    FXArray<FXMesh*> loadedMeshes;
+    FXArray<FXMesh*> meshes; // entries may be null
+
+private:
+    void LoadFrom(FXPackage* pck, FXPackageData* d);
+    void Load_v02CN(FXPackage* pck, FXPackageData* d);
+    void Load_v03CN(FXPackage* pck, FXPackageData* d);
+    void DrawAll(PEnv* env, int transparent) const;
+};

@@ -1,0 +1,40 @@
+// A byte stream of packed numbers: which position, normal and texture coordinate make up each corner of a
+// mesh.
+#pragma once
+
+#include <cstdio>
+
+class FXPackageData;
+
+class FXNumPool {
+public:
+    FXNumPool() : FXNumPool(1) {}
+    explicit FXNumPool(int step) : growStep(step) {}
+    ~FXNumPool() { DestroyBuf(); }
+    FXNumPool(const FXNumPool&) = delete;
+    FXNumPool& operator=(const FXNumPool&) = delete;
+
+    // Room for n bytes at least, in whole steps; false when there is no memory, and a push then adds nothing.
+    bool Realloc(int n);
+    void PushByte(unsigned char value);
+    void PushWord(unsigned short value);
+    void PushInt(int value);
+    void Reseek(); // reading starts over
+    // The next number; false, with nothing read, when the written bytes end first.
+    bool GetNextByte(unsigned char* value);
+    bool GetNextWord(unsigned short* value);
+    bool GetNextInt(int* value);
+    bool Save(std::FILE* file) const;
+    void LoadC(FXPackageData* d); // a size beyond the bytes there are leaves the pool empty
+    void DestroyBuf();
+
+    unsigned char* buffer = nullptr;
+    int readPos = 0;
+    int size = 0;
+    int capacity = 0;
+    int growStep;
+
+private:
+    void PushBytes(const void* bytes, int n);
+    bool GetBytes(void* bytes, int n);
+};

@@ -1,0 +1,201 @@
+#include "geometry/vector_map.h"
+
+#include "package/package_data.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace {
+
+constexpr int kFree = -1;
+
+// One kind of stored vector.
+struct Kind {
+    FXFloatArray& values;
+    FXArray<int>& meshKeys;
+    FXArray<int>& vertexKeys;
+    int& count;
+    int width; // floats per vector
+};
+
+// Equal floats hash alike; 0 and -0 are equal.
+std::size_t localHash(const float* value, int width) {
+    std::uint64_t hash = 14695981039346656037u; // FNV-1a
+    for (int i = 0; i < width; ++i)
+        hash = (hash ^ std::bit_cast<std::uint32_t>(value[i] == 0 ? 0.0f : value[i])) * 1099511628211u;
+    return hash;
+}
+
+template <class Index>
+int localFind(const Index& index, const FXFloatArray& values, const FXArray<int>& meshKeys,
+              const FXArray<int>& vertexKeys, const float* value, int width, PMeshSaveClb* clb, int meshKey,
+              int vertexKey) {
+    const auto found = index.find(localHash(value, width));
+    if (found == index.end())
+        return -1;
+    for (const int i : found->second)
+        if (std::equal(value, value + width, &values.items[i * width]) &&
+            (clb == nullptr || clb->TestRedirect(meshKey, vertexKey, meshKeys[i], vertexKeys[i])))
+            return i;
+    return -1;
+}
+
+template <class Index>
+int localPush(Index* index, Kind kind, const float* value, PMeshSaveClb* clb, int meshKey, int vertexKey) {
+    const int shared = localFind(*index, kind.values, kind.meshKeys, kind.vertexKeys, value, kind.width, clb,
+                                 meshKey, vertexKey);
+    if (shared >= 0)
+        return shared;
+    for (int i = 0; i < kind.width; ++i)
+        kind.values.Push(value[i]);
+    kind.meshKeys.Push(meshKey);
+    kind.vertexKeys.Push(vertexKey);
+    (*index)[localHash(value, kind.width)].push_back(kind.count);
+    return kind.count++;
+}
+
+bool localSave(const FXFloatArray& values, int count, int width, std::FILE* file) {
+    const std::int32_t floats = count * width;
+    return std::fwrite(&floats, sizeof floats, 1, file) == 1 &&
+           std::fwrite(values.items, sizeof(float), static_cast<std::size_t>(floats), file) ==
+               static_cast<std::size_t>(floats);
+}
+
+int localLoad(FXFloatArray* values, int width, FXPackageData* d) {
+    values->DestroyBuf();
+    const int floats = d->ReadInt();
+    constexpr int kFloat = sizeof(float);
+    if (floats <= 0 || floats > d->left / kFloat || !values->Realloc(floats))
+        return 0;
+    d->ReadCopyBlc(values->items, floats * kFloat);
+    values->count = floats;
+    return floats / width;
+}
+
+void localGet(const FXFloatArray& values, int width, int i, float* out) {
+    std::copy_n(values.items + static_cast<std::ptrdiff_t>(i) * width, width, out);
+}
+
+void localSet(FXFloatArray& values, int width, int i, const float* value) {
+    std::copy_n(value, width, values.items + static_cast<std::ptrdiff_t>(i) * width);
+}
+
+} // namespace
+
+void FXVectorMap::Destroy() {
+    ClearUsed();
+    for (FXFloatArray* values : {&positions, &normals, &texCoords})
+        values->DestroyBuf();
+    for (FXArray<int>* keys : {&posMesh, &posVertex, &normMesh, &normVertex, &texMesh, &texVertex})
+        keys->DestroyBuf();
+    posCount = normCount = texCount = 0;
+    for (Index* index : {&posIndex_, &normIndex_, &texIndex_})
+        index->clear();
+}
+
+int FXVectorMap::PushVecPos(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey) {
+    return localPush(&posIndex_, {positions, posMesh, posVertex, posCount, 3}, v->pos, clb, meshKey,
+                     vertexKey);
+}
+
+int FXVectorMap::PushVecNorm(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey) {
+    return localPush(&normIndex_, {normals, normMesh, normVertex, normCount, 3}, v->normal, clb, meshKey,
+                     vertexKey);
+}
+
+int FXVectorMap::PushVecTex(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey) {
+    return localPush(&texIndex_, {texCoords, texMesh, texVertex, texCount, 2}, v->tex, clb, meshKey,
+                     vertexKey);
+}
+
+int FXVectorMap::FindVecPos(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const {
+    return localFind(posIndex_, positions, posMesh, posVertex, v->pos, 3, clb, meshKey, vertexKey);
+}
+
+int FXVectorMap::FindVecNorm(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const {
+    return localFind(normIndex_, normals, normMesh, normVertex, v->normal, 3, clb, meshKey, vertexKey);
+}
+
+int FXVectorMap::FindVecTex(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const {
+    return localFind(texIndex_, texCoords, texMesh, texVertex, v->tex, 2, clb, meshKey, vertexKey);
+}
+
+void FXVectorMap::GetVecPos(int i, float* out) const {
+    localGet(positions, 3, i, out);
+}
+void FXVectorMap::GetVecNorm(int i, float* out) const {
+    localGet(normals, 3, i, out);
+}
+void FXVectorMap::GetVecTex(int i, float* out) const {
+    localGet(texCoords, 2, i, out);
+}
+void FXVectorMap::SetVecPos(const tagFXVertex* v, int i) {
+    localSet(positions, 3, i, v->pos);
+}
+void FXVectorMap::SetVecNorm(const tagFXVertex* v, int i) {
+    localSet(normals, 3, i, v->normal);
+}
+void FXVectorMap::SetVecTex(const tagFXVertex* v, int i) {
+    localSet(texCoords, 2, i, v->tex);
+}
+
+bool FXVectorMap::Save(std::FILE* file) const {
+    return localSave(positions, posCount, 3, file) && localSave(normals, normCount, 3, file) &&
+           localSave(texCoords, texCount, 2, file);
+}
+
+void FXVectorMap::LoadC(FXPackageData* d) {
+    Destroy();
+    posCount = localLoad(&positions, 3, d);
+    normCount = localLoad(&normals, 3, d);
+    texCount = localLoad(&texCoords, 2, d);
+}
+
+// Where the triple stands in the slots, or the free one where it would.
+std::size_t FXVectorMap::SlotOf(const Triple& triple) const {
+    std::uint64_t hash = static_cast<std::uint32_t>(triple.p);
+    for (const int number : {triple.n, triple.t})
+        hash = hash * 0x9E3779B97F4A7C15u + static_cast<std::uint32_t>(number);
+    hash *= 0x9E3779B97F4A7C15u;
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = (hash >> 32) & mask;
+    while (slots_[slot] != kFree && triples_[static_cast<std::size_t>(slots_[slot])] != triple)
+        slot = (slot + 1) & mask;
+    return slot;
+}
+
+void FXVectorMap::GrowSlots() {
+    slots_.assign(std::max<std::size_t>(64, slots_.size() * 2), kFree);
+    for (std::size_t vertex = 0; vertex < triples_.size(); ++vertex)
+        if (triples_[vertex].p >= 0)
+            slots_[SlotOf(triples_[vertex])] = static_cast<int>(vertex);
+}
+
+void FXVectorMap::PushUsed(int p, int n, int t, int vertex) {
+    if (2 * (triples_.size() + 1) > slots_.size())
+        GrowSlots();
+    const auto place = static_cast<std::size_t>(vertex);
+    if (triples_.size() <= place)
+        triples_.resize(place + 1, {-1, -1, -1});
+    triples_[place] = {p, n, t};
+    const std::size_t slot = SlotOf({p, n, t});
+    if (slots_[slot] == kFree)
+        slots_[slot] = vertex;
+}
+
+int FXVectorMap::GetUsed(int p, int n, int t) const {
+    return slots_.empty() ? -1 : slots_[SlotOf({p, n, t})];
+}
+
+int FXVectorMap::GetUsed1(int vertex, int n, int t) const {
+    if (vertex < 0 || static_cast<std::size_t>(vertex) >= triples_.size())
+        return -1;
+    const Triple& triple = triples_[static_cast<std::size_t>(vertex)];
+    return triple.n == n && triple.t == t ? vertex : -1;
+}
+
+void FXVectorMap::ClearUsed() {
+    triples_.clear();
+    slots_.clear();
+}

@@ -1,0 +1,83 @@
+// The distinct positions, normals and texture coordinates that packed meshes share.
+#pragma once
+
+#include "base/arrays.h"
+#include "geometry/vertex.h"
+
+#include <cstdio>
+#include <unordered_map>
+#include <vector>
+
+class FXPackageData;
+
+// Asked while packing: may two vertices, each named by mesh and vertex, share what is stored for one of them?
+class PMeshSaveClb {
+public:
+    virtual bool TestRedirect(int meshA, int vertexA, int meshB, int vertexB) = 0;
+
+protected:
+    ~PMeshSaveClb() = default;
+};
+
+class FXVectorMap {
+public:
+    FXVectorMap() = default;
+    FXVectorMap(const FXVectorMap&) = delete;
+    FXVectorMap& operator=(const FXVectorMap&) = delete;
+    void Destroy();
+
+    // Packing: the number of the stored vector that serves for the vertex's, appended when none may be
+    // shared. Sharing needs equal floats and, with a callback, its consent; the lowest number wins.
+    int PushVecPos(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey);
+    int PushVecNorm(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey);
+    int PushVecTex(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey);
+    // The search alone; -1 when none may be shared.
+    int FindVecPos(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const;
+    int FindVecNorm(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const;
+    int FindVecTex(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const;
+
+    // Stored vector i, below the count of its kind. A vector that was set keeps its place in the search under
+    // its old value: a map is rewritten only after it has been packed.
+    void GetVecPos(int i, float* out) const;
+    void GetVecNorm(int i, float* out) const;
+    void GetVecTex(int i, float* out) const;
+    void SetVecPos(const tagFXVertex* v, int i);
+    void SetVecNorm(const tagFXVertex* v, int i);
+    void SetVecTex(const tagFXVertex* v, int i);
+
+    bool Save(std::FILE* file) const;
+    // Replaces the contents. A count beyond the bytes there are leaves that kind of vector empty.
+    void LoadC(FXPackageData* d);
+
+    // Unpacking: which vertex (0 and up, each made once) was built from a triple of numbers.
+    void PushUsed(int p, int n, int t, int vertex);
+    int GetUsed(int p, int n, int t) const;       // -1: none yet
+    int GetUsed1(int vertex, int n, int t) const; // the vertex itself if it was built from both; else -1
+    void ClearUsed();
+
+    FXFloatArray positions{3000000}; // x, y, z each
+    FXFloatArray normals{3000000};
+    FXFloatArray texCoords{2000000}; // u, v each
+    int posCount = 0;
+    int normCount = 0;
+    int texCount = 0;
+    // The mesh and the vertex that each stored vector was first taken from; while packing only.
+    FXArray<int> posMesh, posVertex, normMesh, normVertex, texMesh, texVertex;
+
+private:
+    // Stored vectors by the hash of their value, each list rising.
+    using Index = std::unordered_map<std::size_t, std::vector<int>>;
+    struct Triple {
+        int p, n, t;
+        bool operator==(const Triple&) const = default;
+    };
+
+    std::size_t SlotOf(const Triple& triple) const;
+    void GrowSlots();
+
+    Index posIndex_, normIndex_, texIndex_;
+    // One vertex record per distinct triple, so the triple finds the vertex: a corner costs the same however
+    // many vertices share its position or its normal.
+    std::vector<Triple> triples_; // by vertex
+    std::vector<int> slots_;      // open hash of vertices, -1 free; a power of two, at most half full
+};
