@@ -1,0 +1,96 @@
+// The OpenGL device: the one concrete environment.
+#pragma once
+
+#include "render/render_environment.h"
+
+// Binds OpenGL to a window that somebody else made and owns the context. Draws in immediate mode with the
+// fixed function pipeline into the cube -1..1 x -1..1 x -2..2; a larger z lies farther away. All drawing
+// operations need the context current on the calling thread (SetAct).
+class FXGL : public FXEnv {
+public:
+    FXGL() = default;
+    ~FXGL() override { FXGL::Destroy(); }
+
+    // False when there is no window, no pixel format or no context, and also, with the context in use all the
+    // same, when the driver cannot clamp textures to their edge.
+    bool CreateChild(void* window) override;
+    void Destroy() override;
+    void ClrParams() override;
+    void SetAct(bool on) override;
+    bool RenderStart() override { return true; }
+    void RenderEnd() override;
+
+    void SetClrColor(const float* rgba) override;
+    void Clrscr(bool color, bool depth, bool stencil) override;
+    // Takes the window out of its parent to cover the screen, and puts it back.
+    void Enlarge(bool on) override;
+
+    void UpdateLights() override; // positions are turned by the matrix in force
+    void EnableLights(bool on) override;
+    void EnableLight(bool on, FXLight* light) override;
+    void DisableAllLights() override;
+    void SetAmbient(const float* rgba) override;
+
+    void ApplyMatrix(const FXMatrix* m) override;
+    void MultiplyMatrix(const FXMatrix* m) override;
+    void ApplyMatrixIdentity() override;
+    void EnableDepthTest(bool on) override;
+    void EnableDepthWrite(bool on) override;
+    void EnableCullface(bool front, bool back) override; // both: back faces only
+
+    void ApplyMaterial(FXMaterial* m) override;
+    void ApplyMaterial2(FXMaterial* m) override;
+    bool PrepareTexture(FXMaterial* m) override;
+    bool FastPrepareTexture(FXMaterial* m, FXPixmap* p) override;
+    bool PrepareCubeTexture(FXMaterial*, FXPixmap*, FXPixmap*, FXPixmap*, FXPixmap*, FXPixmap*,
+                            FXPixmap*) override {
+        return false;
+    }
+    void UnprepareTexture(FXMaterial* m) override;
+    bool PrepareMesh(FXMesh*) override { return true; } // meshes are sent anew for every frame
+    void UnprepareMesh(FXMesh*) override {}
+    // Sends the mesh's triangles with its material. A mesh with a second one is drawn with two layers of
+    // texture, and not at all where the driver has no multitexture.
+    void RenderMesh(FXMesh* mesh) override;
+
+    // What the driver offers; traces it. Needs the context current. True when it can clamp to the edge.
+    bool InitExtensions();
+    // Is the name, with or without what stands before its "GL_", in the driver's list?
+    static bool TestExtensionString(const char* extensions, const char* name);
+    // Does the driver suffice for the show? May tell the user.
+    bool TestGL(bool showMessage);
+
+    HWND glWindow = nullptr;
+    HWND savedParent = nullptr; // while enlarged
+    RECT savedRect = {};
+    HDC dc = nullptr;
+    HGLRC rc = nullptr;
+    float clearColor[4] = {0, 0, 0, 0};
+    bool hasBgra = false;
+    bool hasSeparateSpecular = false;
+    bool hasEdgeClamp = false;
+    bool hasMultitexture = false;
+    bool hasCubeMap = false;
+
+private:
+    void ReadSize();
+    void PlaceWindow(int x, int y, int w, int h);
+};
+
+// Locks an environment and makes its device current for as long as it lives: for code outside the loop.
+class FXGRAutoAct {
+public:
+    explicit FXGRAutoAct(PEnv* env) : env_(env) {
+        env_->Lock(true);
+        env_->SetAct(true);
+    }
+    ~FXGRAutoAct() {
+        env_->SetAct(false);
+        env_->Lock(false);
+    }
+    FXGRAutoAct(const FXGRAutoAct&) = delete;
+    FXGRAutoAct& operator=(const FXGRAutoAct&) = delete;
+
+private:
+    PEnv* env_;
+};

@@ -1,0 +1,158 @@
+#include "render/render_environment.h"
+
+#include "env/drawable.h"
+#include "platform/clock.h"
+#include "platform/threads.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr double kFirstFrameDelay = 0.1; // seconds
+constexpr double kFramePause = 0.001;
+constexpr double kDestroyPatience = 0.5;
+
+void localRunLoop(void* env) {
+    static_cast<FXEnv*>(env)->RenderLoop();
+}
+
+} // namespace
+
+FXEnv::FXEnv() {
+    defaultMaterial.SetDefDiffuse(1.0f);
+    defaultMatlib.AddMaterial(&defaultMaterial);
+    mutex = fxCreateMutex();
+}
+
+FXEnv::~FXEnv() {
+    FXEnv::Destroy();
+}
+
+void FXEnv::Destroy() {
+    StopLoop(kDestroyPatience);
+    Lock(true);
+    stop = true;
+    for (FXMatlib* library : matlibs)
+        delete library;
+    matlibs.DestroyBuf();
+    defaultMatlib.Destroy();
+    defaultMaterial.Destroy();
+    Lock(false);
+    fxDestroyMutex(mutex);
+    mutex = nullptr;
+    stop = false;
+}
+
+bool FXEnv::StartLoop(PRender* target) {
+    stop = false;
+    render = target;
+    if (thread == nullptr)
+        thread = fxCreateThread(localRunLoop, this);
+    return thread != nullptr;
+}
+
+void FXEnv::StopLoop(double timeout) {
+    stop = true;
+    if (thread != nullptr) {
+        const bool ended = fxWaitThread(thread, timeout);
+        fxDestroyThread(thread);
+        thread = nullptr;
+        running = false;
+        if (!ended)
+            mutex = fxCreateMutex(); // the old one may stay locked for ever
+    }
+    render = nullptr;
+}
+
+void FXEnv::Lock(bool on) {
+    if (mutex == nullptr)
+        return;
+    if (on)
+        fxLock(mutex);
+    else
+        fxUnlock(mutex);
+}
+
+void FXEnv::RenderLoop() {
+    running = true;
+    fxSleep(kFirstFrameDelay);
+    while (!stop) {
+        const bool locking = lockEachFrame;
+        if (locking)
+            Lock(true);
+        if (PRender* target = render) {
+            SetAct(true);
+            target->OnRender(this, fxGetTime());
+            SetAct(false);
+        }
+        if (locking)
+            Lock(false);
+        fxSleep(kFramePause);
+    }
+    running = false;
+}
+
+bool FXEnv::RegisterLight(FXLight* light) {
+    FXLight** const place = std::find_if(std::begin(lights), std::end(lights),
+                                         [&](FXLight* l) { return l == nullptr || l == light; });
+    if (place == std::end(lights))
+        return false;
+    *place = light;
+    return true;
+}
+
+void FXEnv::UnregisterLight(FXLight* light) {
+    FXLight** const place = std::find(std::begin(lights), std::end(lights), light);
+    if (place != std::end(lights))
+        *place = nullptr;
+}
+
+FXMatlib* FXEnv::FindShared(const char* name) const {
+    for (FXMatlib* library : matlibs)
+        if (library != nullptr && library->name.Compare(name)) {
+            ++library->refCount;
+            return library;
+        }
+    return nullptr;
+}
+
+FXMatlib* FXEnv::NewShared() {
+    auto* library = new FXMatlib;
+    library->parent = &defaultMatlib;
+    matlibs.Push(library);
+    return library;
+}
+
+FXMatlib* FXEnv::LoadMatlib(const char* name) {
+    if (FXMatlib* shared = FindShared(name))
+        return shared;
+    FXMatlib* library = NewShared();
+    library->LoadFromMtl(name);
+    return library;
+}
+
+FXMatlib* FXEnv::LoadMatlibC(FXPackage* pck, const char* name) {
+    if (FXMatlib* shared = FindShared(name))
+        return shared;
+    FXMatlib* library = NewShared();
+    library->LoadC(pck, name);
+    return library;
+}
+
+FXMatlib* FXEnv::LoadMatlibCN(FXPackage* pck, int id) {
+    FXStr name;
+    name.Format("%d", id);
+    return LoadMatlibC(pck, name.text);
+}
+
+void FXEnv::RemoveMatlib(FXMatlib* library) {
+    matlibs.Remove(library);
+}
+
+void FXEnv::AddMaterial(FXMaterial* material) {
+    defaultMatlib.AddMaterial(material);
+}
+
+void FXEnv::ApplyDefaultMaterial() {
+    ApplyMaterial(&defaultMaterial);
+}

@@ -1,0 +1,74 @@
+// What the environment keeps and does whatever the graphics interface is: the loop, the frame lock, the
+// lights, the shared material libraries.
+#pragma once
+
+#include "env/environment.h"
+#include "image/material.h"
+#include "image/material_library.h"
+#include "win32/win32.h"
+
+#include <atomic>
+
+// Owns the loop's thread and the material libraries loaded through it; lights, added materials and the loop's
+// target are their owners'. Everything but the loop's flags is set up and taken down while no loop runs.
+class FXEnv : public PEnv {
+public:
+    static constexpr int kLights = 8;
+
+    FXEnv();
+    ~FXEnv() override;
+    FXEnv(const FXEnv&) = delete;
+    FXEnv& operator=(const FXEnv&) = delete;
+
+    void Destroy() override;
+
+    // The target's OnRender is called on a thread of its own, from a tenth of a second later, as often as a
+    // millisecond's pause between frames allows, with the device current and the frame locked. A loop that
+    // runs already changes its target. False when no thread can be had.
+    bool StartLoop(PRender* target) override;
+    // Returns when the frame that is being drawn is done. A loop that does not end in time is ended by force.
+    void StopLoop(double timeout) override;
+    void Lock(bool on) override;
+    void RenderLoop() override;
+
+    bool RegisterLight(FXLight* light) override;
+    void UnregisterLight(FXLight* light) override;
+
+    FXMaterial* GetDefaultMaterial() override { return &defaultMaterial; }
+    FXMatlib* GetDefaultMatlib() override { return &defaultMatlib; }
+    // A library that cannot be loaded is kept all the same, empty: it is not tried again.
+    FXMatlib* LoadMatlib(const char* name) override;
+    FXMatlib* LoadMatlibC(FXPackage* pck, const char* name) override;
+    FXMatlib* LoadMatlibCN(FXPackage* pck, int id) override;
+    void RemoveMatlib(FXMatlib* library) override;
+    void AddMaterial(FXMaterial* material) override;
+    void ApplyDefaultMaterial() override;
+    void EnableTestingMaterial(bool on) override { testingMaterial = on; }
+
+    bool enlarged = false;
+    std::atomic<PRender*> render = nullptr; // the loop's target
+    std::atomic<bool> lockEachFrame = true;
+    FXLight* lights[kLights] = {};
+    FXMaterial defaultMaterial;
+    FXMatlib defaultMatlib; // asked first by every library loaded here
+    FXArray<FXMatlib*> matlibs;
+    bool testingMaterial = false;
+    // What the device was last told.
+    bool lightsOn = false;
+    bool textureUnit0Bound = false;
+    bool textureUnit1Bound = false;
+    bool depthWrite = true;
+    bool depthTest = true;
+    bool cullFront = false;
+    bool cullBack = false;
+    void* mutex = nullptr;
+    std::atomic<bool> running = false;
+    std::atomic<bool> stop = false;
+    void* thread = nullptr;
+    HWND envWindow = nullptr;
+    bool npot = false; // textures of any size
+
+private:
+    FXMatlib* FindShared(const char* name) const;
+    FXMatlib* NewShared();
+};
