@@ -1,0 +1,63 @@
+// A smooth curve through points in space: a Bezier segment per pair of neighbours.
+#pragma once
+
+#include "anim/bezier.h"
+#include "base/arrays.h"
+
+#include <vector>
+
+// The tangent at a point is parallel to the line between its neighbours; its control points lie half the
+// adjacent chord times `tension` away. Callers fill `points` (x, y, z each), then Precompute.
+class FXBezierSpline {
+public:
+    void Destroy();
+    void Precompute();
+    void PrecomputeCtrlPoints();
+    void PrecomputeBeziers();
+    int GetCnt() const { return points.count / 3; }
+
+    // The segment that Get evaluates: the one that starts at point a; -1 stands for the last point, b tells
+    // the last segment of an open curve apart. Beyond the points: nothing changes.
+    void SetActPoints(int a, int b);
+    void Get(float* out, float t) const; // t in 0..1 along the segment
+    void GetH(float* out, const FXBezierPhaseH* h) const;
+
+    // The phase of each point on the whole curve: even steps, or by the length of the chords.
+    void PrecomputePhasesLinear();
+    void PrecomputePhasesLenght();
+    // A point at a phase of the whole curve, which is brought into 0..1 first. Steady phases are found at
+    // once.
+    void GetAll(float* out, float phase);
+    // Does the phase lie before (-1), within (0) or behind (+1) the segment from point i to j?
+    int TestPhase(int i, int j, float phase) const;
+
+    bool closed = false; // the last point leads back to the first
+    float tension = 1.0f;
+    bool linear = false; // segments are straight lines
+    FXFloatArray points;
+    FXFloatArray ctrlPoints; // per point: towards the previous, towards the next
+    FXBezier3 startBezier;   // the ends of an open curve
+    FXBezier3 endBezier;
+    std::vector<FXBezier4> beziers; // from point i to i + 1, the last one back to the first
+    FXFloatArray phases;
+    int actIndex = 0; // where the active segment starts
+    float length = 0; // of all chords
+    float avgSegment = 0;
+
+private:
+    enum class Kind { Point, Line, Quadratic, Cubic }; // what the active segment is
+
+    const float* PointAt(int i) const { return &points.items[3 * i]; }
+    void UseLine(const float* a, const float* b);
+
+    Kind actKind_ = Kind::Point;
+    float actPoint_[3] = {};
+    float actDelta_[3] = {};
+    const FXBezier3* actQuadratic_ = nullptr;
+    const FXBezier4* actCubic_ = nullptr;
+};
+
+// The two control points of a point between its neighbours: in (towards the previous), out (towards the
+// next).
+void fxSplineTangents(const float* previous, const float* point, const float* next, float tension, float* in,
+                      float* out);

@@ -1,0 +1,103 @@
+// The key-frame morph: models of one topology, each vertex moving from one key frame to the next.
+#pragma once
+
+#include "anim/bezier_graph.h"
+#include "anim/spline_set.h"
+#include "base/str_array.h"
+#include "geometry/model.h"
+#include "geometry/vector_map.h"
+
+class FXMesh;
+
+// Owns the key frames. Timing follows frameTimes, drawing the models; a file may disagree. With
+// UpdateInterpolation(true, ...) it draws imodel, a copy of key frame 0 whose positions and normals are
+// rewritten every frame; without, the key frames themselves. The environment must be set while it loads.
+class FXAnim : public PRender, public PMeshSaveClb {
+public:
+    FXAnim() = default;
+    ~FXAnim() { Destroy(); }
+    FXAnim(const FXAnim&) = delete;
+    FXAnim& operator=(const FXAnim&) = delete;
+
+    void Destroy();
+
+    // Files (morph_file.cpp). False when there is no entry or file of 8 bytes at least; one that lies gives
+    // fewer key frames, or empty ones.
+    bool LoadCN(FXPackage* pck, int id);
+    bool Load(const char* path);
+    // Version 3: all key frames in the layout of the first. False when they do not agree, or not all of it
+    // got to the disk.
+    bool Save(const char* path);
+    bool
+    Save_v02(std::FILE* file) const; // names, times and settings alone; the models are files of their own
+    bool Save_v03(std::FILE* file);
+    // May the two vertices share stored vectors: are they alike in every key frame?
+    bool TestRedirect(int meshA, int vertexA, int meshB, int vertexB) override;
+
+    // Playing. Times are seconds.
+    void StartAnim(double time); // from the first key frame; without frame times there is nothing to play
+    void ContinueAnim(double time);
+    void ComputeFrameDuration();
+    // Draws, moving on by one key frame at most.
+    void OnRender(PEnv* env, double time) override;
+
+    // Interpolation (morph_interpolation.cpp). Key frames that do not agree in meshes and vertices are not
+    // interpolated: the first one is shown.
+    void UpdateInterpolation(bool on, bool second);
+    void UpdateIFrame();
+    void UpdateIPos(double time);
+    void SetActFrames(int a, int b); // by hand: the segment,
+    void SetActPhase(float p);       // and where on it, 0..1
+
+    // Preparation: every key frame by the box of key frame i, which must be there.
+    void Unitize(int i);
+    void UnitizeStretch(int i);
+    void UnitizeStretch1(int i);
+    void FlipHoriz();
+    void ResizeTextCoords();
+    void ResizeTextCoords1();
+    void Normalize(int i, bool onlyTouched); // -1: all
+    // From key frame i's front view, for a mesh (-1: all); all the others get the same coordinates.
+    void ComputeFrontTexCoords(int i, int mesh);
+    void MoveFrame(int dest, int src); // with its name and time
+
+    FXBezierGraph graph;
+    float storedParam = 0;
+    bool playing = true;
+    bool backwards = false;
+    bool loop = true;
+    bool pingPong = false; // with loop: turns at the ends
+    double startTime = 0;  // of the current key frame
+    int frame = 0;
+    double frameDuration = 0;
+    bool paused = false;
+    bool frameChanged = false;
+    FXArray<FXModel*> models; // entries may be null
+    FXStrArray frameNames;
+    FXArray<int> frameTimes; // milliseconds; 0 and less mean 500
+    bool interpolate = false;
+    bool secondFlag = false;
+    bool linear = false; // straight lines between key frames
+    FXModel imodel;
+    FXSplineSet posSplines; // one per vertex of imodel, in mesh and vertex order
+    FXSplineSet normSplines;
+    bool segmentReversed = false;
+    float tension = 1.0f;
+    float phase = 0;
+
+private:
+    void LoadHead(FXPackageData* d);
+    void Load_v02CN(FXPackage* pck, FXPackageData* d);
+    void Load_v03CN(FXPackage* pck, FXPackageData* d);
+    void LoadFrom(FXPackage* pck, FXPackageData* d);
+    bool SaveHead(std::FILE* file) const;
+    bool PackFirstFrame(FXVectorMap* map, std::FILE* file, FXArray<int>* redirects);
+    void FinishLoading();
+    void Advance(double time);
+    int LastFrame() const { return frameTimes.count - 1; }
+    FXModel* EnumModels(int i) const { return i >= 0 && i < models.count ? models[i] : nullptr; }
+    bool FramesAgree() const;
+    bool BuildSplines();
+    void AimAt(int a, int b);
+    void MoveVertices(float p);
+};
