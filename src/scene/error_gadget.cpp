@@ -1,0 +1,30 @@
+#include "scene/error_gadget.h"
+
+#include "env/environment.h"
+
+void FXErrGadget::CreateCN(FXPackage* pck, int id) {
+    constexpr float kFromCorner = 10; // pixels
+    errDesk.Create(1, 1);
+    errMat.LoadTextureCN(pck, id);
+    errDesk.SetMaterial(&errMat);
+    placement.picW = errMat.GetWidthF();
+    placement.picH = errMat.GetHeightF();
+    placement.screenW = static_cast<float>(fxglobalEnv->screenWidth);
+    placement.screenH = static_cast<float>(fxglobalEnv->screenHeight);
+    placement.SetPos(kFromCorner, kFromCorner);
+}
+
+void FXErrGadget::Destroy() {
+    errDesk.Destroy();
+    errMat.Destroy();
+}
+
+void FXErrGadget::OnRender(PEnv* env, double time) {
+    if (!visible)
+        return;
+    env->EnableDepthTest(false);
+    env->EnableDepthWrite(false);
+    env->EnableLights(false);
+    placement.OnRender(env, time);
+    errDesk.OnRender(env, time);
+}

@@ -1,0 +1,23 @@
+// The error picture in the upper left corner, pixel for pixel.
+#pragma once
+
+#include "image/material.h"
+#include "scene/desk_grid.h"
+#include "scene/screen_placement.h"
+
+class FXPackage;
+
+// Built whether or not there is an error; the owner sets `visible`.
+class FXErrGadget : public PRender {
+public:
+    virtual ~FXErrGadget() = default;
+
+    void CreateCN(FXPackage* pck, int id); // needs the global environment's screen size
+    void Destroy();
+    void OnRender(PEnv* env, double time) override;
+
+    bool visible = false;
+    FXDesk errDesk;
+    FXMaterial errMat;
+    FXScrPos01 placement;
+};

@@ -1,0 +1,30 @@
+// The maker's medallion, turning in the lower right corner over its label.
+#pragma once
+
+#include "geometry/model.h"
+#include "image/material.h"
+#include "scene/desk_grid.h"
+#include "scene/phaser.h"
+
+extern double rotate_dur; // seconds per turn
+
+class FXOrinGadget : public PRender {
+public:
+    virtual ~FXOrinGadget() = default;
+
+    void CreateCN(FXPackage* pck, int pictureId, int modelId);
+    void Destroy();
+    // Round on any screen: sized by the height, or by the width of a portrait one. Lit by the scene's lights.
+    // Leaves the label's matrix in force and lights off.
+    void OnRender(PEnv* env, double time) override;
+
+    bool showModel = true;
+    bool needStart = false;
+    FXModel medallion;
+    FXDesk label;
+    FXMaterial labelMat;
+    FXPhaser spin;
+
+private:
+    void DrawModel(PEnv* env, double time);
+};

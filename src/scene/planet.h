@@ -1,0 +1,56 @@
+// The sun: layers of models at one place, each turning by itself, some pulsing and fading.
+#pragma once
+
+#include "base/arrays.h"
+#include "env/drawable.h"
+#include "math/matrix.h"
+#include "scene/phaser.h"
+
+class FXModel;
+class FXPackage;
+
+// Owns its layers' models. The layer setters change the layer that was added last; before the first one they
+// do nothing.
+class FXPlanet : public PRender {
+public:
+    static constexpr int kMaxLayers = 10;
+    static constexpr int kTransparencyPulse = 0x200;
+
+    FXPlanet();
+    ~FXPlanet() { Destroy(); }
+    FXPlanet(const FXPlanet&) = delete;
+    FXPlanet& operator=(const FXPlanet&) = delete;
+
+    // A model that does not load makes a layer that draws nothing. An eleventh layer is not added.
+    void AddLayerCN(FXPackage* pck, int id);
+    // mode: 0 none, 1 about x, 2 about y, 3 about x, then y. Seconds per turn.
+    void SetLayerRot(int mode, double d1, double d2);
+    // Stretches along an axis (0 none, 1 x, 2 y, 3 z), then flattens. The period is shared with
+    // SetLayerTransp.
+    void SetLayerScale(int axis, double seconds);
+    void SetLayerTransp(int bit, double seconds); // kTransparencyPulse, or 0
+    void SetLayerFluid(bool fluidLayer);          // drawn without writing depth
+    void Destroy();
+    // On top of the environment's matrix; leaves the last layer's matrix and depth writing in force.
+    void OnRender(PEnv* env, double time) override;
+
+    bool useColMat = false; // colours go into materials instead of vertices
+    float layerColor[4] = {1, 1, 1, 1};
+    int layerCount = 0;
+    int curLayer = -1;
+    FXArray<FXModel*> models;
+    FXArray<int> rotModes;
+    FXArray<int> pulseModes; // bits 0 and 1: the axis; kTransparencyPulse
+    FXArray<int> fluid;
+    FXPhaser rot1[kMaxLayers];
+    FXPhaser rot2[kMaxLayers];
+    FXPhaser pulse[kMaxLayers];
+    int matFirst = 1000; // layers matFirst..matLast get layerMatrix as well
+    int matLast = 1000;
+    FXMatrix layerMatrix;
+
+private:
+    void Turn(PEnv* env, int layer, double time);
+    void Pulse(PEnv* env, int layer, double time);
+    void Color(FXModel* model, const float* rgba) const;
+};

@@ -1,0 +1,21 @@
+// The show: built when the saver's window is created, drawn by the render loop, taken down with the window.
+#pragma once
+
+#include "env/drawable.h"
+#include "win32/win32.h"
+
+// One frame: the background, the sun, the stage of the cycle that is due, the cube and the error picture. Its
+// state is the show's (show.h).
+class Scene : public PRender {
+public:
+    void OnRender(PEnv* env, double time) override;
+};
+
+// Builds the show for a window and starts the render loop. What cannot be had (package, entries, codec,
+// desktop picture, a sufficient OpenGL) is missing from the show, and the trace says so.
+void InitScene(HWND window, bool preview);
+// Waits for the frame that is being drawn, then releases everything.
+void DestroyScene();
+
+// InitScene without the loop: for whoever draws the frames by himself.
+void BuildScene(HWND window, bool preview);
