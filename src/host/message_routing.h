@@ -1,0 +1,42 @@
+// Which message goes where: three tables, one for each window procedure that a message may pass. They decide
+// over plain values; the procedures act.
+#pragma once
+
+#include "win32/win32.h"
+
+// Sent to the saver window: may it close, as far as the password goes?
+constexpr UINT SCRM_VERIFYPW = 0x8000;
+
+// What SysScreenSaverProc, in front, does with a message.
+enum class SysAction {
+    Forward, // to ScreenSaverProc
+    Create,  // remember the pointer's place (full screen: hide it as well), then forward
+    Destroy, // post the quit message, then forward
+    Default, // the system's default
+    Swallow, // answer 0
+};
+SysAction RouteSysMessage(UINT message, WPARAM wParam, bool preview, bool closing);
+
+// What ScreenSaverProc, the program's own, does.
+enum class SaverAction {
+    Default, // to DefScreenSaverProc
+    Create,  // build the scene
+    Destroy, // take it down
+    Close,   // destroy the window if the close rule allows it
+    Key,     // destroy the window, then to DefScreenSaverProc
+    KeepBackground,
+    KeepPainted, // OpenGL paints
+};
+SaverAction RouteSaverMessage(UINT message);
+
+// What DefScreenSaverProc, behind, does.
+enum class DefAction {
+    Default,        // the system's default
+    Close,          // ask for the password if there is one, then destroy the window
+    VerifyPassword, // answer SCRM_VERIFYPW
+    HideCursor,
+    PointerMoved, // a close request if the pointer is not where it was at the start; then the default
+    CloseRequest, // post WM_CLOSE, then the default
+    Swallow,      // answer 0
+};
+DefAction RouteDefMessage(UINT message, WPARAM wParam, bool preview, bool closing, bool checkingPassword);
