@@ -1,0 +1,110 @@
+// tamb-make-show: draws everything that the default show is made of into a folder.
+#include "models/models.h"
+#include "pictures/drawing.h"
+#include "pictures/pictures.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace {
+
+// Writes one file; empty when well, else what went wrong.
+using Maker = std::string (*)(const std::string& file);
+
+template <Raster (*Draw)()> std::string Picture(const std::string& file) {
+    return Draw().WritePng(file);
+}
+
+struct Output {
+    const char* name;
+    Maker make;
+};
+
+constexpr Output kOutputs[] = {
+    {"00-error.png", Picture<DrawErrorNotice>},
+    {"01-preview.png", Picture<DrawPreview>},
+    {"04-medallion.om", WriteMedallion},
+    {"05-label.png", Picture<DrawLabel>},
+    {"11-sun-core.om", WriteSunCore},
+    {"13-shell-1.om", WriteSunShell1},
+    {"15-shell-2.om", WriteSunShell2},
+    {"17-shell-3.om", WriteSunShell3},
+    {"18-space.png", Picture<DrawSpace>},
+    {"19-halo.png", Picture<DrawHalo>},
+    {"20-rays.png", Picture<DrawRays>},
+    {"21-lens.png", Picture<DrawLens>},
+    {"30-sun-core.png", Picture<DrawSunCore>},
+    {"31-plasma-a.png", Picture<DrawPlasmaA>},
+    {"32-plasma-b.png", Picture<DrawPlasmaB>},
+    {"33-plasma-c.png", Picture<DrawPlasmaC>},
+    {"34-gold.png", Picture<DrawGold>},
+    {"35-emblem.png", Picture<DrawEmblem>},
+    {"36-ember.png", Picture<DrawEmber>},
+    {"40-sun.lib", WriteSunLibrary},
+    {"41-medallion.lib", WriteMedallionLibrary},
+    {"42-morph.lib", WriteMorphLibrary},
+    {"72-morph.oa", WriteMorph},
+    {"73-studio.png", Picture<DrawStudio>},
+    {"74-skin.png", Picture<DrawSkin>},
+    {"desktop.png", Picture<DrawDesktop>},
+};
+
+int Usage() {
+    std::fputs("usage: tamb-make-show OUTFOLDER [--only NAME]\n"
+               "Makes the show's pictures and models in OUTFOLDER, which is made when it is missing.\n"
+               "--only NAME   makes that file alone, for instance 18-space.png\n",
+               stderr);
+    return 1;
+}
+
+int MakeAll(const std::filesystem::path& folder, std::string_view only) {
+    std::error_code problem;
+    std::filesystem::create_directories(folder, problem);
+    if (problem) {
+        std::fprintf(stderr, "tamb-make-show: %s: cannot be made: %s\n", folder.c_str(),
+                     problem.message().c_str());
+        return 1;
+    }
+    bool found = false;
+    for (const Output& output : kOutputs) {
+        if (!only.empty() && only != output.name)
+            continue;
+        found = true;
+        const std::string trouble = output.make((folder / output.name).string());
+        if (!trouble.empty()) {
+            std::fprintf(stderr, "tamb-make-show: %s\n", trouble.c_str());
+            return 1;
+        }
+    }
+    if (!found) {
+        std::fprintf(stderr, "tamb-make-show: nothing is called %s; these can be made:\n",
+                     std::string(only).c_str());
+        for (const Output& output : kOutputs)
+            std::fprintf(stderr, "  %s\n", output.name);
+    }
+    return found ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const char* folder = nullptr;
+    std::string_view only;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--only" && i + 1 < argc && only.empty())
+            only = argv[++i];
+        else if (!argument.empty() && argument.front() != '-' && folder == nullptr)
+            folder = argv[i];
+        else
+            return Usage();
+    }
+    if (folder == nullptr)
+        return Usage();
+    const int result = MakeAll(folder, only);
+    ReleaseFonts();
+    return result;
+}

@@ -1,0 +1,98 @@
+// The bevelled gold disc with the emblem on both faces.
+#include "models/mesh_builder.h"
+#include "models/models.h"
+#include "pictures/colour.h"
+
+#include <cmath>
+#include <span>
+
+namespace {
+
+constexpr const char* kLibrary = "41";
+constexpr int kSectors = 64;
+constexpr int kFaceRings = 8;
+constexpr float kFaceRadius = 0.84f;
+constexpr float kFaceHeight = 0.052f;
+
+// The medallion is drawn flattened to about a tenth of its width and a sixth of its height, its depth left
+// alone, which steepens every slope for the light as much. Normals are stored flatter by as much, so that
+// they come out as meant; the faces are shaded as if they were domed, so that a streak of light crosses them
+// at every turn.
+constexpr float kFlatX = 0.40f;
+constexpr float kFlatY = 0.20f;
+constexpr float kDomeX = 0.90f;
+constexpr float kDomeY = 0.16f;
+
+// A step of the rim, outwards; height is half the thickness there, `out` and `up` the normal.
+struct Step {
+    float radius, height, out, up;
+};
+// Where a radius and height stand twice with different normals, the edge is sharp.
+constexpr Step kRim[] = {
+    {0.840f, 0.052f, -0.80f, 0.60f}, {0.875f, 0.074f, -0.80f, 0.60f}, // up from the face
+    {0.875f, 0.074f, -0.35f, 0.94f}, {0.900f, 0.080f, 0.00f, 1.00f},  // over the top, rounded
+    {0.930f, 0.078f, 0.30f, 0.95f},  {0.955f, 0.066f, 0.60f, 0.80f},  //
+    {0.955f, 0.066f, 0.75f, 0.66f},  {0.988f, 0.034f, 0.75f, 0.66f},  // bevel
+    {0.988f, 0.034f, 1.00f, 0.00f},  {1.000f, 0.020f, 1.00f, 0.00f},  // edge
+    {1.000f, 0.000f, 1.00f, 0.00f},
+};
+
+struct Direction {
+    float x, y;
+};
+Direction DirectionOf(int sector) {
+    const float turn = 2 * kPi * static_cast<float>(sector % kSectors) / static_cast<float>(kSectors);
+    return {std::cos(turn), std::sin(turn)};
+}
+
+// The front is at -z; the back is the front seen in a mirror behind it, its pictures turned to read well
+// there.
+struct Side {
+    float z;
+    bool isBack;
+};
+constexpr Side kSides[] = {{-1, false}, {1, true}};
+
+// Rows run outwards and columns clockwise on the front, so that triangles run anticlockwise; on the back, the
+// other way round.
+template <class CornerAt> void AddRings(MeshBuilder* mesh, const Side& side, int rings, CornerAt cornerAt) {
+    int first = -1;
+    for (int ring = 0; ring < rings; ++ring)
+        for (int sector = 0; sector <= kSectors; ++sector) {
+            const Direction d = DirectionOf(side.isBack ? sector : kSectors - sector);
+            const int number = mesh->Add(cornerAt(ring, d));
+            first = first < 0 ? number : first;
+        }
+    mesh->JoinGrid(first, kSectors + 1, rings);
+}
+
+void AddFace(MeshBuilder* mesh, const Side& side) {
+    AddRings(mesh, side, kFaceRings + 1, [&](int ring, Direction d) {
+        const float r = static_cast<float>(ring) / kFaceRings;
+        const Vec3 at = {d.x * r * kFaceRadius, d.y * r * kFaceRadius, side.z * kFaceHeight};
+        const Vec3 normal = Unit({kDomeX * r * d.x, kDomeY * r * d.y, side.z});
+        const float across = side.isBack ? -d.x : d.x;
+        return Corner{at, normal, (1 + across * r) / 2, (1 - d.y * r) / 2};
+    });
+}
+
+void AddRim(MeshBuilder* mesh, const Side& side) {
+    AddRings(mesh, side, static_cast<int>(std::size(kRim)), [&](int ring, Direction d) {
+        const Step& step = kRim[ring];
+        const Vec3 at = {d.x * step.radius, d.y * step.radius, side.z * step.height};
+        const Vec3 normal = Unit({kFlatX * step.out * d.x, kFlatY * step.out * d.y, side.z * step.up});
+        return Corner{at, normal, (1 + at.x) / 2, (1 - at.y) / 2};
+    });
+}
+
+} // namespace
+
+std::string WriteMedallion(const std::string& file) {
+    MeshBuilder faces("Emblem");
+    MeshBuilder rim("Gold");
+    for (const Side& side : kSides) {
+        AddFace(&faces, side);
+        AddRim(&rim, side);
+    }
+    return WriteModel(file, "medallion", kLibrary, {&faces, &rim});
+}

@@ -1,0 +1,104 @@
+#include "pictures/colour.h"
+#include "pictures/pictures.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr int kWidth = 2048;
+constexpr int kHeight = 1152;
+
+// Positions and sizes in heights of the picture, from its middle.
+constexpr float kSunX = -0.3f * kWidth / kHeight;
+constexpr float kSunY = 0.3f;
+
+enum class Shape { Disc, Iris, Ring };
+
+// The reflections in the lens, along the line from the sun through the middle: at -1 the sun, at 0 the
+// middle.
+struct Ghost {
+    float at;
+    float radius;
+    float strength;
+    Shape shape;
+    Rgb colour;
+};
+constexpr Ghost kGhosts[] = {
+    {-0.52f, 0.034f, 0.100f, Shape::Disc, Hex(0xFFB060)},
+    {-0.34f, 0.075f, 0.055f, Shape::Iris, Hex(0xFF8A3C)},
+    {-0.12f, 0.022f, 0.110f, Shape::Disc, Hex(0xFFE0A8)},
+    {0.22f, 0.052f, 0.060f, Shape::Iris, Hex(0x7AD0A0)},
+    {0.42f, 0.120f, 0.040f, Shape::Ring, Hex(0x6AA8FF)},
+    {0.58f, 0.040f, 0.085f, Shape::Iris, Hex(0x5A8CFF)},
+    {0.80f, 0.165f, 0.034f, Shape::Iris, Hex(0x8A6AFF)},
+    {1.02f, 0.030f, 0.110f, Shape::Disc, Hex(0xC08AFF)},
+    {1.22f, 0.240f, 0.026f, Shape::Ring, Hex(0xB070E0)},
+};
+
+// Distance from the middle of a six-bladed iris, 1 on the middle of each edge; its corners are a little
+// round.
+float IrisDistance(float x, float y) {
+    constexpr float kThird = kPi / 3;
+    const float r = std::hypot(x, y);
+    const float turn = std::atan2(y, x) + 0.3f;
+    const float off = turn - kThird * std::floor(turn / kThird + 0.5f);
+    return Mix(r, r * std::cos(off), 0.8f);
+}
+
+float Shaped(Shape shape, float d) {
+    const float edge = Smooth(1.0f, 0.9f, d);
+    switch (shape) {
+    case Shape::Disc:
+        return Smooth(1.0f, 0.2f, d);
+    case Shape::Iris:
+        return edge * (0.45f + 0.55f * d * d * d * d);
+    case Shape::Ring:
+        return Smooth(1.0f, 0.93f, d) * Smooth(0.6f, 0.97f, d);
+    }
+    return 0;
+}
+
+Rgb GhostLight(const Ghost& ghost, float x, float y) {
+    const float dx = (x + kSunX * ghost.at) / ghost.radius;
+    const float dy = (y + kSunY * ghost.at) / ghost.radius;
+    if (dx * dx + dy * dy > 1.6f)
+        return {};
+    const float d = ghost.shape == Shape::Iris ? IrisDistance(dx, dy) : std::hypot(dx, dy);
+    // Glass bends red a little less than blue: the edges are coloured.
+    const Rgb split = {Shaped(ghost.shape, d * 1.02f), Shaped(ghost.shape, d),
+                       Shaped(ghost.shape, d * 0.98f)};
+    return ghost.colour * split * ghost.strength;
+}
+
+// A piece of a rainbow round the sun, strongest beyond the middle of the screen.
+Rgb ArcLight(float x, float y) {
+    constexpr float kRadius = 1.10f;
+    constexpr float kWide = 0.022f;
+    const float dx = x - kSunX;
+    const float dy = y - kSunY;
+    const float r = std::hypot(dx, dy);
+    const float facing = (dx * -kSunX + dy * -kSunY) / (r * std::hypot(kSunX, kSunY) + 1e-6f);
+    const auto band = [&](float radius) {
+        const float off = (r - radius) / kWide;
+        return std::exp(-off * off);
+    };
+    const Rgb bow = {band(kRadius + kWide), band(kRadius), band(kRadius - kWide)};
+    return bow * (0.032f * Smooth(0.925f, 1.0f, facing));
+}
+
+Rgba LensAt(float px, float py) {
+    const float x = (px - kWidth * 0.5f) / kHeight;
+    const float y = (py - kHeight * 0.5f) / kHeight;
+    Rgb light = ArcLight(x, y);
+    for (const Ghost& ghost : kGhosts)
+        light += GhostLight(ghost, x, y);
+    return Glow(light);
+}
+
+} // namespace
+
+Raster DrawLens() {
+    Raster lens(kWidth, kHeight);
+    lens.Fill(LensAt);
+    return lens;
+}

@@ -1,0 +1,76 @@
+// What surrounds the sun: the still halo and the turning rays.
+#include "noise.h"
+#include "pictures/colour.h"
+#include "pictures/pictures.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr int kSize = 1024;
+
+// A pixel as seen from the middle of the picture.
+struct Polar {
+    float x, y; // direction, of length 1
+    float r;    // 1 at the inscribed circle
+};
+
+Polar PolarAt(float px, float py) {
+    const float x = px * 2 / kSize - 1;
+    const float y = py * 2 / kSize - 1;
+    const float r = std::hypot(x, y);
+    return r > 0 ? Polar{x / r, y / r, r} : Polar{1, 0, 0};
+}
+
+// What is left of the light at this distance: nothing from the inscribed circle on.
+float Fading(float r) {
+    const float left = Clamp01((0.985f - r) / (0.985f - kSunShare));
+    return left * left * (3 - 2 * left);
+}
+
+Rgba HaloAt(float px, float py) {
+    const Polar at = PolarAt(px, py);
+    const float height = std::max(0.0f, at.r - kSunShare);
+    // The corona is never quite even.
+    const float breath = 1 + 0.35f * Fbm({at.x * 1.6f, at.y * 1.6f, at.r * 1.2f}, 3, 5);
+    const float rim = std::exp(-height / 0.016f);
+    const float inner = std::exp(-height / (0.055f * breath));
+    const float outer = std::exp(-height / (0.17f * breath));
+    const Rgb light = Hex(0xFFF2C8) * (0.75f * rim) + Hex(0xFFA63C) * (0.62f * inner) +
+                      Hex(0xC8401A) * (0.34f * outer) + Hex(0x6A2A9A) * (0.10f * std::sqrt(outer));
+    return Glow(light * Fading(at.r));
+}
+
+// One set of rays: `count` sets how many, `length` how far the longest reach, `sharp` how thin they are.
+float Rays(const Polar& at, float count, float length, float sharp, std::uint32_t seed) {
+    const float height = std::max(0.0f, at.r - kSunShare);
+    const float bend = 0.25f * height;
+    const Vec3 ring = {at.x * count, at.y * count, at.r * 0.7f};
+    const float ray = Clamp01(0.5f + 0.75f * GradientNoise(ring + Vec3{0, 0, bend}, seed));
+    const float reach = length * (0.35f + 0.65f * Clamp01(0.5f + GradientNoise(ring * 0.6f, seed + 1)));
+    return std::pow(ray, sharp) * std::exp(-height / reach);
+}
+
+Rgba RaysAt(float px, float py) {
+    const Polar at = PolarAt(px, py);
+    const float broad = Rays(at, 2.6f, 0.34f, 2.2f, 301);
+    const float middle = Rays(at, 7.0f, 0.30f, 2.6f, 401);
+    const float fine = Rays(at, 19.0f, 0.22f, 2.6f, 501);
+    const Rgb light =
+        Hex(0xFF7A24) * (0.66f * broad) + Hex(0xFFB450) * (0.62f * middle) + Hex(0xFFE0A0) * (0.50f * fine);
+    return Glow(light * Fading(at.r));
+}
+
+} // namespace
+
+Raster DrawHalo() {
+    Raster halo(kSize, kSize);
+    halo.Fill(HaloAt);
+    return halo;
+}
+
+Raster DrawRays() {
+    Raster rays(kSize, kSize);
+    rays.Fill(RaysAt);
+    return rays;
+}
