@@ -6,6 +6,9 @@ target_compile_options(tamb_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror
     # The effects are defined with every intermediate result rounded to single precision.
     -ffp-contract=off -fno-math-errno)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    target_compile_options(tamb_options INTERFACE -Wno-restrict) # GCC 12 sees overlaps inside std::string's operator+
+endif()
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)

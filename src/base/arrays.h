@@ -1,6 +1,7 @@
 // The growable list of the system: ints, floats or pointers in one block that grows by a fixed step.
 #pragma once
 
+#include "base/file_handle.h"
 #include "base/memory.h"
 
 #include <algorithm>
@@ -95,8 +96,7 @@ public:
     // File record: int32 count, then the elements, 32 bits each.
     bool Save(std::FILE* file) const requires(kElement == 4 && std::is_arithmetic_v<T>) {
         const std::int32_t n = count;
-        return std::fwrite(&n, sizeof n, 1, file) == 1 &&
-               std::fwrite(items, kElement, static_cast<std::size_t>(n), file) == static_cast<std::size_t>(n);
+        return fxWrite(&n, sizeof n, 1, file) && fxWrite(items, kElement, static_cast<std::size_t>(n), file);
     }
     // Replaces the contents. A count beyond the end of the file gives the elements that are there, and false.
     bool Load(std::FILE* file) requires(kElement == 4 && std::is_arithmetic_v<T>) {

@@ -18,3 +18,8 @@ inline bool fxCloseWritten(FXFile file) {
     const bool written = std::ferror(file.get()) == 0;
     return std::fclose(file.release()) == 0 && written;
 }
+
+// n elements of that size; none may come from anywhere, null too. False when not all of them were taken.
+inline bool fxWrite(const void* elements, std::size_t size, std::size_t n, std::FILE* file) {
+    return n == 0 || std::fwrite(elements, size, n, file) == n;
+}

@@ -60,11 +60,9 @@ bool FXMesh::SaveHead(std::FILE* file, float u, float v) const {
 bool FXMesh::SaveMesh(std::FILE* file) const {
     const std::int32_t corners = indexCount;
     return SaveHead(file, material ? material->extentU : 0, material ? material->extentV : 0) &&
-           std::fwrite(vertices, sizeof *vertices, static_cast<std::size_t>(vertexCount), file) ==
-               static_cast<std::size_t>(vertexCount) &&
+           fxWrite(vertices, sizeof *vertices, static_cast<std::size_t>(vertexCount), file) &&
            std::fwrite(&corners, sizeof corners, 1, file) == 1 &&
-           std::fwrite(indices, sizeof *indices, static_cast<std::size_t>(corners), file) ==
-               static_cast<std::size_t>(corners);
+           fxWrite(indices, sizeof *indices, static_cast<std::size_t>(corners), file);
 }
 
 bool FXMesh::SaveMeshI(std::FILE* file) const {

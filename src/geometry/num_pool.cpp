@@ -1,5 +1,6 @@
 #include "geometry/num_pool.h"
 
+#include "base/file_handle.h"
 #include "base/memory.h"
 #include "package/package_data.h"
 
@@ -62,8 +63,7 @@ bool FXNumPool::GetNextInt(int* value) {
 
 bool FXNumPool::Save(std::FILE* file) const {
     const std::int32_t n = size;
-    return std::fwrite(&n, sizeof n, 1, file) == 1 &&
-           std::fwrite(buffer, 1, static_cast<std::size_t>(n), file) == static_cast<std::size_t>(n);
+    return fxWrite(&n, sizeof n, 1, file) && fxWrite(buffer, 1, static_cast<std::size_t>(n), file);
 }
 
 void FXNumPool::LoadC(FXPackageData* d) {

@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <bit>
+#include <climits>
 #include <cstring>
+#include <utility>
 
 namespace {
 
-constexpr int kFree = -1;
+constexpr int kFree = -1;        // a slot
+constexpr int kNoUser = INT_MIN; // a position: neither a vertex nor ~vertex
 
 // One kind of stored vector.
 struct Kind {
@@ -57,9 +60,8 @@ int localPush(Index* index, Kind kind, const float* value, PMeshSaveClb* clb, in
 
 bool localSave(const FXFloatArray& values, int count, int width, std::FILE* file) {
     const std::int32_t floats = count * width;
-    return std::fwrite(&floats, sizeof floats, 1, file) == 1 &&
-           std::fwrite(values.items, sizeof(float), static_cast<std::size_t>(floats), file) ==
-               static_cast<std::size_t>(floats);
+    return fxWrite(&floats, sizeof floats, 1, file) &&
+           fxWrite(values.items, sizeof(float), static_cast<std::size_t>(floats), file);
 }
 
 int localLoad(FXFloatArray* values, int width, FXPackageData* d) {
@@ -85,6 +87,7 @@ void localSet(FXFloatArray& values, int width, int i, const float* value) {
 
 void FXVectorMap::Destroy() {
     ClearUsed();
+    firstUser_.clear();
     for (FXFloatArray* values : {&positions, &normals, &texCoords})
         values->DestroyBuf();
     for (FXArray<int>* keys : {&posMesh, &posVertex, &normMesh, &normVertex, &texMesh, &texVertex})
@@ -166,26 +169,50 @@ std::size_t FXVectorMap::SlotOf(const Triple& triple) const {
 }
 
 void FXVectorMap::GrowSlots() {
-    slots_.assign(std::max<std::size_t>(64, slots_.size() * 2), kFree);
-    for (std::size_t vertex = 0; vertex < triples_.size(); ++vertex)
-        if (triples_[vertex].p >= 0)
-            slots_[SlotOf(triples_[vertex])] = static_cast<int>(vertex);
+    const std::vector<int> before = std::move(slots_);
+    slots_.assign(std::max<std::size_t>(64, before.size() * 2), kFree);
+    for (const int vertex : before)
+        if (vertex != kFree)
+            slots_[SlotOf(triples_[static_cast<std::size_t>(vertex)])] = vertex;
+}
+
+void FXVectorMap::PushShared(int vertex) {
+    if (2 * (shared_ + 1) > slots_.size())
+        GrowSlots();
+    int& slot = slots_[SlotOf(triples_[static_cast<std::size_t>(vertex)])];
+    if (slot != kFree)
+        return; // the first of equals stays
+    slot = vertex;
+    ++shared_;
 }
 
 void FXVectorMap::PushUsed(int p, int n, int t, int vertex) {
-    if (2 * (triples_.size() + 1) > slots_.size())
-        GrowSlots();
     const auto place = static_cast<std::size_t>(vertex);
+    const auto position = static_cast<std::size_t>(p);
     if (triples_.size() <= place)
         triples_.resize(place + 1, {-1, -1, -1});
+    if (firstUser_.size() <= position)
+        firstUser_.resize(std::max(position + 1, static_cast<std::size_t>(posCount)), kNoUser);
     triples_[place] = {p, n, t};
-    const std::size_t slot = SlotOf({p, n, t});
-    if (slots_[slot] == kFree)
-        slots_[slot] = vertex;
+    int& user = firstUser_[position];
+    if (user == kNoUser) {
+        user = vertex;
+        return;
+    }
+    if (user >= 0) {
+        PushShared(user);
+        user = ~user;
+    }
+    PushShared(vertex);
 }
 
 int FXVectorMap::GetUsed(int p, int n, int t) const {
-    return slots_.empty() ? -1 : slots_[SlotOf({p, n, t})];
+    if (p < 0 || static_cast<std::size_t>(p) >= firstUser_.size())
+        return -1;
+    const int user = firstUser_[static_cast<std::size_t>(p)];
+    if (user >= 0)
+        return GetUsed1(user, n, t);
+    return user == kNoUser ? -1 : slots_[SlotOf({p, n, t})];
 }
 
 int FXVectorMap::GetUsed1(int vertex, int n, int t) const {
@@ -195,7 +222,12 @@ int FXVectorMap::GetUsed1(int vertex, int n, int t) const {
     return triple.n == n && triple.t == t ? vertex : -1;
 }
 
+// Costs what was used, not what there is: a map may serve many small meshes.
 void FXVectorMap::ClearUsed() {
+    for (const Triple& triple : triples_)
+        if (triple.p >= 0)
+            firstUser_[static_cast<std::size_t>(triple.p)] = kNoUser;
     triples_.clear();
     slots_.clear();
+    shared_ = 0;
 }

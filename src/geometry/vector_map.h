@@ -73,11 +73,15 @@ private:
     };
 
     std::size_t SlotOf(const Triple& triple) const;
+    void PushShared(int vertex);
     void GrowSlots();
 
     Index posIndex_, normIndex_, texIndex_;
-    // One vertex record per distinct triple, so the triple finds the vertex: a corner costs the same however
-    // many vertices share its position or its normal.
+    // One vertex per distinct triple, so a triple finds its vertex. Most positions have one user only: it is
+    // looked up by the number of the position. The users of the others stand in a hash, so that a corner
+    // costs the same however many vertices share its position.
     std::vector<Triple> triples_; // by vertex
-    std::vector<int> slots_;      // open hash of vertices, -1 free; a power of two, at most half full
+    std::vector<int> firstUser_;  // by position: none, the one user, or ~user when there are more
+    std::vector<int> slots_;      // open hash of vertices, a power of two, at most half full
+    std::size_t shared_ = 0;      // vertices in it
 };

@@ -1,0 +1,42 @@
+#include "show_stages.h"
+
+#include "platform/clock.h"
+#include "scene/show.h"
+
+namespace {
+
+double now = 1000; // the clock's, seconds; it goes on from stage to stage
+
+double DrawFor(double seconds) {
+    constexpr double kStep = 0.05;
+    for (const double end = now + seconds; now < end; now += kStep)
+        show::sc.OnRender(&show::gr, now);
+    return now;
+}
+
+} // namespace
+
+double EnterStage(int stage) {
+    fxSetTickSource([] { return static_cast<std::uint32_t>(now * 1000); });
+    if (show::demo.waiting)
+        DrawFor(20); // the cube comes after 15 seconds and takes 2
+    show::fire.ReCreate();
+    show::stage = stage;
+    switch (stage) {
+    case show::kDissolving:
+        show::scr_phaser.Restart(now);
+        return DrawFor(1);
+    case show::kBurning:
+        return DrawFor(10); // half of the screen is burnt
+    case show::kPause:
+        show::delay_phaser.Restart(now);
+        return DrawFor(1);
+    default:
+        show::stage = show::kRebuilding;
+        show::reopen.backwards = false;
+        show::reopen.StartAnim(now);
+        while (stage == show::kReturning && show::stage == show::kRebuilding)
+            DrawFor(0.05);
+        return DrawFor(1);
+    }
+}
