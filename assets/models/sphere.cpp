@@ -2,15 +2,13 @@
 #include "models/mesh_builder.h"
 #include "models/models.h"
 #include "pictures/colour.h"
+#include "sun_shape.h"
 
 #include <cmath>
 
 namespace {
 
 constexpr const char* kLibrary = "40";
-// The scene draws the sun as if screens were 4:3. Drawn taller, it is nearly round on 16:9 and still pleases
-// on 4:3.
-constexpr float kSunTall = 1.18f;
 constexpr int kTwoPasses = 1; // far side first, so that the near one blends over it
 
 struct Sphere {

@@ -13,7 +13,6 @@ Raster DrawLens();
 
 // Centred on the sun, which covers kSunShare of the half width. Nothing is left at the inscribed circle, so
 // the rays may turn.
-constexpr float kSunShare = 0.4f;
 Raster DrawHalo();
 Raster DrawRays();
 

@@ -1,6 +1,7 @@
 #include "noise.h"
 #include "pictures/colour.h"
 #include "pictures/pictures.h"
+#include "sun_shape.h"
 
 #include <cmath>
 

@@ -2,6 +2,7 @@
 #include "noise.h"
 #include "pictures/colour.h"
 #include "pictures/pictures.h"
+#include "sun_shape.h"
 
 #include <cmath>
 
@@ -28,8 +29,10 @@ float Fading(float r) {
     return left * left * (3 - 2 * left);
 }
 
+// Hugs the sun, which is taller than wide; the rays turn, and cannot.
 Rgba HaloAt(float px, float py) {
-    const Polar at = PolarAt(px, py);
+    constexpr float kMiddle = kSize / 2.0f;
+    const Polar at = PolarAt(px, kMiddle + (py - kMiddle) / kSunTall);
     const float height = std::max(0.0f, at.r - kSunShare);
     // The corona is never quite even.
     const float breath = 1 + 0.35f * Fbm({at.x * 1.6f, at.y * 1.6f, at.r * 1.2f}, 3, 5);
