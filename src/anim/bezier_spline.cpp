@@ -71,6 +71,7 @@ void FXBezierSpline::PrecomputeCtrlPoints() {
 
 void FXBezierSpline::PrecomputeBeziers() {
     const int n = GetCnt();
+    actKind_ = Kind::Point; // the active segment is gone
     beziers.clear();
     if (n <= 2 || ctrlPoints.count < 6 * n)
         return;
@@ -102,10 +103,10 @@ void FXBezierSpline::UseLine(const float* a, const float* b) {
 
 void FXBezierSpline::SetActPoints(int a, int b) {
     const int n = GetCnt();
-    actKind_ = Kind::Point;
     if (n == 2)
         return UseLine(PointAt(0), PointAt(1));
     if (n < 2) {
+        actKind_ = Kind::Point;
         if (n == 1)
             std::copy_n(PointAt(0), 3, actPoint_);
         return;

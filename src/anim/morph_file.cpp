@@ -20,7 +20,7 @@ constexpr int kPoolStep = 800000;
 constexpr int kSmallestMesh = 32; // a header and an empty pool
 
 // What an entry may ask for, so that no loader costs more than in proportion to its bytes: a mesh in a key
-// frame takes 8 bytes at the least, a corner in a key frame a quarter of one.
+// frame, and a key frame without meshes, takes 8 bytes at the least, a corner in a key frame a quarter of one.
 constexpr std::int64_t kBytesPerMesh = 8;
 constexpr std::int64_t kCornersPerByte = 4;
 // Version 2 names entries, and may name one often.
@@ -36,11 +36,9 @@ bool localSaveFlags(const FXAnim& a, std::FILE* file) {
            std::fwrite(flags, sizeof flags, 1, file) == 1;
 }
 
-std::int64_t localCorners(const FXModel& model) {
-    std::int64_t corners = 0;
-    for (const FXMesh* mesh : model.loadedMeshes)
-        corners += mesh->indexCount;
-    return corners;
+bool localSameLayout(const FXMesh* a, const FXMesh* b) {
+    return a != nullptr && b != nullptr && a->vertexCount == b->vertexCount &&
+           std::equal(a->indices, a->indices + a->indexCount, b->indices, b->indices + b->indexCount);
 }
 
 } // namespace
@@ -111,7 +109,7 @@ void FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d) {
     const std::int64_t bytes = d->size;
     const int frames = frameNames.count;
     const int meshes = std::clamp(d->ReadInt(), 0, d->left / kSmallestMesh);
-    if (frames * std::int64_t{meshes} > bytes / kBytesPerMesh || !models.Realloc(frames))
+    if (frames * std::int64_t{std::max(meshes, 1)} > bytes / kBytesPerMesh || !models.Realloc(frames))
         return;
     for (int f = 0; f < frames; ++f) {
         models.Push(new FXModel);
@@ -124,12 +122,14 @@ void FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d) {
     if (fxglobalEnv != nullptr)
         first.matlib = pck != nullptr ? fxglobalEnv->LoadMatlibC(pck, first.matlibName.text)
                                       : fxglobalEnv->LoadMatlib(first.matlibName.text);
+    std::int64_t corners = 0;
     for (int m = 0; m < meshes; ++m) {
         first.loadedMeshes.Push(new FXMesh);
         first.loadedMeshes[m]->LoadMeshIC(pck, d, first.matlib);
+        corners += first.loadedMeshes[m]->indexCount;
+        if (frames * corners > bytes * kCornersPerByte)
+            return first.Destroy();
     }
-    if (frames * localCorners(first) > bytes * kCornersPerByte)
-        return;
     for (int f = 1; f < frames; ++f) {
         models[f]->ShareMatlib(first.matlib);
         for (int m = 0; m < meshes; ++m) {
@@ -195,9 +195,7 @@ bool FXAnim::Save_v03(std::FILE* file) {
         if (first == nullptr || model == nullptr || model->meshes.count != meshes)
             return false;
         for (int m = 0; m < meshes; ++m) {
-            const FXMesh* mesh = model->meshes[m];
-            if (mesh == nullptr || mesh->vertexCount != first->meshes[m]->vertexCount ||
-                mesh->indexCount != first->meshes[m]->indexCount)
+            if (!localSameLayout(first->meshes[m], model->meshes[m]))
                 return false;
         }
     }
@@ -213,10 +211,9 @@ bool FXAnim::Save_v03(std::FILE* file) {
               (first ? first->matlibName : FXStr()).Save(file);
     ok = ok && (first == nullptr || PackFirstFrame(&map, file, redirects.data()));
     for (int f = 0; f < models.count && ok; ++f) {
-        for (int m = 0; m < meshes && f > 0; ++m) {
-            const FXArray<int>* const redirect[3] = {&redirects[static_cast<std::size_t>(3 * m)],
-                                                     &redirects[static_cast<std::size_t>(3 * m + 1)],
-                                                     &redirects[static_cast<std::size_t>(3 * m + 2)]};
+        const FXArray<int>* numbers = redirects.data();
+        for (int m = 0; m < meshes && f > 0; ++m, numbers += 3) {
+            const FXArray<int>* const redirect[3] = {numbers, numbers + 1, numbers + 2};
             models[f]->meshes[m]->ApplyRedir(&map, redirect);
         }
         ok = map.Save(file);

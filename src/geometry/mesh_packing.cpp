@@ -88,12 +88,13 @@ void FXMesh::DiscardVertices() {
             vertices[v].touched = kept++;
     for (int i = 0; i < indexCount; ++i)
         indices[i] = vertices[indices[i]].touched;
-    std::remove_if(vertices, vertices + vertexCount, [](const tagFXVertex& v) { return v.touched < 0; });
-    vertexCount = kept;
+    const tagFXVertex* end =
+        std::remove_if(vertices, vertices + vertexCount, [](const tagFXVertex& v) { return v.touched < 0; });
+    vertexCount = static_cast<int>(end - vertices);
     // Without memory for a block of the right size, the larger one serves.
-    if (void* fitting = fxRealloc(vertices, static_cast<std::size_t>(kept) * sizeof *vertices)) {
+    if (void* fitting = fxRealloc(vertices, static_cast<std::size_t>(vertexCount) * sizeof *vertices)) {
         vertices = static_cast<tagFXVertex*>(fitting);
-        vertexCapacity = kept;
+        vertexCapacity = vertexCount;
     }
 }
 

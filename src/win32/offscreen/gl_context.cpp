@@ -5,7 +5,6 @@
 #include <EGL/eglext.h>
 
 #include <cstdlib>
-#include <memory>
 
 struct HDC__ {
     EGLConfig config = nullptr;
@@ -39,11 +38,8 @@ EGLConfig FindConfig(EGLDisplay display, int depthBits, int stencilBits) {
     return eglChooseConfig(display, wishes, &config, 1, &count) == EGL_TRUE && count > 0 ? config : nullptr;
 }
 
-} // namespace
-
-EGLDisplay OpenSoftwareDisplay() {
-    setenv("LIBGL_ALWAYS_SOFTWARE", "1",
-           0); // Mesa's own switch; whoever wants a graphics card sets it before
+EGLDisplay OpenDisplay() {
+    setenv("LIBGL_ALWAYS_SOFTWARE", "1", 0); // Mesa's own switch; whoever sets it otherwise is heeded
     EGLDisplay display = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
     if (display == EGL_NO_DISPLAY || eglInitialize(display, nullptr, nullptr) == EGL_FALSE)
         return EGL_NO_DISPLAY;
@@ -51,6 +47,14 @@ EGLDisplay OpenSoftwareDisplay() {
         return display;
     eglTerminate(display);
     return EGL_NO_DISPLAY;
+}
+
+} // namespace
+
+// Kept until the process ends, and the driver with it: unloading that gains nothing and leaks.
+EGLDisplay SoftwareDisplay() {
+    static const EGLDisplay display = OpenDisplay();
+    return display;
 }
 
 HDC GetDC(HWND window) {

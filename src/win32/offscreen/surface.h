@@ -14,6 +14,6 @@ extern OffscreenWindow offscreenWindow;
 
 bool IsOffscreenWindow(HWND window);
 
-// gl_context.cpp: Mesa's renderer that needs no window system, initialised. EGL_NO_DISPLAY when it is
-// missing, or offers no OpenGL.
-EGLDisplay OpenSoftwareDisplay();
+// gl_context.cpp: Mesa's renderer that needs no window system, initialised at the first call. EGL_NO_DISPLAY
+// when it is missing, or offers no OpenGL.
+EGLDisplay SoftwareDisplay();

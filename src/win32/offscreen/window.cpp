@@ -36,16 +36,13 @@ HWND OffscreenOpen(int width, int height) {
     if (offscreenWindow.display != EGL_NO_DISPLAY || width < 1 || height < 1 || width > kLargest ||
         height > kLargest)
         return nullptr;
-    offscreenWindow = {OpenSoftwareDisplay(), width, height};
+    offscreenWindow = {SoftwareDisplay(), width, height};
     return offscreenWindow.display != EGL_NO_DISPLAY ? kTheWindow : nullptr;
 }
 
 void OffscreenClose() {
-    if (offscreenWindow.display != EGL_NO_DISPLAY)
-        eglTerminate(offscreenWindow.display);
     offscreenWindow = {};
     desktop = {};
-    eglReleaseThread();
 }
 
 void OffscreenSetDesktop(const unsigned char* bgrx, int width, int height, int pitch) {

@@ -1,0 +1,133 @@
+#include "film/film_options.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <map>
+
+const char* const kFilmHelp =
+    R"(tamb-film: renders the show without a screen.
+
+usage: tamb-film [options] (--frames FOLDER | --sheet FILE.png)...
+
+what to write (one or both):
+  --frames FOLDER     a PNG file for every frame: frame-00000.png, or at-012.500s.png with --at
+  --sheet FILE.png    a contact sheet: the frames small, each with its time
+  --columns N         columns of the sheet (default: about as many as rows)
+
+which frames:
+  --at T[,T...]       single moments, in seconds after the first frame, rising
+  --from T --to T     every frame between the two (default 0 to 64, about one cycle)
+  --fps N             frames per second (default 25)
+
+how:
+  --size WxH          pixels of a frame (default 1920x1080, at most 8192x8192)
+  --data FOLDER       the folder with the show's package, tamb.dat (default: the installed show)
+  --desktop FILE.png  the desktop that burns (default: the generated desktop, if there is one)
+  --preview           the still of the preview pane instead of the show
+  --quiet             no progress
+  --help              this text
+
+examples:
+  tamb-film --sheet cycle.png --at 0,4,8,12,16,20,45,50,55 --size 960x540
+  tamb-film --frames film --fps 30 --to 70
+)";
+
+namespace {
+
+bool Number(const std::string& text, double low, double high, double* value) {
+    char* end = nullptr;
+    const double read = std::strtod(text.c_str(), &end);
+    if (text.empty() || *end != '\0' || !(read >= low && read <= high))
+        return false;
+    *value = read;
+    return true;
+}
+
+bool Whole(const std::string& text, int low, int high, int* value) {
+    double read = 0;
+    if (!Number(text, low, high, &read) || read != static_cast<int>(read))
+        return false;
+    *value = static_cast<int>(read);
+    return true;
+}
+
+bool Size(const std::string& text, int* width, int* height) {
+    const std::size_t x = text.find('x');
+    return x != std::string::npos && Whole(text.substr(0, x), 1, 8192, width) &&
+           Whole(text.substr(x + 1), 1, 8192, height);
+}
+
+constexpr double kLongest = 24 * 3600; // a day of show
+
+bool Times(const std::string& text, std::vector<double>* times) {
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t comma = std::min(text.find(',', at), text.size());
+        double time = 0;
+        if (!Number(text.substr(at, comma - at), 0, kLongest, &time) ||
+            (!times->empty() && time < times->back()))
+            return false;
+        times->push_back(time);
+        at = comma + 1;
+    }
+    return true;
+}
+
+bool Text(const std::string& text, std::string* value) {
+    *value = text;
+    return !text.empty();
+}
+
+} // namespace
+
+bool ParseFilmOptions(const std::vector<std::string>& arguments, FilmOptions* options, std::string* error) {
+    FilmOptions& o = *options;
+    struct Option {
+        const char* takes;
+        std::function<bool(const std::string&)> read;
+    };
+    const std::map<std::string, Option> valued = {
+        {"--frames", {"a folder", [&](auto& v) { return Text(v, &o.framesFolder); }}},
+        {"--sheet", {"a file", [&](auto& v) { return Text(v, &o.sheet); }}},
+        {"--columns", {"a number from 1 to 100", [&](auto& v) { return Whole(v, 1, 100, &o.columns); }}},
+        {"--at", {"rising seconds with commas, as in 0,2.5,8", [&](auto& v) { return Times(v, &o.times); }}},
+        {"--from", {"seconds", [&](auto& v) { return Number(v, 0, kLongest, &o.from); }}},
+        {"--to", {"seconds", [&](auto& v) { return Number(v, 0, kLongest, &o.to); }}},
+        {"--fps", {"a number from 1 to 240", [&](auto& v) { return Whole(v, 1, 240, &o.framesPerSecond); }}},
+        {"--size",
+         {"a size, as in 1920x1080, at most 8192x8192",
+          [&](auto& v) { return Size(v, &o.width, &o.height); }}},
+        {"--data", {"a folder", [&](auto& v) { return Text(v, &o.dataFolder); }}},
+        {"--desktop", {"a PNG file", [&](auto& v) { return Text(v, &o.desktop); }}},
+    };
+    const std::map<std::string, bool*> flags = {
+        {"--preview", &o.preview}, {"--quiet", &o.quiet}, {"--help", &o.help}, {"-h", &o.help}};
+
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& name = arguments[i];
+        if (const auto flag = flags.find(name); flag != flags.end()) {
+            *flag->second = true;
+            continue;
+        }
+        const auto option = valued.find(name);
+        if (option == valued.end()) {
+            *error = "unknown option '" + name + "'; tamb-film --help lists them";
+            return false;
+        }
+        if (++i == arguments.size() || !option->second.read(arguments[i])) {
+            *error = name + " takes " + option->second.takes +
+                     (i < arguments.size() ? ", not '" + arguments[i] + "'" : std::string());
+            return false;
+        }
+    }
+    if (o.help)
+        return true;
+    if (o.framesFolder.empty() && o.sheet.empty())
+        *error = "nothing to write: give --frames or --sheet (see --help)";
+    else if (o.to < o.from)
+        *error = "--to must not be before --from";
+    else
+        return true;
+    return false;
+}

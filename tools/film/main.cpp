@@ -1,0 +1,109 @@
+// tamb-film: the show as pictures or a contact sheet, without a screen.
+#include "film/contact_sheet.h"
+#include "film/film_options.h"
+#include "film/show_driver.h"
+#include "progress.h"
+#include "show_folder.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+int Fail(const std::string& message) {
+    std::fprintf(stderr, "tamb-film: %s\n", message.c_str());
+    return 1;
+}
+
+std::vector<double> MomentsOf(const FilmOptions& options) {
+    if (!options.times.empty())
+        return options.times;
+    std::vector<double> moments;
+    const double step = 1.0 / options.framesPerSecond;
+    for (int i = 0; options.from + i * step <= options.to + 1e-9; ++i)
+        moments.push_back(options.from + i * step);
+    return moments;
+}
+
+std::string FrameName(const FilmOptions& options, std::size_t number, double seconds) {
+    char name[64];
+    if (options.times.empty())
+        std::snprintf(name, sizeof name, "frame-%05zu.png", number);
+    else
+        std::snprintf(name, sizeof name, "at-%07.3fs.png", seconds);
+    return (fs::path(options.framesFolder) / name).string();
+}
+
+// The scene makes the data folder current, so every name of the user's is resolved before it is built.
+void MakeAbsolute(std::string* name) {
+    if (!name->empty())
+        *name = fs::absolute(*name).string();
+}
+
+bool OpenShow(const FilmOptions& options, ShowDriver* driver, std::string* error) {
+    ShowDriver::Settings settings;
+    settings.width = options.width;
+    settings.height = options.height;
+    settings.preview = options.preview;
+    settings.dataFolder = options.dataFolder;
+    settings.step = std::min(settings.step, 1.0 / options.framesPerSecond);
+    if (!options.desktop.empty() && !ReadPng(options.desktop, &settings.desktop, error))
+        return false;
+    return driver->Open(settings, error);
+}
+
+int Shoot(const FilmOptions& options) {
+    std::string error;
+    ShowDriver driver;
+    if (!OpenShow(options, &driver, &error))
+        return Fail(error);
+
+    const std::vector<double> moments = MomentsOf(options);
+    // A sheet of a whole film shows a bearable number of its frames.
+    const std::size_t sheetStep = options.times.empty() ? std::max<std::size_t>(1, moments.size() / 48) : 1;
+    ContactSheet sheet;
+    Progress progress("frame", moments.size(), !options.quiet);
+    for (std::size_t i = 0; i < moments.size(); ++i) {
+        const Picture frame = driver.FrameAt(moments[i]);
+        if (!options.framesFolder.empty() && !WritePng(FrameName(options, i, moments[i]), frame, &error))
+            return Fail(error);
+        if (!options.sheet.empty() && i % sheetStep == 0)
+            sheet.Add(frame, moments[i]);
+        progress.Done(i + 1);
+    }
+    if (!options.sheet.empty() && !sheet.Write(options.sheet, options.columns, &error))
+        return Fail(error);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    FilmOptions options;
+    std::string error;
+    if (!ParseFilmOptions({argv + 1, argv + argc}, &options, &error)) {
+        std::fprintf(stderr, "tamb-film: %s\n", error.c_str());
+        return 2;
+    }
+    if (options.help) {
+        std::fputs(kFilmHelp, stdout);
+        return 0;
+    }
+    if (options.dataFolder.empty())
+        options.dataFolder = ShowFolder();
+    std::error_code failed;
+    if (!fs::exists(fs::path(options.dataFolder) / "tamb.dat", failed))
+        return Fail("no tamb.dat in '" + options.dataFolder +
+                    "'; --data names the folder that holds the show's package");
+    if (options.desktop.empty() && fs::exists(GeneratedDesktop(), failed))
+        options.desktop = GeneratedDesktop();
+    if (!options.framesFolder.empty() && !fs::is_directory(options.framesFolder, failed) &&
+        !fs::create_directories(options.framesFolder, failed))
+        return Fail(options.framesFolder + ": " + failed.message());
+    for (std::string* name : {&options.dataFolder, &options.desktop, &options.framesFolder, &options.sheet})
+        MakeAbsolute(name);
+    return Shoot(options);
+}

@@ -1,0 +1,25 @@
+#include "show_folder.h"
+
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path Prefix() {
+    std::error_code failed;
+    return fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
+}
+
+} // namespace
+
+std::string ShowFolder() {
+    return (Prefix() / "share" / "tamblor").string();
+}
+
+std::string GeneratedDesktop() {
+    std::error_code failed;
+    const fs::path built = Prefix() / "assets" / "desktop.png";
+    return fs::exists(built, failed) ? built.string()
+                                     : (Prefix() / "share" / "tamblor" / "desktop.png").string();
+}
