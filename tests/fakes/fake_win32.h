@@ -1,0 +1,54 @@
+// A scripted stand-in for the platform: it says what the test tells it to say and writes down what it was
+// asked to do. Threads, locks, the clock and the random numbers are real (the Linux layer's own).
+#pragma once
+
+#include "win32/win32.h"
+
+#include <bit>
+#include <deque>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+// The handle of the window that the program creates; it lives from CreateWindowExA to DestroyWindow.
+inline const HWND kFakeWindow = reinterpret_cast<HWND>(static_cast<UINT_PTR>(0x700));
+
+struct FakeWin32 {
+    // What the platform says.
+    std::string commandLine = "tamblor";
+    DWORD platform = VER_PLATFORM_WIN32_NT;
+    int screenWidth = 1280;
+    int screenHeight = 1024;
+    RECT clientArea = {0, 0, 152, 112}; // any window's
+    std::map<HWND, RECT> windowAreas;   // on the screen; like the client area where there is none
+    HWND parent = nullptr;              // of the program's window, until SetParent
+    POINT pointer = {400, 300};
+    HWND foreground = nullptr;
+    std::set<HWND> windows;                      // other programs'
+    std::map<std::string, std::string> registry; // "key\value": the bytes; under the current user
+    std::map<std::string, std::map<std::string, FARPROC>> modules;
+    std::map<std::string, PROC> glEntryPoints; // by wglGetProcAddress
+    std::set<std::string> failing;             // functions that fail, by name
+
+    // What GetMessageA does, one by one, while no message is posted. With no step left it reports an error.
+    std::deque<std::function<void()>> steps;
+
+    PIXELFORMATDESCRIPTOR pixelFormat = {}; // the last one asked for
+};
+extern FakeWin32 fakeWin32;
+
+void ResetFakeWin32();
+// The window exists, with the class's procedure, without having been created.
+void AdoptFakeWindow(WNDPROC proc);
+
+// A function of the test's as an entry of a module.
+template <class Function> FARPROC FakeEntry(Function* function) {
+    return std::bit_cast<FARPROC>(function);
+}
+
+// What was done since the last call, in order, e.g. "PostQuitMessage(0)"; questions are not written down.
+std::vector<std::string> TakeFakeCalls();
+// Adds to that list; for a test's own fakes.
+void NoteFakeCall(const char* format, ...) __attribute__((format(printf, 1, 2)));

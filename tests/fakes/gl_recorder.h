@@ -1,0 +1,41 @@
+// OpenGL 1.1 and GLU as the product calls them, written down instead of drawn; what a program links in the
+// place of the real libraries.
+#pragma once
+
+#include "win32/win32.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+// One list of calls for the whole process; any thread may call, and take. glGetString only answers and is not
+// written down.
+namespace GLRecorder {
+
+// The calls since the last Take, in order: constants by name, numbers as %g writes them, arrays by their
+// elements and pictures by their first and last pixel, e.g. "glEnable(GL_BLEND)", "glVertex3fv(1,0,0)",
+// "glTexImage2D(GL_TEXTURE_2D,0,4,2,1,0,GL_RGBA,GL_UNSIGNED_BYTE,ff0000ff..00000000)".
+std::vector<std::string> Take();
+
+// While on, calls are not written down and cost next to nothing.
+void SetNullMode(bool on);
+
+// What glGetString answers; null is a driver that gives none.
+struct Driver {
+    const char* vendor = "the vendor";
+    const char* renderer = "the renderer";
+    const char* version = "1.4";
+    const char* extensions = "GL_ARB_multitexture GL_EXT_texture_edge_clamp";
+};
+void SetDriver(const Driver& driver);
+
+// Texture names that glGenTextures gave and glDeleteTextures has not taken back.
+int LiveTextures();
+
+// Forgets the calls and the textures (the next one is 1 again) and puts the usual driver back.
+void Reset();
+
+// glActiveTexture, glMultiTexCoord2f and glMultiTexCoord2fv, which a program looks up by name.
+std::map<std::string, PROC> EntryPoints();
+
+} // namespace GLRecorder

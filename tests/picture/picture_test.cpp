@@ -1,0 +1,131 @@
+// What people see, stage by stage, beside pictures that somebody looked at and found right: references/.
+//
+// After a change that is meant to be seen, run
+//     TAMBLOR_UPDATE_REFERENCES=1 build/release/tests/picture_test
+// look at every picture that changed, and commit them with the change. A failing test leaves the frame it
+// drew, the one it expected and their difference in tests/pictures of the build folder, and names them.
+#include "picture/comparison.h"
+#include "picture/test_show.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <thread>
+
+namespace {
+
+constexpr double kStep = 1.0 / 25;
+constexpr double kLongest = 120; // seconds, of one cycle and a second burn
+
+// Plays frame by frame and knows when the stage began.
+class Play {
+public:
+    void Start(const ShowDriver::Settings& settings) {
+        std::string error;
+        ASSERT_TRUE(driver_.Open(settings, &error)) << error;
+    }
+
+    void RunToStage(int stage) {
+        if (driver_.Stage() == stage)
+            return;
+        for (; driver_.Stage() != stage; now_ += kStep) {
+            ASSERT_LT(now_, kLongest) << "stage " << stage << " does not come";
+            driver_.RunTo(now_ + kStep);
+        }
+        stageStart_ = now_;
+    }
+
+    // The frame so many seconds after the stage's first.
+    Picture FrameAfter(double seconds) {
+        now_ = stageStart_ + seconds;
+        return NextFrame();
+    }
+
+    Picture NextFrame() {
+        Picture frame = driver_.FrameAt(now_);
+        now_ += kStep;
+        return frame;
+    }
+
+    // The frame with which the stage ends.
+    Picture LastFrame() {
+        const int stage = driver_.Stage();
+        Picture frame;
+        while (driver_.Stage() == stage && now_ < kLongest)
+            frame = NextFrame();
+        return frame;
+    }
+
+    // Next to nothing moves from the last frame to this one, so that a jump is the show's own.
+    Picture FrameAtOnce() { return driver_.FrameAt(now_ - kStep + 0.001); }
+
+    int Stage() const { return driver_.Stage(); }
+
+private:
+    ShowDriver driver_;
+    double now_ = 0; // of the next frame
+    double stageStart_ = 0;
+};
+
+class Pictures : public testing::Test {
+protected:
+    void TearDown() override {
+        if (UpdatingReferences())
+            GTEST_SKIP() << "the references are new; nothing was compared with them";
+    }
+};
+
+void ExpectAlike(const std::string& differs) {
+    EXPECT_TRUE(differs.empty()) << differs;
+}
+
+} // namespace
+
+TEST_F(Pictures, OfAWholeCycle) {
+    const struct {
+        const char* name;
+        int stage;
+        double after; // seconds from the stage's first frame
+    } moments[] = {
+        {"desktop-half-faded", 0, 1}, {"burn-early", 1, 5},
+        {"burn-late", 1, 9},          {"pause", 2, 0.4},
+        {"pause-with-cube", 2, 12},   {"morph-embers", 3, 2.5},
+        {"morph-bird", 3, 9},         {"morph-unfolding", 3, 12},
+        {"desktop-returning", 4, 1},
+    };
+    const ShowDriver::Settings settings = TestShow();
+    Play play;
+    ASSERT_NO_FATAL_FAILURE(play.Start(settings));
+    ExpectAlike(DiffersFrom(settings.desktop, "desktop", play.NextFrame())); // nobody sees the show begin
+    for (const auto& moment : moments) {
+        ASSERT_NO_FATAL_FAILURE(play.RunToStage(moment.stage)) << moment.name;
+        ExpectAlike(DiffersFromReference(moment.name, play.FrameAfter(moment.after)));
+        EXPECT_EQ(play.Stage(), moment.stage) << moment.name << " is too late: its stage is over";
+    }
+
+    // The morph ends as the desktop, and the desktop that burns next takes over from it unseen.
+    const Picture last = play.LastFrame();
+    ASSERT_EQ(play.Stage(), 0);
+    ExpectAlike(DiffersFrom(last, "next-cycle", play.FrameAtOnce()));
+    ASSERT_NO_FATAL_FAILURE(play.RunToStage(1));
+    ExpectAlike(DiffersFromReference("burn-again", play.FrameAfter(5)));
+}
+
+TEST_F(Pictures, OfThePreview) {
+    ShowDriver::Settings settings = TestShow();
+    settings.preview = true;
+    Play play;
+    ASSERT_NO_FATAL_FAILURE(play.Start(settings));
+    Picture frame;
+    std::thread([&] { frame = play.NextFrame(); }).join(); // as in the saver: not on the thread that built it
+    ExpectAlike(DiffersFromReference("preview", frame));
+}
+
+// Mesa leaves out what is younger than the year; multitexture came in 1998.
+TEST_F(Pictures, OfAShowOnPoorOpenGl) {
+    ASSERT_EQ(setenv("MESA_EXTENSION_MAX_YEAR", "1997", 1), 0);
+    Play play;
+    ASSERT_NO_FATAL_FAILURE(play.Start(TestShow()));
+    unsetenv("MESA_EXTENSION_MAX_YEAR");
+    ExpectAlike(DiffersFromReference("error", play.FrameAfter(1)));
+}

@@ -1,0 +1,119 @@
+#include "base/arrays.h"
+#include "base/file_handle.h"
+#include "base/str_array.h"
+#include "unit/temp_folder.h"
+
+#include <functional>
+
+namespace {
+
+struct AllocLimit {
+    explicit AllocLimit(std::size_t bytes) { fxSetAllocLimit(bytes); }
+    ~AllocLimit() { fxSetAllocLimit(0); }
+};
+
+TEST(Array, GrowsByItsStep) {
+    const int cases[][3] = {{1, 3, 3}, {16, 3, 16}, {16, 17, 32}, {0, 2, 2}, {-5, 2, 2}};
+    for (const auto& [step, pushes, capacity] : cases) {
+        FXArray<int> a(step);
+        for (int i = 0; i < pushes; ++i)
+            a.Push(i);
+        EXPECT_EQ(a.count, pushes);
+        EXPECT_EQ(a.capacity, capacity) << step;
+        a.DestroyBuf();
+        EXPECT_EQ(a.Pop() + a.First() + a.Last() + a.capacity, 0);
+    }
+    EXPECT_EQ(fxPower2(-3) + fxPower2(1), 2);
+    EXPECT_EQ(fxPower2(1024) + fxPower2(1025), 1024 + 2048);
+}
+
+TEST(Array, EditsAndIgnoresPlacesOutside) {
+    using A = FXArray<int>;
+    const std::pair<std::function<void(A&)>, std::vector<int>> cases[] = {
+        {[](A& a) { a.Insert(0, 9), a.Insert(3, 9), a.Insert(5, 8); }, {9, 1, 2, 9, 1, 8}},
+        {[](A& a) { a.Insert(-5, 9), a.Insert(7, 8); }, {1, 2, 1, 9, 8}},
+        {[](A& a) { a.Remove(1), a.Remove(7); }, {2, 1}},
+        {[](A& a) { a.RemovePos(2), a.RemovePos(2), a.RemovePos(-1); }, {1, 2}},
+        {[](A& a) { a.MovePos(0, 1); }, {2, 1, 1}},
+        {[](A& a) { a.MovePos(2, -1); }, {1, 1, 2}},
+        {[](A& a) { a.MovePos(2, 1), a.MovePos(0, -1), a.MovePos(-1, 1), a.MovePos(1, 0); }, {1, 2, 1}},
+    };
+    for (const auto& [edit, to] : cases) {
+        A a;
+        for (const int v : {1, 2, 1})
+            a.Push(v);
+        edit(a);
+        EXPECT_EQ(std::vector<int>(a.begin(), a.end()), to);
+    }
+}
+
+TEST(Array, WithoutMemoryStaysAsItIs) {
+    const AllocLimit limit(32);
+    FXArray<int> a;
+    for (int i = 0; i < 20; ++i)
+        a.Push(i);
+    a.Insert(0, 7);
+    EXPECT_EQ(a.count, 8);
+    EXPECT_EQ(a.First() + a.Last(), 7);
+    FXStrArray strings;
+    strings.Push("kept");
+    strings.Push(std::string(100, 'x').c_str());
+    strings.Change(0, std::string(100, 'x').c_str());
+    EXPECT_EQ(strings.count, 1);
+    EXPECT_STREQ(strings.Get(0), "kept");
+}
+
+TEST(Array, RecordsComeBackAndACountThatLiesCostsNoMemory) {
+    const TempFolder folder;
+    const AllocLimit limit(4096);
+    for (const int count : {2, 0, INT_MAX, 3, -1}) {
+        FXFile file = fxOpenFile(folder.Write("record", Ints({count, 1, 2})).c_str(), "rb");
+        FXArray<int> a;
+        a.Push(9);
+        EXPECT_EQ(a.Load(file.get()), count == 2 || count == 0);
+        EXPECT_EQ(std::vector<int>(a.begin(), a.end()),
+                  count > 0 ? (std::vector<int>{1, 2}) : std::vector<int>{});
+        file = fxOpenFile(folder.File("saved").c_str(), "wb");
+        EXPECT_TRUE(a.Save(file.get()) && fxCloseWritten(std::move(file)));
+        EXPECT_EQ(folder.Read("saved"), count > 0 ? Ints({2, 1, 2}) : Ints({0}));
+    }
+}
+
+TEST(StrArray, OwnsItsStrings) {
+    FXStrArray a;
+    std::string changing = "one";
+    a.Push(changing.c_str());
+    changing = "two";
+    a.Push("");
+    a.Insert(1, "half");
+    EXPECT_STREQ(a.Get(0), "one");
+    EXPECT_EQ(a.items[2], nullptr);
+    EXPECT_EQ(a.Findpos("") + a.Findpos(nullptr), 2 + 2);
+    EXPECT_EQ(a.Findpos("One"), -1);
+    a.Change(2, "four");
+    a.Change(3, "five");
+    a.RemovePos(1);
+    a.Pop();
+    EXPECT_EQ(a.count, 1);
+}
+
+TEST(StrArray, RecordsComeBackAndALengthThatLiesCostsNoMemory) {
+    const TempFolder folder;
+    const std::string longer(3000, 'x');
+    const std::string record = Ints({3, 2}) + "ab" + Ints({0, 3000}) + longer;
+    FXStrArray a;
+    FXFile file = fxOpenFile(folder.Write("record", record).c_str(), "rb");
+    EXPECT_TRUE(a.Load(file.get()));
+    EXPECT_EQ(a.items[1], nullptr);
+    EXPECT_EQ(a.Get(2), longer);
+    file = fxOpenFile(folder.File("saved").c_str(), "wb");
+    EXPECT_TRUE(a.Save(file.get()) && fxCloseWritten(std::move(file)));
+    EXPECT_EQ(folder.Read("saved"), record);
+    const AllocLimit limit(4096);
+    file = fxOpenFile(folder.Write("lie", Ints({2, 1}) + "a" + Ints({INT_MAX}) + "b").c_str(), "rb");
+    EXPECT_FALSE(a.Load(file.get()));
+    EXPECT_EQ(a.count, 1);
+    EXPECT_EQ(std::fgetc(file.get()), EOF) << "what was there has been read, piece by piece";
+}
+
+} // namespace

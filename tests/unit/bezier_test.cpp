@@ -1,0 +1,249 @@
+#include "anim/bezier_spline.h"
+#include "anim/spline_set.h"
+#include "base/memory.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <climits>
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Point = std::array<float, 3>;
+
+void ExpectNear(const Point& actual, const Point& expected, float tolerance = 1e-6f) {
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        EXPECT_NEAR(actual[axis], expected[axis], tolerance) << "axis " << axis;
+}
+
+struct Shape {
+    bool closed = false;
+    bool linear = false;
+    float tension = 1;
+};
+
+void Fill(FXBezierSpline* spline, const std::vector<Point>& points, const Shape& shape = {}) {
+    spline->closed = shape.closed;
+    spline->linear = shape.linear;
+    spline->tension = shape.tension;
+    for (const Point& point : points)
+        for (const float x : point)
+            spline->points.Push(x);
+    spline->Precompute();
+    spline->PrecomputePhasesLenght();
+}
+
+Point At(const FXBezierSpline& spline, float t) {
+    Point point;
+    spline.Get(point.data(), t);
+    return point;
+}
+Point AtAll(FXBezierSpline* spline, float phase) {
+    Point point;
+    spline->GetAll(point.data(), phase);
+    return point;
+}
+
+std::vector<Point> RandomPoints(int count) {
+    static std::mt19937 random(1);
+    std::uniform_real_distribution<float> place(-1, 1);
+    std::vector<Point> points(static_cast<std::size_t>(count));
+    for (Point& point : points)
+        for (float& x : point)
+            x = place(random);
+    return points;
+}
+
+TEST(Spline, TangentsLieAlongTheLineBetweenTheNeighbours) {
+    const float s = 1 / std::sqrt(5.0f); // a step along (1, 2), half the first chord long
+    for (const float tension : {1.0f, 0.5f, 0.0f}) {
+        FXBezierSpline spline;
+        Fill(&spline, {{0, 0, 0}, {2, 0, 0}, {2, 4, 0}}, {.tension = tension});
+        const auto control = [&](int i) {
+            return Point{spline.ctrlPoints[3 * i], spline.ctrlPoints[3 * i + 1]};
+        };
+        ExpectNear(control(2), {2 - s * tension, -2 * s * tension});
+        ExpectNear(control(3), {2 + 2 * s * tension, 4 * s * tension});
+        ExpectNear(control(0), {0, 5 * s * tension}); // the last point goes before the first
+        ExpectNear(control(5), {2 - 5 * s * tension, 4});
+    }
+}
+
+TEST(Spline, SegmentsOfABentLine) {
+    const float s = std::sqrt(0.125f); // half a chord along the diagonal
+    const struct {
+        const char* what;
+        Shape shape;
+        int a, b;
+        Point begin, quarter, end;
+    } cases[] = {
+        {"the first", {}, 0, 1, {0, 0}, {(7 - 6 * s) / 16, -6 * s / 16}, {1, 0}},
+        {"the last", {}, 1, 2, {1, 0}, {(16 + 6 * s) / 16, (1 + 6 * s) / 16}, {1, 1}},
+        {"the last by its short name", {}, 1, -1, {1, 0}, {(16 + 6 * s) / 16, (1 + 6 * s) / 16}, {1, 1}},
+        {"closed", {true}, 1, 2, {1, 0}, {(68.5f + 27 * s) / 64, (10 + 27 * s) / 64}, {1, 1}},
+        {"no tension", {true, false, 0}, 0, 1, {0, 0}, {10 / 64.0f, 0}, {1, 0}},
+        {"straight", {true, true}, -1, 0, {1, 1}, {0.75f, 0.75f}, {0, 0}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        FXBezierSpline spline;
+        Fill(&spline, {{0, 0}, {1, 0}, {1, 1}}, c.shape);
+        spline.SetActPoints(c.a, c.b);
+        for (const auto& [a, b] : {std::pair{3, 0}, {0, 3}, {-2, 0}, {INT_MAX, INT_MIN}})
+            spline.SetActPoints(a, b); // no segments: nothing changes
+        ExpectNear(At(spline, 0), c.begin);
+        ExpectNear(At(spline, 0.25f), c.quarter);
+        ExpectNear(At(spline, 1), c.end);
+    }
+}
+
+TEST(Spline, OfFewPoints) {
+    const struct {
+        std::vector<Point> points;
+        Point atQuarter;
+    } kCases[] = {{{}, {0, 0, 0}},
+                  {{{1, 2, 3}}, {1, 2, 3}},
+                  {{{1, 2, 3}, {5, 2, 1}}, {2, 2, 2.5f}},
+                  {{{1, 2, 3}, {1, 2, 3}}, {1, 2, 3}},
+                  {{{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}, {1, 2, 3}}};
+    for (const auto& c : kCases)
+        for (const Shape& shape : {Shape{}, Shape{.closed = true}, Shape{.linear = true}}) {
+            FXBezierSpline spline;
+            Fill(&spline, c.points, shape);
+            for (const auto& [a, b] : {std::pair{0, 1}, {1, 0}, {-1, 0}, {7, 9}}) {
+                spline.SetActPoints(a, b);
+                ExpectNear(At(spline, 0.25f), c.atQuarter);
+            }
+            EXPECT_TRUE(std::isfinite(AtAll(&spline, 0.4f)[0]));
+            spline.Destroy();
+            ExpectNear(AtAll(&spline, 0.5f), {0, 0, 0});
+        }
+}
+
+TEST(Spline, PhasesFollowTheChordsOrTheCount) {
+    const struct {
+        std::vector<Point> points;
+        bool closed;
+        std::vector<float> phases, linear;
+        float length, segment;
+    } kCases[] = {
+        {{{0}, {1}, {3}}, false, {0, 1 / 3.0f, 1}, {0, 0.5f, 1}, 3, 1.5f},
+        {{{0}, {1}, {3}}, true, {0, 1 / 6.0f, 0.5f}, {0, 0.5f, 1}, 6, 2},
+        {{{1}, {1}, {1}}, false, {0, 0, 0}, {0, 0.5f, 1}, 0, 0},
+        {{{1}}, false, {0}, {0}, 0, 0},
+    };
+    for (const auto& c : kCases) {
+        FXBezierSpline spline;
+        Fill(&spline, c.points, {.closed = c.closed});
+        EXPECT_EQ(std::vector<float>(spline.phases.begin(), spline.phases.end()), c.phases);
+        EXPECT_TRUE(spline.length == c.length && spline.avgSegment == c.segment);
+        spline.PrecomputePhasesLinear();
+        EXPECT_EQ(std::vector<float>(spline.phases.begin(), spline.phases.end()), c.linear);
+    }
+}
+
+TEST(Spline, IsEvaluatedOverItsWholeLength) {
+    const struct {
+        float phase, open, closed; // x on 0, 1, 3 and back
+    } kCases[] = {{0.5f, 1.5f, 3},      {1 / 3.0f, 1, 2},  {1, 3, 0}, {0, 0, 0},
+                  {0.75f, 2.25f, 1.5f}, {-1, 0, 0},        {2, 3, 0}, {std::nanf(""), 0, 0},
+                  {HUGE_VALF, 3, 0},    {-HUGE_VALF, 0, 0}};
+    FXBezierSpline open, closed;
+    Fill(&open, {{0}, {1}, {3}}, {false, true});
+    Fill(&closed, {{0}, {1}, {3}}, {true, true});
+    for (const auto& c : kCases) { // in this order: the walk starts where the last one ended
+        ExpectNear(AtAll(&open, c.phase), {c.open});
+        ExpectNear(AtAll(&closed, c.phase), {c.closed});
+    }
+}
+
+TEST(Spline, TravelsWithoutAJumpOrACorner) {
+    FXBezierSpline spline;
+    Fill(&spline, RandomPoints(20), {.closed = true});
+    Point last = AtAll(&spline, 0.9998f);
+    Point lastStep = {};
+    for (int i = 0; i < 10000; ++i) { // twice around
+        const Point at = AtAll(&spline, static_cast<float>(i % 5000) / 5000);
+        float along = 0, one = 0, other = 0;
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const float step = at[axis] - last[axis];
+            ASSERT_LE(std::abs(step), 3 * spline.length / 5000) << i;
+            along += step * lastStep[axis];
+            one += step * step;
+            other += lastStep[axis] * lastStep[axis];
+            lastStep[axis] = step;
+        }
+        ASSERT_GE(along, 0.95f * std::sqrt(one * other)) << i;
+        last = at;
+    }
+}
+
+TEST(SplineSet, GivesWhatTheSplinesGive) {
+    constexpr int kSplines = 7;
+    for (const int points : {1, 2, 3, 4, 6})
+        for (int variant = 0; variant < 8; ++variant) {
+            const Shape shape = {(variant & 1) != 0, (variant & 2) != 0, (variant & 4) != 0 ? 0.4f : 1.0f};
+            FXBezierSpline splines[kSplines];
+            FXSplineSet set;
+            ASSERT_TRUE(set.Create(kSplines, points));
+            set.closed = shape.closed;
+            set.linear = shape.linear;
+            set.tension = shape.tension;
+            for (int s = 0; s < kSplines; ++s) {
+                std::vector<Point> through = RandomPoints(points);
+                if (s == 3 && points > 1)
+                    through[1] = through[0]; // stands still for a segment
+                Fill(&splines[s], through, shape);
+                for (int p = 0; p < points; ++p)
+                    set.SetPoint(s, p, through[static_cast<std::size_t>(p)].data());
+            }
+            for (int from = -1; from < points; ++from)
+                for (const int to : {(from + 1 + points) % points, from > 0 ? from - 1 : -1}) {
+                    SCOPED_TRACE(testing::Message()
+                                 << points << " points, variant " << variant << ", " << from << " to " << to);
+                    if (points > 1 && (from + points) % points == (to + points) % points)
+                        continue; // no segment
+                    set.SetActPoints(from, to);
+                    for (const float t : {0.0f, 0.3f, 1.0f}) {
+                        FXBezierPhaseH h;
+                        h.Prepare(t);
+                        float out[kSplines][4] = {}; // the last float of each is not the set's
+                        set.GetH(2, kSplines - 2, out[2], 4, &h);
+                        set.GetH(0, 2, out[0], 4, &h);
+                        for (int s = 0; s < kSplines; ++s) {
+                            splines[s].SetActPoints(from, to);
+                            ExpectNear({out[s][0], out[s][1], out[s][2]}, At(splines[s], t));
+                            EXPECT_EQ(out[s][3], 0.0f);
+                        }
+                    }
+                }
+        }
+}
+
+TEST(SplineSet, WithoutMemoryOrPointsIsEmpty) {
+    const struct {
+        int splines, points;
+        std::size_t largestBlock;
+        bool created;
+    } kCases[] = {{1000, 3, 35999, false}, // no room for the points,
+                  {1000, 3, 36000, false}, // or for the segments
+                  {INT_MAX / 2, 3, 0, false},
+                  {0, 3, 0, true},
+                  {3, 0, 0, true}};
+    FXSplineSet set;
+    for (const auto& c : kCases) {
+        EXPECT_TRUE(set.Create(1000, 3) && set.GetCnt() == 1000);
+        fxSetAllocLimit(c.largestBlock);
+        EXPECT_EQ(set.Create(c.splines, c.points), c.created);
+        fxSetAllocLimit(0);
+        EXPECT_EQ(set.GetCnt(), 0);
+        const FXBezierPhaseH h;
+        set.SetActPoints(0, 1);
+        set.GetH(0, 0, nullptr, 3, &h);
+    }
+}
+
+} // namespace

@@ -1,0 +1,243 @@
+#include "base/memory.h"
+#include "image/material.h"
+#include "platform/clock.h"
+#include "scene/burning_desk.h"
+#include "unit/recorded_device.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+using Floats = std::vector<float>;
+
+Floats ValuesOf(const FXFloatArray& array) {
+    return {array.begin(), array.end()};
+}
+void SetAll(FXFloatArray* array, float value) {
+    std::fill(array->begin(), array->end(), value);
+}
+
+// 64 directions.
+class Burning : public testing::Test {
+protected:
+    Burning() {
+        fxSetTickSource([] { return std::uint32_t{12345}; });
+        GLRecorder::SetNullMode(true);
+        fire_.Create(64);
+    }
+    ~Burning() override {
+        GLRecorder::SetNullMode(false);
+        fxSetTickSource(nullptr);
+    }
+    void Render(double time) { fire_.OnRender(&device_.gl, time); }
+    tagFXVertex& At(int ring, int direction) {
+        return fire_.desk.mesh.vertices[ring * (fire_.num + 1) + direction];
+    }
+    float& Dist(int ring, int direction) { return fire_.dists[ring * fire_.num + direction]; }
+
+    RecordedDevice<> device_;
+    FXFireDesk fire_;
+};
+
+TEST_F(Burning, BeginsWithTheHoleClosedAndMovesNothingInItsFirstFrame) {
+    const std::array<float, 4> kBrown = {0.50196f, 0.38824f, 0.26667f, 1};
+    const std::array<float, 4> kWhite = {1, 1, 1, 1};
+    const std::array<float, 4> kColors[] = {
+        {0, 0, 0, 0}, {0, 0, 0, 1}, {0, 0, 0, 1}, {1, 0, 0, 1},
+        {1, 0, 0, 1}, kBrown,       kBrown,       {0.75098f, 0.69412f, 0.63333f, 1},
+        kWhite,       kWhite};
+    EXPECT_TRUE(fire_.desk.mesh.vertexCount == 650 && fire_.desk.mesh.colorMode == 1);
+    for (int r = 0; r < 10; ++r)
+        for (const int i : {0, 1, 63, 64}) // and the seam, which stays white
+            for (std::size_t c = 0; c < 4; ++c)
+                EXPECT_NEAR(At(r, i).color[c], i < 64 ? kColors[r][c] : 1.0f, 1e-5) << r << ", " << i;
+    for (int burn = 0; burn < 2; ++burn, fire_.ReCreate()) {
+        EXPECT_EQ(ValuesOf(fire_.speeds), Floats(9 * 64, 1.0f));
+        Render(1000 + 100 * burn);
+        for (int r = 0; r < 9; ++r)
+            for (int i = 0; i < 64; ++i)
+                EXPECT_NEAR(Dist(r, i), static_cast<float>(r - 2) * 0.01f, 1e-7);
+        EXPECT_NE(ValuesOf(fire_.speeds), Floats(9 * 64, 1.0f)) << "speeds are there";
+        EXPECT_FALSE(fire_.done);
+        Render(1050 + 100 * burn);
+        EXPECT_TRUE(fire_.done);
+    }
+    EXPECT_FALSE(fire_.done);
+}
+
+TEST_F(Burning, MakesNewSpeedsAfterMoreThanHalfASecond) {
+    const std::pair<double, bool> kFrames[] = {{1000, true},         {1000.25, false}, {1000.5, false},
+                                               {1000.5078125, true}, {1001, false},    {1001.015625, true}};
+    for (const auto& [time, renewed] : kFrames) {
+        const Floats before = ValuesOf(fire_.speeds);
+        Render(time);
+        EXPECT_EQ(ValuesOf(fire_.speeds) != before, renewed) << time;
+    }
+}
+
+TEST_F(Burning, AdvancesWithTheSquareOfTheTime) {
+    SetAll(&fire_.speeds, 0.7f);
+    fire_.UpdatePositions(1000);
+    fire_.UpdatePositions(1009.98);
+    const float before[] = {Dist(1, 5), Dist(8, 5)};
+    fire_.UpdatePositions(1010);
+    EXPECT_NEAR(Dist(1, 5) - before[0], 0.7f * 0.02f * 100 / 900, 2e-6);
+    EXPECT_NEAR(Dist(8, 5) - before[1], 0.7f * 0.02f * 100 / 900, 2e-6);
+}
+
+TEST_F(Burning, KeepsItsBands) {
+    const float kLeast[] = {1, 1, 0.01f, 0.01f, 0.99f, 0.01f, 3, 3};
+    const float kGreatest[] = {1, 2, 0.01f, 0.01f, 0.99f, 0.01f, 6, 6};
+    Render(0);
+    for (const double time : {0.01, 0.02, 3.0, 3.02, 9.0, 9.3}) {
+        Render(time);
+        for (int i = 0; i < 64; ++i)
+            for (int r = 0; r < 8; ++r) {
+                const float width = (Dist(r + 1, i) - Dist(r, i)) / 0.01f;
+                EXPECT_TRUE(kLeast[r] - 1e-4f <= width && width <= kGreatest[r] + 1e-4f)
+                    << time << ", ring " << r << ": " << width;
+            }
+    }
+}
+
+TEST_F(Burning, GoesOutWhenNoMovingVertexIsOnTheScreen) {
+    const struct {
+        int direction;
+        float distance; // of one vertex; all the others are far away
+        bool done;
+    } kCases[] = {{0, 1.0001f, true}, {0, 1, false}, {0, -1, false}, {0, -1.0001f, true}, {7, 0.5f, false}};
+    for (const auto& c : kCases)
+        for (const int ring : {0, 8}) {
+            fire_.ReCreate();
+            SetAll(&fire_.dists, 3);
+            Dist(ring, c.direction) = c.distance;
+            fire_.UpdatePositions(0);
+            EXPECT_EQ(fire_.done, c.done) << c.distance << ", ring " << ring;
+        }
+}
+
+TEST_F(Burning, LastsAsLongAsItsSpeedsSay) {
+    fxSetAllocLimit(1); // nothing is allocated any more
+    SetAll(&fire_.speeds, 0.7f);
+    double time = 0;
+    for (; !fire_.done && time < 30; time += 0.02)
+        fire_.UpdatePositions(time);
+    EXPECT_NEAR(time, 17.65, 0.15) << "to the corners";
+    fire_.ReCreate();
+    for (time = 0; !fire_.done && time < 30; time += 0.02)
+        Render(time);
+    EXPECT_TRUE(5 < time && time < 17) << "the bumps make it faster: " << time;
+    fxSetAllocLimit(0);
+}
+
+TEST_F(Burning, PictureStaysWhileTheGridRuns) {
+    FXMaterial material;
+    material.extentU = 0.75f;
+    material.extentV = 0.5f;
+    const struct {
+        FXMaterial* material;
+        bool prepared;
+        float u, v; // at the lower right corner of the screen
+    } cases[] = {{nullptr, false, 1, 1}, {&material, false, 1, 1}, {&material, true, 0.75f, 0.5f}};
+    for (const auto& c : cases) {
+        material.prepared = c.prepared;
+        fire_.ReCreate();
+        fire_.desk.SetMaterial(c.material);
+        Render(0);
+        Render(8);
+        for (int r = 0; r < 10; ++r)
+            for (int i = 0; i <= 64; ++i) { // the last one is the first again
+                const tagFXVertex& v = At(r, i);
+                const float d = r < 9 ? Dist(r, i % 64) : 2;
+                const float angle = static_cast<float>(i % 64) * 6.283f / 63;
+                EXPECT_NEAR(v.pos[0], d * std::sin(angle), 1e-6);
+                EXPECT_NEAR(v.pos[1], d * std::cos(angle), 1e-6);
+                EXPECT_NEAR(v.tex[0], (v.pos[0] + 1) / 2 * c.u, 1e-6);
+                EXPECT_NEAR(v.tex[1], (1 - v.pos[1]) / 2 * c.v, 1e-6);
+            }
+    }
+    material.prepared = false;
+}
+
+TEST_F(Burning, GlowsByItsSpeed) {
+    for (const float speed : {0.7f, 1.2f, 9.0f}) {
+        SetAll(&fire_.speeds, speed);
+        const std::vector<tagFXVertex> before(&At(3, 0), &At(5, 0));
+        fire_.UpdatePositions(0);
+        float previous = 0, least = 1, greatest = 0;
+        for (int at = 0; at < 128; ++at) { // both rings of a direction, then the next direction
+            const int r = 3 + at % 2, i = at / 2;
+            const auto target = [&](int c) { // what the colour has moved towards, by three percent
+                return (At(r, i).color[c] * 100 -
+                        before[static_cast<std::size_t>((r - 3) * 65 + i)].color[c] * 97) /
+                       3;
+            };
+            const float glow = target(1) > 0.001f ? target(1) / 2 + 0.5f : target(0) / 1.6f;
+            EXPECT_NEAR(target(2), 0, 1e-4);
+            EXPECT_NEAR(glow, previous, 0.1005f) << "a step at most";
+            previous = glow;
+            least = std::min(least, at < 16 ? 1 : glow); // the first ones rise from 0
+            greatest = std::max(greatest, glow);
+        }
+        const float base = std::min((speed - 0.7f) * 0.8f, 1.0f);
+        EXPECT_NEAR(least, base, 0.04f);
+        EXPECT_NEAR(greatest, std::min(base + 0.2f, 1.0f), 0.04f) << "flickers";
+    }
+}
+
+TEST_F(Burning, SpeedsAreBumpsOfThreeSizesOverTheBase) {
+    const struct {
+        void (FXFireDesk::*update)();
+        float most;         // that all its bumps add up to
+        float leastAverage; // share of directions times mean height
+    } kCases[] = {{&FXFireDesk::UpdateSpeeds1, 1.6f, 0.18f},
+                  {&FXFireDesk::UpdateSpeeds2, 3.2f, 0.18f},
+                  {&FXFireDesk::UpdateSpeeds3, 5.4f, 0.12f},
+                  {&FXFireDesk::UpdateSpeeds1, 1.6f, 0.18f}}; // afresh
+    fire_.Create(1024);
+    for (const auto& c : kCases) {
+        const bool afresh = c.update == &FXFireDesk::UpdateSpeeds1;
+        const Floats before = afresh ? Floats(9 * 1024, 0.7f) : ValuesOf(fire_.speeds);
+        (fire_.*c.update)();
+        for (int r = 0; r < 9; ++r) {
+            float sum = 0, most = 0;
+            for (int i = r * 1024; i < r * 1024 + 1024; ++i) {
+                const float bump = fire_.speeds[i] - before[static_cast<std::size_t>(i)];
+                ASSERT_TRUE(-1e-6f < bump && bump < c.most) << bump;
+                sum += bump / 1024;
+                most = std::max(most, bump);
+            }
+            EXPECT_GT(sum, c.leastAverage);
+            EXPECT_GT(most, 0.45f) << "a whole bump";
+        }
+    }
+}
+
+TEST_F(Burning, OfFewDirectionsBurnsOut) {
+    for (const int directions : {-7, 0, 1, 2, 3, 5, 18, 38, 39}) {
+        fire_.Create(directions);
+        for (double time = 0; time < 30 && !fire_.done; time += 0.1)
+            Render(time);
+        EXPECT_TRUE(fire_.done && fire_.num == std::max(directions, 2)) << directions;
+        EXPECT_TRUE(std::isfinite(Dist(8, 1)));
+    }
+}
+
+TEST_F(Burning, WithoutMemoryIsDoneAtOnce) {
+    for (const std::size_t limit : {1u, 650u * 76u - 1u, 0u}) {
+        fxSetAllocLimit(limit);
+        fire_.Create(64);
+        fxSetAllocLimit(0);
+        for (int frame = 0; frame < 3; ++frame) {
+            fire_.ReCreate();
+            Render(frame);
+            EXPECT_EQ(fire_.done, limit != 0);
+        }
+    }
+}
+
+} // namespace

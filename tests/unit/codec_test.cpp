@@ -1,0 +1,227 @@
+// The codec bridge with the real library.
+#include "image/canvas.h"
+#include "image/codec.h"
+#include "image/colors.h"
+#include "unit/test_package.h"
+#include "unit/trace_lines.h"
+
+#include <cstdlib>
+
+namespace {
+
+// 2 x 1 pixels, (200,100,50) both.
+const std::string kGifFile = {"GIF89a\2\0\1\0\x80\0\0\xc8\x64\x32\0\0\0,\0\0\0\0\2\0\1\0\0\2\2\4\n\0;", 35};
+
+// The file that the library itself writes: w x h pixels of one colour.
+std::string SavedByTheLibrary(const TempFolder& folder, const std::string& extension, std::uint32_t pixel) {
+    constexpr ILuint kWidth = 3, kHeight = 2;
+    std::uint32_t pixels[kWidth * kHeight];
+    std::fill(std::begin(pixels), std::end(pixels), pixel);
+    ILuint image = 0;
+    fxCodec.ilGenImages(1, &image);
+    fxCodec.ilBindImage(image);
+    fxCodec.ilTexImage(kWidth, kHeight, 1, 4, IL_RGBA, IL_UNSIGNED_BYTE, pixels);
+    EXPECT_TRUE(fxCodec.ilSaveImage(folder.File("saved." + extension).c_str()));
+    fxCodec.ilDeleteImages(1, &image);
+    return folder.Read("saved." + extension);
+}
+
+class Codec : public testing::Test {
+protected:
+    Codec() { EXPECT_TRUE(fxLoadDevil()); }
+    ~Codec() override { fxUnloadDevil(); }
+
+    void Load(const std::vector<TestEntry>& entries) { LoadTestPackage(package_, folder_, entries); }
+
+    TempFolder folder_;
+    FXPackage package_;
+};
+
+TEST_F(Codec, DecodesEveryFormatOfThePackage) {
+    constexpr std::uint32_t kHalf = 0x803264C8; // (200, 100, 50) half transparent
+    const struct {
+        int type;
+        std::string file;
+        int width, height;
+        bool alpha;
+        int tolerance; // of a channel
+    } cases[] = {
+        {kPng, SavedByTheLibrary(folder_, "png", kHalf), 3, 2, true, 0},
+        {kTga, SavedByTheLibrary(folder_, "tga", kHalf), 3, 2, true, 0},
+        {kBmp, SavedByTheLibrary(folder_, "bmp", kHalf), 3, 2, false, 0},
+        {kJpeg, SavedByTheLibrary(folder_, "jpg", kHalf), 3, 2, false, 4},
+        {kGif, kGifFile, 2, 1, false, 0},
+    };
+    for (const auto& c : cases) {
+        Load({{1, c.type, c.file}});
+        FXCanvas canvas;
+        canvas.opaque = c.alpha; // as of another picture
+        ASSERT_TRUE(canvas.CreateFromPictCN(&package_, 1)) << std::hex << c.type;
+        EXPECT_EQ(canvas.GetWidth(), c.width) << std::hex << c.type;
+        EXPECT_EQ(canvas.GetHeight(), c.height) << std::hex << c.type;
+        EXPECT_EQ(canvas.opaque, !c.alpha) << std::hex << c.type;
+        for (int i = 0; i < 4; ++i) {
+            const int expected = i == 3 && !c.alpha ? 255 : static_cast<int>(kHalf >> 8 * i & 255);
+            for (const std::uint32_t pixel : {canvas.pixels[0], canvas.pixels[c.width - 1]})
+                EXPECT_NEAR(static_cast<int>(pixel >> 8 * i & 255), expected, c.tolerance)
+                    << std::hex << c.type << i;
+        }
+    }
+}
+
+TEST_F(Codec, FillsTheUpperLeftOfTheStorageAndClearsTheRest) {
+    std::vector<std::uint32_t> pixels(300 * 200);
+    for (std::uint32_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = 0xFF000000u | i * 7;
+    pixels[150] = 0xFEFFFFFFu;
+    Load({{12, kTga, Tga(300, 200, pixels)}});
+    const std::uint32_t kMargin = 0xFF00FF00u, kOld = 5;
+    for (const bool clear : {true, false}) {
+        FXCanvas canvas;
+        fxColFromInt1(canvas.backColor, kMargin);
+        canvas.clearOnLoad = clear;
+        ASSERT_TRUE(canvas.Realloc(512, 256));
+        static_cast<FXPixmap&>(canvas).Clear(kOld);
+        ASSERT_TRUE(canvas.CreateFromPictC(&package_, "12"));
+        ASSERT_EQ(canvas.width, 512);
+        ASSERT_EQ(canvas.height, 256);
+        ASSERT_TRUE(canvas.GetWidth() == 300 && canvas.GetHeight() == 200);
+        EXPECT_FALSE(canvas.opaque);
+        for (int y = 0; y < 256; ++y)
+            for (int x = 0; x < 512; ++x) {
+                const std::uint32_t expected = x < 300 && y < 200 ? pixels[y * 300 + x]
+                                               : clear            ? kMargin
+                                                                  : kOld;
+                ASSERT_EQ(canvas.pixels[y * 512 + x], expected) << x << "," << y;
+            }
+    }
+}
+
+TEST_F(Codec, TakesAlphaFromRedWhenTheFileNameSaysSo) {
+    const std::string picture = Tga(2, 1, {0xFF112233u, 0x80445566u});
+    const struct {
+        const char* name;
+        bool detect, flag;
+        bool white;
+    } kCases[] = {
+        {"plain.tga", true, true, false}, {"aTRANSp.tga", true, false, true},
+        {"tran.tga", true, false, true},  {"tran.tga", false, false, false},
+        {"tran.tga", false, true, false},
+    };
+    for (const auto& c : kCases) {
+        FXCanvas canvas;
+        canvas.detectTrans = c.detect;
+        canvas.alphaFromRed = c.flag;
+        ASSERT_TRUE(canvas.CreateFromPict(folder_.Write(c.name, picture).c_str())) << c.name;
+        EXPECT_EQ(canvas.pixels[0], c.white ? 0x33FFFFFFu : 0xFF112233u) << c.name;
+        EXPECT_EQ(canvas.pixels[1], c.white ? 0x66FFFFFFu : 0x80445566u) << c.name;
+        EXPECT_FALSE(canvas.opaque);
+    }
+    Load({{1, kTga, Tga(1, 1, {0xFF112233u})}});
+    FXCanvas canvas;
+    canvas.alphaFromRed = true;
+    ASSERT_TRUE(canvas.CreateFromPictCN(&package_, 1)) << "an entry: only when its owner says so";
+    EXPECT_EQ(canvas.pixels[0], 0x33FFFFFFu);
+    EXPECT_FALSE(canvas.opaque);
+}
+
+TEST_F(Codec, LeavesTheCanvasAsItWasWithoutAPicture) {
+    const std::string garbage =
+        "this is no picture, whatever its name may promise; " + std::string(100, '\xAB');
+    Load({{1, kPng, garbage},
+          {2, kJpeg, garbage},
+          {3, kTga, "TGA"},
+          {4, kBmp, garbage},
+          {5, kGif, garbage},
+          {6, kRaw, kGifFile},
+          {7, kGif, ""},
+          {8, 0x7777, kGifFile}});
+    FXCanvas canvas;
+    ASSERT_TRUE(canvas.Realloc(4, 4));
+    static_cast<FXPixmap&>(canvas).Clear(0x12345678u);
+    for (int entry = 0; entry <= 8; ++entry)
+        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, entry)) << entry;
+    for (const char* text : {"", "tex", "99", "-"})
+        EXPECT_FALSE(canvas.CreateFromPictC(&package_, text)) << text;
+    for (const std::string& file :
+         {std::string(), folder_.File("none.png"), folder_.Write("bad.png", garbage)})
+        EXPECT_FALSE(canvas.CreateFromPict(file.c_str())) << file;
+    EXPECT_FALSE(canvas.CreateFromPict(nullptr));
+    EXPECT_EQ(canvas.usedWidth, 4);
+    EXPECT_EQ(canvas.pixels[15], 0x12345678u);
+}
+
+TEST_F(Codec, RefusesSizesThatCannotBe) {
+    const std::pair<int, int> kSizes[] = {{65535, 65535}, {32768, 32768}, {32769, 1}, {0, 5}};
+    for (const auto& [w, h] : kSizes) {
+        Load({{1, kTga, Tga(w, h, {1, 2, 3})}});
+        FXCanvas canvas;
+        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1)) << w << " x " << h;
+        EXPECT_EQ(canvas.pixels, nullptr);
+    }
+    Load({{1, kTga, Tga(64, 64, std::vector<std::uint32_t>(64 * 64, 1))}});
+    FXCanvas canvas;
+    fxSetAllocLimit(16000);
+    EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1)) << "no memory";
+    fxSetAllocLimit(0);
+    EXPECT_TRUE(canvas.CreateFromPictCN(&package_, 1));
+}
+
+TEST_F(Codec, ThatFailsHalfwayGivesNoPicture) {
+    const FXCodec real = fxCodec;
+    Load({{1, kTga, Tga(3, 2, std::vector<std::uint32_t>(6, 0xFFFFFFFFu))}});
+    void (*const kFailures[])() = {
+        [] { fxCodec.ilCloneCurImage = []() -> ILuint { return 0; }; },
+        [] { fxCodec.ilConvertImage = [](ILenum, ILenum) -> ILboolean { return 0; }; },
+        [] { fxCodec.ilGetData = []() -> unsigned char* { return nullptr; }; },
+    };
+    for (const auto& fail : kFailures) {
+        FXCanvas canvas;
+        fail();
+        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1));
+        fxCodec = real;
+        EXPECT_EQ(canvas.GetWidth(), 3);
+        EXPECT_EQ(canvas.pixels[0], 0u) << "cleared";
+    }
+}
+
+TEST(CodecModules, ThatAreMissingAreTracedAndLeaveNothingLoaded) {
+    const TempFolder folder;
+    FXPackage package;
+    LoadTestPackage(package, folder, {{1, kGif, kGifFile}});
+    const std::string no = "#ERROR: failed to load ";
+    const struct {
+        const char *il, *ilu;
+        std::vector<std::string> lines; // between the first and the last
+    } cases[] = {
+        {"no-such", nullptr, {no + "devil.dll", no + "devil libraries"}},
+        {nullptr, "no-such", {no + "ilu.dll", no + "devil libraries"}},
+        {nullptr, "DevIL", {no + "devil libraries"}}, // a module without the entry points
+    };
+    for (const auto& c : cases) {
+        const TraceLines trace(folder);
+        fxSetDevilNames(c.il, c.ilu);
+        EXPECT_FALSE(fxLoadDevil());
+        fxSetDevilNames(nullptr, nullptr);
+        std::vector<std::string> expected = c.lines;
+        expected.insert(expected.begin(), "loading devil");
+        expected.push_back("unload devil");
+        EXPECT_EQ(trace.Lines(), expected);
+        EXPECT_FALSE(fxDevilLoaded());
+        EXPECT_TRUE(fxCodec.ilInit == nullptr && fxCodec.ilGetData == nullptr && fxCodec.iluScale == nullptr);
+        FXCanvas canvas;
+        EXPECT_FALSE(canvas.CreateFromPictCN(&package, 1));
+        EXPECT_FALSE(canvas.CreateFromPict(folder.Write("a.gif", kGifFile).c_str()));
+    }
+    const TraceLines trace(folder);
+    EXPECT_TRUE(fxLoadDevil());
+    FXCanvas canvas;
+    EXPECT_TRUE(canvas.CreateFromPictCN(&package, 1));
+    fxUnloadDevil();
+    fxUnloadDevil();
+    EXPECT_EQ(trace.Lines(),
+              (std::vector<std::string>{"loading devil", "loading ok", "unload devil", "unload devil"}));
+    EXPECT_TRUE(fxCodec.ilInit == nullptr);
+}
+
+} // namespace

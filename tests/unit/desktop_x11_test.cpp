@@ -1,0 +1,20 @@
+#include "image/desktop_source.h"
+#include "unit/trace_lines.h"
+
+#include <cstdlib>
+
+namespace {
+
+TEST(DesktopX11, WithoutAServerThereIsNoPictureAndTheTraceSaysWhy) {
+    const TempFolder folder;
+    const TraceLines trace(folder);
+    setenv("DISPLAY", ":no-such-display", 1);
+    EXPECT_FALSE(fxDesktopCopy(640, 480));
+    FXDesktopPixels pixels;
+    EXPECT_FALSE(fxDesktopLock(&pixels));
+    fxDesktopRelease();
+    fxDesktopRelease();
+    EXPECT_EQ(trace.Lines(), std::vector<std::string>{"#ERROR: XOpenDisplay (desktop capture)"});
+}
+
+} // namespace

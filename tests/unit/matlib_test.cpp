@@ -1,0 +1,228 @@
+#include "image/codec.h"
+#include "image/material.h"
+#include "image/material_library.h"
+#include "unit/recorded_device.h"
+#include "unit/test_package.h"
+
+#include <climits>
+
+namespace {
+
+std::string Names(const FXMatlib& library) {
+    std::string names;
+    for (const FXMaterial* m : library.materials) {
+        if (!names.empty())
+            names += ' ';
+        names += m->name.text;
+    }
+    return names;
+}
+
+class Matlib : public testing::Test {
+protected:
+    Matlib() { fxLoadDevil(); }
+    ~Matlib() override { fxUnloadDevil(); }
+
+    // Entry 5 is the library, 7 a picture.
+    void Load(const std::string& library) {
+        LoadTestPackage(package_, folder_, {{5, kRaw, library}, {7, kTga, Tga(1, 1, {0xFFFFFFFFu})}});
+    }
+
+    TempFolder folder_;
+    RecordedDevice<> device_;
+    FXPackage package_;
+};
+
+TEST_F(Matlib, IsSearchedAfterItsParentByExactName) {
+    FXMaterial shared, own, second, nameless, other;
+    shared.name.Set("Material001");
+    own.name.Set("Material001");
+    second.name.Set("Metal");
+    other.name.Set("Metal");
+    FXMatlib parent, library;
+    library.parent = &parent;
+    parent.AddMaterial(&shared);
+    library.materials.Push(nullptr);
+    for (FXMaterial* m : {&own, &second, &nameless, &second, &other})
+        library.AddMaterial(m);
+    EXPECT_EQ(library.materials.count, 5) << "each once";
+    EXPECT_EQ(library.FindMaterial("Material001"), &shared);
+    EXPECT_EQ(library.FindMaterial("Metal"), &second);
+    EXPECT_EQ(library.FindMaterial("metal"), nullptr);
+    EXPECT_EQ(library.FindMaterial("Meta"), nullptr);
+    EXPECT_EQ(library.FindMaterial(""), &nameless);
+    EXPECT_EQ(library.FindMaterial(nullptr), &nameless);
+    library.RemoveMaterial(&second);
+    EXPECT_EQ(library.FindMaterial("Metal"), &other);
+    EXPECT_STREQ(second.name.text, "Metal") << "still alive";
+}
+
+TEST_F(Matlib, DestroysWhatItLoadedAndNothingElse) {
+    Load(Header("lib") + Ints({2}) + MaterialRecord("a", "7") + MaterialRecord("b", "7"));
+    FXMaterial added;
+    ASSERT_TRUE(added.LoadTextureCN(&package_, 7));
+    {
+        FXMatlib library;
+        library.AddMaterial(&added);
+        ASSERT_TRUE(library.LoadC(&package_, "5"));
+        EXPECT_STREQ(library.name.text, "lib");
+        EXPECT_EQ(GLRecorder::LiveTextures(), 3);
+        library.Destroy();
+        EXPECT_EQ(GLRecorder::LiveTextures(), 1);
+        EXPECT_TRUE(library.materials.IsEmpty());
+        ASSERT_TRUE(library.LoadC(&package_, "5"));
+        EXPECT_EQ(Names(library), "a b");
+    }
+    EXPECT_EQ(GLRecorder::LiveTextures(), 1) << "the destructor";
+    EXPECT_TRUE(added.prepared);
+}
+
+TEST_F(Matlib, LoadsWhatTheBytesHold) {
+    const std::string a = MaterialRecord("a", ""), b = MaterialRecord("b", "");
+    const std::pair<std::string, const char*> kCases[] = {
+        {Header("lib") + Ints({0}) + a, ""},
+        {Header("lib") + Ints({-1}) + a, ""},
+        {Header("lib") + Ints({INT_MIN}) + a, ""},
+        {Header("lib") + Ints({1}) + a + b, "a"},
+        {Header("lib") + Ints({INT_MAX}) + a + b, "a b"},
+        {Header("lib") + Ints({INT_MAX}) + a + Header("cut"), "a cut"}, // its colours are the preset's
+        {Header("lib"), ""},
+        {Header("lib").substr(0, 6), ""},
+        {"", ""},
+        {Header("lib") + Ints({2}) + MaterialRecord("bad", "99") + b, "bad b"}, // untextured
+        {Header("lib") + Ints({2}) + MaterialRecord("own", "5") + b,
+         "own b"}, // the library itself as a picture
+    };
+    for (const auto& [record, names] : kCases) {
+        Load(record);
+        FXMatlib library;
+        EXPECT_TRUE(library.LoadC(&package_, "5"));
+        EXPECT_EQ(Names(library), names) << testing::PrintToString(record.substr(0, 40));
+        EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+    }
+    FXMatlib library;
+    for (const char* text : {"", "lib", "6", "-"})
+        EXPECT_FALSE(library.LoadC(&package_, text)) << text;
+    EXPECT_TRUE(library.materials.IsEmpty());
+}
+
+TEST_F(Matlib, ABitOfACutRecordEndsIt) {
+    for (const int rest : {1, 2, 3}) {
+        Load(Header("lib") + Ints({INT_MAX}) + std::string(static_cast<std::size_t>(rest), 'x'));
+        FXMatlib library;
+        EXPECT_TRUE(library.LoadC(&package_, "5"));
+        EXPECT_LE(library.materials.count, 1);
+    }
+}
+
+TEST_F(Matlib, IsSharedByNameAndReleasedByTheLast) {
+    Load(Header("5") + Ints({1}) + MaterialRecord("a", "7"));
+    FXMaterial first;
+    first.name.Set("a");
+    FXMatlib* library = device_.gl.LoadMatlibCN(&package_, 5);
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(device_.gl.LoadMatlibC(&package_, "5"), library);
+    EXPECT_EQ(library->refCount, 2);
+    EXPECT_EQ(library->FindMaterial("a"), library->materials[0]);
+    device_.gl.AddMaterial(&first);
+    EXPECT_EQ(library->FindMaterial("a"), &first) << "the default library goes first";
+    device_.gl.GetDefaultMatlib()->RemoveMaterial(&first);
+    library->Release();
+    EXPECT_EQ(GLRecorder::LiveTextures(), 1);
+    EXPECT_EQ(device_.gl.matlibs.Findpos(library), 0);
+    library->Release();
+    EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+    EXPECT_TRUE(device_.gl.matlibs.IsEmpty());
+
+    FXMatlib kept;
+    kept.autoDelete = false;
+    kept.Release();
+    EXPECT_EQ(kept.refCount, 0) << "and alive";
+}
+
+TEST_F(Matlib, SharedEndsWithTheEnvironmentAtTheLatest) {
+    Load(Header("5") + Ints({1}) + MaterialRecord("a", "7"));
+    device_.gl.LoadMatlibCN(&package_, 5);
+    device_.gl.LoadMatlibCN(&package_, 5);
+    EXPECT_EQ(GLRecorder::LiveTextures(), 1);
+    device_.gl.Destroy();
+    EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+    EXPECT_TRUE(device_.gl.matlibs.IsEmpty());
+}
+
+TEST_F(Matlib, MissingOneIsThereAllTheSame) {
+    Load("");
+    FXMatlib* missing = device_.gl.LoadMatlibC(&package_, "99");
+    FXMatlib* noFile = device_.gl.LoadMatlib(folder_.File("none.mtl").c_str());
+    ASSERT_TRUE(missing != nullptr && noFile != nullptr);
+    EXPECT_EQ(missing->FindMaterial("a"), nullptr);
+    missing->Release();
+    noFile->Release();
+    EXPECT_TRUE(device_.gl.matlibs.IsEmpty());
+}
+
+TEST_F(Matlib, WithoutMemoryForItsListLosesMaterialsAndLeaksNone) {
+    std::string record = Header("lib") + Ints({10});
+    for (int i = 0; i < 10; ++i)
+        record += MaterialRecord(std::to_string(i), "");
+    Load(record);
+    FXMatlib library;
+    fxSetAllocLimit(3 * sizeof(void*));
+    EXPECT_TRUE(library.LoadC(&package_, "5"));
+    fxSetAllocLimit(0);
+    EXPECT_EQ(Names(library), "0 1 2");
+}
+
+TEST_F(Matlib, GoesThroughAFile) {
+    Load(Header("lib") + Ints({2}) + MaterialRecord("a", "") + MaterialRecord("b", ""));
+    FXMatlib written;
+    ASSERT_TRUE(written.LoadC(&package_, "5"));
+    EXPECT_FALSE(written.Save(folder_.File("no/folder").c_str()));
+    ASSERT_TRUE(written.Save(folder_.File("lib").c_str()));
+    const std::string bytes = folder_.Read("lib");
+    const struct {
+        std::string bytes;
+        bool loads;
+        const char* names;
+    } kCases[] = {
+        {bytes, true, "a b"},
+        {Header("lib") + Ints({INT_MAX}) + bytes.substr(11), false, "a b"},
+        {bytes.substr(0, 11), false, ""},
+        {bytes.substr(0, 9), false, ""},
+        {"", false, ""},
+    };
+    for (const auto& c : kCases) {
+        FXMatlib read;
+        EXPECT_EQ(read.Load(folder_.Write("lib", c.bytes).c_str()), c.loads) << c.bytes.size();
+        EXPECT_EQ(Names(read), c.names) << c.bytes.size();
+    }
+    FXMatlib none;
+    EXPECT_FALSE(none.Load(folder_.File("none").c_str()));
+}
+
+TEST_F(Matlib, ReadsWavefrontFiles) {
+    const std::string picture = folder_.Write("two words.tga", Tga(2, 2, {1, 2, 3, 4}));
+    const std::string file =
+        folder_.Write("m.mtl", "# a comment\nKd 9 9 9\n\n"
+                               "newmtl  Polished Gold \r\nKa 0.1 0.2 0.3\nKd 0.4 0.5\nKs 0.7 0.8 0.9\r\n"
+                               "Ke 0 0 1\nNs 1000\nd 0.25\nillum 2\n"
+                               "newmtl b\nTr 0.25\nNs x\nmap_Kd " +
+                                   picture + "\n");
+    FXMatlib* library = device_.gl.LoadMatlib(file.c_str());
+    EXPECT_EQ(device_.gl.LoadMatlib(file.c_str()), library);
+    ASSERT_EQ(Names(*library), "Polished Gold b");
+    const FXMaterial& gold = *library->materials[0];
+    EXPECT_EQ(gold.ambient[1], 0.2f);
+    EXPECT_EQ(gold.diffuse[1], 1.0f) << "a colour of two numbers is none";
+    EXPECT_EQ(gold.diffuse[3], 0.25f);
+    EXPECT_EQ(gold.specular[2], 0.9f);
+    EXPECT_EQ(gold.emission[2], 1.0f);
+    EXPECT_EQ(gold.shininess, 128.0f);
+    const FXMaterial& b = *library->materials[1];
+    EXPECT_EQ(b.diffuse[3], 0.75f);
+    EXPECT_EQ(b.shininess, 0.0f);
+    EXPECT_EQ(b.GetWidth(), 2);
+    EXPECT_FALSE(library->LoadFromMtl(folder_.File("none").c_str()));
+}
+
+} // namespace

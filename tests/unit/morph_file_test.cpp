@@ -1,0 +1,227 @@
+// The morph in its files: all key frames in one layout (version 3), or a list of models (version 2).
+#include "anim/morph_animation.h"
+#include "base/memory.h"
+#include "image/material.h"
+#include "image/material_library.h"
+#include "unit/scene_parts.h"
+
+#include <climits>
+#include <utility>
+
+namespace {
+
+constexpr int kMorph = 3;
+
+std::string Settings(const std::vector<std::string>& names) {
+    std::string head = Ints({static_cast<std::int32_t>(names.size())});
+    for (const std::string& name : names)
+        head += Header(name);
+    return head + Ints({3, 900, 0, -3, 7, 8, 2, 1, -1, 1, 5}) + std::string("\0\1", 2) + Floats({0.5f}) +
+           Ints({3}) + Floats({1.5f}) + std::string("\0\1\0\1", 4);
+}
+
+std::string Times(int n, const std::string& text) {
+    std::string all;
+    while (n-- > 0)
+        all += text;
+    return all;
+}
+
+// Entry 5 is a library named "5" with the material wood.
+class MorphFile : public testing::Test {
+protected:
+    void LoadPackage(const std::string& morph, const std::vector<TestEntry>& more = {}) {
+        std::vector<TestEntry> entries = {{kMorph, kRaw, morph},
+                                          {5, kRaw, Header("5") + Ints({1}) + MaterialRecord("wood", "")}};
+        entries.insert(entries.end(), more.begin(), more.end());
+        LoadTestPackage(package_, folder_, entries);
+    }
+    // Three key frames of two triangles that begin alike, but part later; no setting has its default.
+    void Make(FXAnim* anim) {
+        LoadPackage(Settings({"none", "", "none"}));
+        EXPECT_TRUE(anim->LoadCN(&package_, kMorph));
+        for (int f = 0; f < 3; ++f) {
+            const auto x = static_cast<float>(f);
+            std::vector<TestVertex> other = TriangleAt(x);
+            other[1].pos[0] += x;
+            other[2].tex = {0.25f, x};
+            anim->models[f] = NewModel({TriangleAt(x), other}, "wood", "5");
+            anim->models[f]->meshes[1]->transparent = 2;
+        }
+    }
+    std::string Saved(FXAnim* anim) {
+        EXPECT_TRUE(anim->Save(folder_.File("morph").c_str()));
+        return folder_.Read("morph");
+    }
+    std::string SavedHead(const FXAnim& anim) {
+        EXPECT_TRUE(anim.Save_v02(fxOpenFile(folder_.File("head").c_str(), "wb").get()));
+        return folder_.Read("head");
+    }
+
+    TempFolder folder_;
+    RecordedDevice<SceneDevice> device_;
+    FXPackage package_;
+};
+
+TEST_F(MorphFile, Version3KeepsEverything) {
+    FXAnim written, read, fromFile;
+    Make(&written);
+    const std::string bytes = Saved(&written);
+    const std::string settings = Settings({"none", "", "none"});
+    EXPECT_EQ(bytes.substr(0, 8 + settings.size()), Header("oa03") + settings);
+    LoadPackage(bytes);
+    ASSERT_TRUE(read.LoadCN(&package_, kMorph) && read.LoadCN(&package_, kMorph));
+    ASSERT_TRUE(fromFile.Load(folder_.File("morph").c_str()));
+    for (FXAnim* anim : {&read, &fromFile}) {
+        EXPECT_EQ(SavedHead(*anim), settings);
+        for (int f = 0; f < 3; ++f) {
+            EXPECT_STREQ(anim->models[f]->name.text, anim->frameNames.Get(f));
+            ASSERT_EQ(anim->models[f]->meshes.count, 2);
+            for (int m = 0; m < 2; ++m) {
+                const FXMesh& mesh = *anim->models[f]->meshes[m];
+                EXPECT_EQ(CornersOf(mesh), CornersOf(*written.models[f]->meshes[m])) << f << ", " << m;
+                EXPECT_STREQ(mesh.materialName.text, "wood");
+                EXPECT_EQ(mesh.transparent, 2 * m);
+            }
+        }
+        anim->UpdateInterpolation(true, true);
+        EXPECT_EQ(anim->posSplines.GetCnt(), 6) << "key frames agree";
+    }
+    FXMatlib* library = read.models[0]->matlib;
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(library->refCount, 8) << "each key frame's and imodel's, in the package's and in the file's";
+    EXPECT_EQ(read.models[2]->meshes[1]->material, library->FindMaterial("wood"));
+    read.Destroy();
+    fromFile.Destroy();
+    EXPECT_TRUE(device_.gl.matlibs.IsEmpty());
+}
+
+TEST_F(MorphFile, Version2NamesItsModels) {
+    const std::string model = TriangleModel(folder_);
+    const std::string settings = Settings({"8", "no number", folder_.File("model"), "9 and more", "77", "8"});
+    LoadPackage(settings, {{8, kRaw, model}, {9, kRaw, model}});
+    FXAnim read;
+    for (const auto& [fromPackage, there] : {std::pair{true, "x  x x"}, {false, "  x   "}}) {
+        EXPECT_TRUE(fromPackage ? read.LoadCN(&package_, kMorph)
+                                : read.Load(folder_.Write("list", settings).c_str()));
+        EXPECT_EQ(SavedHead(read), settings);
+        ASSERT_EQ(read.models.count, 6);
+        for (int f = 0; f < 6; ++f) {
+            ASSERT_EQ(read.models[f] != nullptr, there[f] == 'x') << f;
+            EXPECT_TRUE(read.models[f] == nullptr || read.models[f]->GetTotalVertices() == 3);
+        }
+    }
+}
+
+TEST_F(MorphFile, NeedsEightBytes) {
+    FXAnim anim;
+    for (const std::size_t size : {7u, 8u}) {
+        const std::string bytes(size, '\0');
+        LoadPackage(bytes);
+        EXPECT_EQ(anim.LoadCN(&package_, kMorph), size == 8);
+        EXPECT_EQ(anim.Load(folder_.Write("short", bytes).c_str()), size == 8);
+    }
+    EXPECT_FALSE(anim.LoadCN(&package_, 99) || anim.Load(folder_.File("none").c_str()));
+}
+
+// Cut off anywhere, or with any one byte wrong: loaded, prepared and played as the show does it.
+TEST_F(MorphFile, ThatIsDamagedPlaysToItsEnd) {
+    FXAnim anim;
+    Make(&anim);
+    const std::string versions[] = {Saved(&anim), SavedHead(anim)};
+    const auto play = [&](const std::string& bytes) {
+        package_.GetDataPtr(kMorph)->InitData(bytes.data(), static_cast<int>(bytes.size()));
+        anim.LoadCN(&package_, kMorph);
+        anim.UnitizeStretch1(anim.models.count - 1);
+        anim.Normalize(-1, false);
+        anim.ComputeFrontTexCoords(anim.models.count - 1, -1);
+        anim.UpdateInterpolation(true, true);
+        anim.loop = anim.backwards = false;
+        anim.StartAnim(0);
+        for (int i = 0; i <= anim.frameTimes.count; ++i)
+            anim.OnRender(&device_.gl, anim.startTime + 1.5 * anim.frameDuration);
+        ASSERT_FALSE(anim.playing);
+    };
+    GLRecorder::SetNullMode(true);
+    for (const std::string& whole : versions)
+        for (std::size_t at = 0; at < whole.size() && !HasFatalFailure(); ++at) {
+            SCOPED_TRACE(at);
+            play(std::string(whole.substr(0, at))); // in a block of its own, for the sanitizer
+            for (const char wrong : {'\0', '\x01', '\x7F', '\xFF'}) {
+                std::string damaged = whole;
+                damaged[at] = wrong;
+                play(damaged);
+            }
+        }
+    GLRecorder::SetNullMode(false);
+}
+
+TEST_F(MorphFile, ThatLiesCostsNoMoreThanItsBytes) {
+    const std::string rest = Settings({}).substr(20); // behind names and times
+    const std::string many = Times(500, Ints({0}));   // names
+    const auto mesh = [](int vertices, int corners) {
+        return Header("") + Floats({0, 0}) + Ints({0, 0, vertices, corners});
+    };
+    const struct {
+        const char* what;
+        std::string body;
+    } cases[] = {
+        {"names without end", Ints({INT_MAX}) + many},
+        {"less than none", Ints({-1, -1}) + rest + Ints({INT_MIN})},
+        {"key frames without meshes", Ints({INT_MAX, 0}) + rest + many},
+        {"many key frames of many meshes",
+         Ints({500}) + many + Ints({0}) + rest + Ints({INT_MAX}) + Header("") + Times(200, mesh(3, 3))},
+        {"every mesh claims all the bytes there are",
+         Ints({1, 0, 0}) + rest + Ints({300}) + Header("") + Times(300, mesh(INT_MAX, 2000)) + many},
+        {"many key frames of one large mesh",
+         Ints({500}) + many + Ints({0}) + rest + Ints({1}) + Header("") + mesh(2000, 2000) + many},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string bytes = Header("oa03") + c.body;
+        LoadPackage(bytes);
+        FXAnim anim;
+        ASSERT_TRUE(anim.LoadCN(&package_, kMorph));
+        std::int64_t meshes = 0, corners = 0;
+        for (const FXModel* model : anim.models) {
+            meshes += model->loadedMeshes.count;
+            for (const FXMesh* loaded : model->loadedMeshes)
+                corners += loaded->indexCapacity;
+        }
+        const auto size = static_cast<std::int64_t>(bytes.size());
+        EXPECT_LE(anim.models.count, size / 8);
+        EXPECT_LE(meshes, size / 8);
+        EXPECT_LE(corners, 4 * size);
+    }
+}
+
+TEST_F(MorphFile, IsNotSavedWhenItsKeyFramesDisagree) {
+    using Spoil = void (*)(FXAnim & a);
+    const struct {
+        const char* what;
+        Spoil spoil;
+    } kCases[] = {
+        {"saved", [](FXAnim&) {}},
+        {"a name too many", [](FXAnim& a) { a.frameNames.Push("more"); }},
+        {"no second key frame", [](FXAnim& a) { delete std::exchange(a.models[1], nullptr); }},
+        {"no first one", [](FXAnim& a) { delete std::exchange(a.models[0], nullptr); }},
+        {"a mesh too many", [](FXAnim& a) { a.models[2]->meshes.Push(new FXMesh); }},
+        {"a mesh missing", [](FXAnim& a) { delete std::exchange(a.models[2]->meshes[1], nullptr); }},
+        {"the first one's", [](FXAnim& a) { delete std::exchange(a.models[0]->meshes[1], nullptr); }},
+        {"a corner too few", [](FXAnim& a) { a.models[1]->meshes[0]->indexCount = 2; }},
+        {"a vertex not used in one", [](FXAnim& a) { a.models[1]->meshes[0]->indices[2] = 0; }},
+    };
+    for (const auto& c : kCases) {
+        FXAnim anim;
+        Make(&anim);
+        c.spoil(anim);
+        EXPECT_EQ(anim.Save(folder_.File("morph").c_str()), &c == kCases) << c.what;
+    }
+    FXAnim anim;
+    EXPECT_TRUE(anim.Save(folder_.File("empty").c_str()) && anim.Load(folder_.File("empty").c_str()));
+    Make(&anim);
+    EXPECT_FALSE(anim.Save(folder_.File("no/folder").c_str()));
+    EXPECT_FALSE(anim.Save("/dev/full")) << "not all of it got to the disk";
+}
+
+} // namespace

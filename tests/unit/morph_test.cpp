@@ -1,0 +1,255 @@
+// The morph as it plays.
+#include "anim/bezier_spline.h"
+#include "anim/morph_animation.h"
+#include "base/memory.h"
+#include "unit/scene_parts.h"
+
+#include <climits>
+#include <utility>
+
+namespace {
+
+void AddKeyFrame(FXAnim* anim, int milliseconds, FXModel* model) {
+    anim->models.Push(model);
+    anim->frameTimes.Push(milliseconds);
+    anim->frameNames.Push(std::to_string(milliseconds).c_str());
+}
+
+// Key frames with a triangle each, at x = 0, 4, 8 ...
+void Make(FXAnim* anim, const std::vector<int>& milliseconds) {
+    anim->Destroy();
+    for (const int time : milliseconds)
+        AddKeyFrame(anim, time, NewModel({TriangleAt(4 * static_cast<float>(anim->models.count))}));
+}
+
+class Morph : public testing::Test {
+protected:
+    // What a frame at that time shows: where the first vertex is.
+    float Draw(double time) {
+        device_.gl.drawn.clear();
+        anim_.OnRender(&device_.gl, time);
+        return device_.gl.drawn.empty() ? -99 : device_.gl.drawn[0].mesh->vertices[0].pos[0];
+    }
+    tagFXVertex& First(int frame) { return anim_.models[frame]->meshes[0]->vertices[0]; }
+
+    RecordedDevice<SceneDevice> device_;
+    FXAnim anim_;
+};
+
+TEST_F(Morph, KeyFramesLastTheirTimes) {
+    Make(&anim_, {1000, 0, 250, -7});
+    for (const auto& [frame, seconds] :
+         {std::pair{0, 1.0}, {1, 0.5}, {2, 0.25}, {3, 0.5}, {-1, 1.0}, {INT_MAX, 0.5}}) {
+        anim_.frame = frame;
+        anim_.ComputeFrameDuration();
+        EXPECT_EQ(anim_.frameDuration, seconds) << frame;
+    }
+}
+
+TEST_F(Morph, PlaysAsItsFlagsSay) {
+    struct Step {
+        double time;
+        int frame;
+        float x; // of the vertex
+        bool playing = true;
+    };
+    const struct {
+        std::string flags; // interpolated, loop, there and back, backwards
+        std::vector<Step> steps;
+    } cases[] = {
+        // At the last key frame there is nowhere to go.
+        {"i", {{0, 0, 0}, {0.25, 0, 1}, {1, 1, 4}, {1.5, 1, 6}, {2, 2, 6, false}, {9, 2, 6, false}}},
+        // Key frame by key frame, the last one is shown for its time.
+        {"", {{0, 0, 0}, {0.9, 0, 0}, {1, 1, 4}, {2, 2, 8}, {2.9, 2, 8}, {3, 2, 8, false}}},
+        {"il", {{0.25, 0, 1}, {1.25, 1, 5}, {2, 2, 8}, {2.25, 2, 6}, {3, 0, 0}, {3.5, 0, 2}}},
+        {"ilt", {{0.25, 0, 1}, {1.25, 1, 5}, {2.25, 2, 7}, {3.25, 1, 3}, {4.25, 0, 1}, {5.25, 1, 5}}},
+        {"ilb", {{0.25, 0, 2}, {1.25, 2, 7}, {2.25, 1, 3}, {3.25, 0, 2}}},
+        {"b", {{0, 0, 0}, {1, 0, 0, false}}},
+        {"lt", {{0, 0, 0}, {1, 1, 4}, {2, 2, 8}, {3, 1, 4}, {4, 0, 0}, {5, 1, 4}}},
+    };
+    for (const auto& c : cases) {
+        const auto has = [&](char flag) { return c.flags.find(flag) != std::string::npos; };
+        Make(&anim_, {1000, 1000, 1000});
+        anim_.loop = has('l');
+        anim_.pingPong = has('t');
+        anim_.linear = true;
+        anim_.UpdateInterpolation(has('i'), true);
+        anim_.backwards = has('b');
+        anim_.StartAnim(0);
+        for (const Step& step : c.steps) {
+            SCOPED_TRACE(testing::Message() << c.flags << " at " << step.time);
+            EXPECT_NEAR(Draw(step.time), step.x, 1e-5);
+            EXPECT_EQ(anim_.frame, step.frame);
+            EXPECT_EQ(anim_.playing, step.playing);
+        }
+    }
+}
+
+TEST_F(Morph, OvershootCountsForTheNextKeyFrameUnlessItIsLong) {
+    for (const auto& [time, start] :
+         {std::pair{1.25, 1.125}, {1.0, 1.0}, {1.5, 1.25}, {2.0, 1.5}, {2.0625, 2.0625}, {3.5, 3.5}}) {
+        Make(&anim_, {1000, 500, 500});
+        anim_.StartAnim(0);
+        Draw(time);
+        EXPECT_EQ(anim_.frame, 1) << "one at a time";
+        EXPECT_EQ(anim_.startTime, start) << time;
+    }
+}
+
+TEST_F(Morph, StandsStillWhilePaused) {
+    Make(&anim_, {1000, 1000, 1000});
+    anim_.linear = true;
+    anim_.UpdateInterpolation(true, true);
+    anim_.StartAnim(0);
+    Draw(0.5);
+    anim_.paused = true;
+    for (const double time : {0.75, 5.0, 99.0})
+        EXPECT_EQ(Draw(time), 2.0f) << "drawn, but not moved";
+    anim_.paused = false;
+    anim_.ContinueAnim(100);
+    EXPECT_EQ(Draw(100.75), 3.0f);
+}
+
+TEST_F(Morph, MovesPositionsAndNormalsAlongTheSplines) {
+    Make(&anim_, {1000, 1000, 1000, 1000});
+    First(2).pos[1] = 5;
+    anim_.tension = 0.5f;
+    anim_.UpdateInterpolation(true, true);
+    FXBezierSpline positions, normals;
+    for (int i = 0; i < 12; ++i) {
+        positions.points.Push(First(i / 3).pos[i % 3]);
+        normals.points.Push(First(i / 3).normal[i % 3]);
+    }
+    anim_.StartAnim(0);
+    fxSetAllocLimit(1); // nothing is allocated any more
+    for (int quarter = 0; quarter < 16; ++quarter)
+        Draw(quarter * 0.25);
+    EXPECT_EQ(anim_.frame, 3);
+    fxSetAllocLimit(0);
+    const tagFXVertex& vertex = anim_.imodel.meshes[0]->vertices[0];
+    for (const auto& [spline, moved] : {std::pair{&positions, vertex.pos}, {&normals, vertex.normal}}) {
+        float expected[3];
+        spline->closed = true;
+        spline->tension = 0.5f;
+        spline->Precompute();
+        spline->SetActPoints(3, 0);
+        spline->Get(expected, 0.75f);
+        for (int axis = 0; axis < 3; ++axis)
+            EXPECT_NEAR(moved[axis], expected[axis], 1e-5);
+    }
+}
+
+TEST_F(Morph, OfManyVerticesMovesThemAll) {
+    for (const float x : {0.0f, 8.0f}) {
+        std::vector<TestVertex> many(1500);
+        for (std::size_t i = 0; i < many.size(); ++i)
+            many[i].pos[1] = static_cast<float>(i) + x;
+        AddKeyFrame(&anim_, 1000, NewModel({TriangleAt(x), many}));
+    }
+    anim_.UpdateInterpolation(true, true);
+    anim_.SetActPhase(0.25f);
+    EXPECT_EQ(anim_.imodel.meshes[0]->vertices[0].pos[0], 2.0f);
+    for (int i = 0; i < 1500; ++i)
+        ASSERT_EQ(anim_.imodel.meshes[1]->vertices[i].pos[1], static_cast<float>(i + 2));
+}
+
+TEST_F(Morph, IsAimedByHand) {
+    const struct {
+        int a, b;
+        float x; // at a quarter
+    } kCases[] = {{0, 1, 1}, {1, 2, 5}, {2, 1, 7}, {1, 0, 3}, {2, 0, 6}};
+    Make(&anim_, {1000, 1000, 1000});
+    anim_.linear = true;
+    anim_.UpdateInterpolation(true, true);
+    for (const auto& c : kCases) {
+        anim_.SetActFrames(c.a, c.b);
+        anim_.SetActPhase(0.25f);
+        EXPECT_TRUE(anim_.frame == c.a && anim_.phase == 0.25f);
+        EXPECT_NEAR(anim_.imodel.meshes[0]->vertices[0].pos[0], c.x, 1e-5) << c.a << " to " << c.b;
+    }
+}
+
+TEST_F(Morph, ThatDoesNotAddUpEndsAllTheSame) {
+    using Spoil = void (*)(FXAnim & a);
+    const struct {
+        const char* what;
+        bool drawn; // interpolated
+        Spoil spoil;
+    } kCases[] = {
+        {"no key frames", false, [](FXAnim& a) { a.Destroy(); }},
+        {"no times", false, [](FXAnim& a) { a.frameTimes.RemoveAll(); }},
+        {"one key frame", true, [](FXAnim& a) { Make(&a, {700}); }},
+        {"times without models", false, [](FXAnim& a) { a.Destroy(), a.frameTimes.Push(300); }},
+        {"more times than models", true, [](FXAnim& a) { a.frameTimes.Push(300), a.frameTimes.Push(300); }},
+        {"more models than times", true, [](FXAnim& a) { a.frameTimes.count = 2; }},
+        {"a mesh too many", true, [](FXAnim& a) { a.models[1]->meshes.Push(new FXMesh); }},
+        {"a mesh that is none", true, [](FXAnim& a) { a.models[2]->meshes.Push(nullptr); }},
+        {"a vertex too few", true, [](FXAnim& a) { a.models[1]->meshes[0]->vertexCount = 2; }},
+        {"no first model", false, [](FXAnim& a) { delete std::exchange(a.models[0], nullptr); }},
+        {"no last model", true, [](FXAnim& a) { delete std::exchange(a.models[2], nullptr); }},
+    };
+    for (const auto& c : kCases)
+        for (const bool interpolate : {true, false}) {
+            Make(&anim_, {700, 700, 700});
+            c.spoil(anim_);
+            anim_.loop = false;
+            anim_.UpdateInterpolation(interpolate, true);
+            anim_.StartAnim(0);
+            for (int i = 0; i < 20; ++i) {
+                const bool drawn = Draw(i * 0.4) > -99;
+                EXPECT_TRUE(!interpolate || drawn == c.drawn) << c.what;
+            }
+            EXPECT_FALSE(anim_.playing) << c.what;
+        }
+    // As many vertices, but in other meshes.
+    anim_.Destroy();
+    AddKeyFrame(&anim_, 500, NewModel({TriangleAt(0), std::vector<TestVertex>(5)}));
+    AddKeyFrame(&anim_, 500, NewModel({std::vector<TestVertex>(5), TriangleAt(0)}));
+    anim_.UpdateInterpolation(true, true);
+    EXPECT_EQ(anim_.posSplines.GetCnt(), 0);
+    anim_.SetActPhase(0.5f);
+}
+
+TEST_F(Morph, MovesAKeyFrameWithItsNameAndTime) {
+    const struct {
+        int to, from;
+        std::vector<int> order;
+    } kCases[] = {{0, 2, {2, 0, 1, 3}}, {3, 0, {1, 2, 3, 0}}, {1, 1, {0, 1, 2, 3}},  {2, 1, {0, 2, 1, 3}},
+                  {4, 0, {0, 1, 2, 3}}, {0, 4, {0, 1, 2, 3}}, {-1, 0, {0, 1, 2, 3}}, {0, -1, {0, 1, 2, 3}}};
+    for (const auto& c : kCases) {
+        Make(&anim_, {0, 1, 2, 3});
+        anim_.MoveFrame(c.to, c.from);
+        for (int i = 0; i < 4; ++i) {
+            const int was = c.order[static_cast<std::size_t>(i)];
+            EXPECT_EQ(First(i).pos[0], 4.0f * static_cast<float>(was));
+            EXPECT_EQ(anim_.frameTimes[i], was);
+            EXPECT_EQ(anim_.frameNames.Get(i), std::to_string(was));
+        }
+    }
+}
+
+// The last key frame's box is 8..9, 0..1 and no depth.
+TEST_F(Morph, IsFittedByOneKeyFrame) {
+    for (void (FXAnim::*fit)(int) : {&FXAnim::Unitize, &FXAnim::UnitizeStretch, &FXAnim::UnitizeStretch1}) {
+        Make(&anim_, {1, 1, 1});
+        anim_.models.Push(nullptr);
+        for (const int nothing : {-1, 3, 4})
+            (anim_.*fit)(nothing);
+        EXPECT_EQ(First(0).pos[0], 0.0f);
+        (anim_.*fit)(2);
+        EXPECT_TRUE(First(0).pos[0] == -17 && First(2).pos[0] == -1);
+    }
+    anim_.ComputeFrontTexCoords(2, -1);
+    anim_.ComputeFrontTexCoords(3, -1);
+    anim_.FlipHoriz();
+    EXPECT_TRUE(First(0).tex[0] == 0 && First(0).tex[1] == 1) << "as in the last one";
+    EXPECT_EQ(First(0).pos[0], 17.0f);
+    for (int frame = 0; frame < 3; ++frame)
+        First(frame).normalSum[1] = 3;
+    anim_.Normalize(1, false);
+    EXPECT_TRUE(First(0).normal[1] == 0 && First(1).normal[1] == 1 && First(2).normal[1] == 8) << "one";
+    anim_.Normalize(-1, false);
+    EXPECT_TRUE(First(0).normal[1] == 1 && First(2).normal[1] == 1) << "all";
+}
+
+} // namespace

@@ -1,0 +1,103 @@
+#include "package/package.h"
+#include "package/scramble.h"
+#include "unit/package_bytes.h"
+
+namespace {
+
+std::string Scrambled(std::string body) {
+    fxScramble(reinterpret_cast<unsigned char*>(body.data()), body.size());
+    return body;
+}
+
+// Ids 5, 2 and 9 with the bytes "abc", "" and "de".
+const std::string kBody =
+    Table({5, 2, 9}) + Table({0, 3, 3}) + Table({3, 0, 2}) + Table({-1, 0x42A, 0x425}) + "abcde";
+
+TEST(Scramble, TransposesTheLargestSquareAndKeepsTheRest) {
+    EXPECT_EQ(Scrambled("0123456789"), "0361472589");
+    EXPECT_EQ(Scrambled(""), "");
+    for (const std::size_t side : {1, 15, 16, 17, 100, 1023, 1040}) {
+        std::string body(side * side + side, '\0');
+        for (std::size_t i = 0; i < body.size(); ++i)
+            body[i] = static_cast<char>(i * 2654435761u >> 13);
+        std::string turned = body;
+        for (std::size_t row = 0; row < side; ++row)
+            for (std::size_t column = 0; column < side; ++column)
+                turned[column * side + row] = body[row * side + column];
+        EXPECT_TRUE(Scrambled(body) == turned) << side;
+    }
+}
+
+TEST(Package, LoadsPlainAndScrambled) {
+    const TempFolder folder;
+    for (const std::string& file : {Header("pck01") + kBody, Header("pck01s") + Scrambled(kBody)}) {
+        FXPackage package;
+        ASSERT_TRUE(package.Load(folder.Write("p", file).c_str()));
+        EXPECT_EQ(Entry(package, 5) + Entry(package, 2) + Entry(package, 9) + Entry(package, 3), "abcdenone");
+        EXPECT_EQ(package.GetDataType(2), kPng);
+        EXPECT_EQ(package.GetDataType(3), kRaw);
+        EXPECT_EQ(package.firstId, 10);
+        FXPackageData* cursor = package.GetDataPtr(9);
+        cursor->ReadBool();
+        EXPECT_EQ(package.GetDataPtr(9), cursor);
+        EXPECT_EQ(cursor->left, 2) << "rewound";
+    }
+}
+
+TEST(Package, IsEmptyWithoutAPackage) {
+    const TempFolder folder;
+    FXPackage package;
+    std::string bad[] = {folder.File("missing"),
+                         folder.File(""), // a folder
+                         folder.Write("1", ""),
+                         folder.Write("2", Header("pck02") + kBody),
+                         folder.Write("3", Header("pck0") + kBody),
+                         folder.Write("4", Ints({INT_MAX}) + "pck01"),
+                         folder.Write("5", Ints({-5}) + "pck01" + kBody),
+                         folder.Write("6", Header("pck01"))};
+    std::filesystem::resize_file(bad[7], (1ull << 31) + 9); // a hole, no disk: beyond what an int counts
+    for (const std::string& file : bad) {
+        ASSERT_TRUE(package.Load(folder.Write("good", Header("pck01") + kBody).c_str()));
+        EXPECT_FALSE(package.Load(file.c_str())) << file;
+        EXPECT_EQ(Entry(package, 5), "none");
+        EXPECT_EQ(package.GetDataType(2), -1);
+        EXPECT_EQ(package.dataSize, 0);
+    }
+    for (const std::string& nothing : {Ints({0, 0, 0, 0}), std::string()}) {
+        EXPECT_TRUE(package.Load(folder.Write("none", Header("pck01") + nothing).c_str()));
+        EXPECT_TRUE(package.ids.IsEmpty() && package.firstId == 0);
+    }
+}
+
+TEST(Package, TablesThatLieReadNothingOutsideAndCostNoMemory) {
+    const TempFolder folder;
+    const std::string ones = Table({1});
+    const std::pair<std::string, std::string> cases[] = {
+        {ones + Table({0}) + Table({4}) + ones, ""}, // beyond the end
+        {ones + Table({-1}) + Table({2}) + ones, ""},
+        {ones + Table({INT_MAX}) + Table({INT_MAX}) + ones, ""},
+        {ones + Table({INT_MIN}) + Table({INT_MIN}) + ones, ""},
+        {ones + Table({1}) + Table({2}) + ones, "bc"},
+        {ones + Table({1}) + Table({2}) + Ints({0}), "bc"}, // no type
+        {ones + Table({1}) + Table({2, 3, 4}) + ones, "bc"},
+        {Table({1, 2, 3}) + Table({1}) + Table({2}) + ones, "bc"},
+        {Ints({INT_MAX, 1}) + Table({0}) + Table({1}) + ones, "none"},
+        {Ints({-1, 1}), "none"},
+    };
+    fxSetAllocLimit(4096);
+    FXPackage package;
+    for (const auto& [tables, entry] : cases)
+        for (const std::string& file :
+             {Header("pck01") + tables + "abc", Header("pck01s") + Scrambled(tables + "abc")}) {
+            EXPECT_TRUE(package.Load(folder.Write("p", file).c_str()));
+            EXPECT_EQ(Entry(package, 1), entry) << testing::PrintToString(tables);
+            for (const int count :
+                 {package.offsets.count, package.sizes.count, package.types.count, package.cursors.count})
+                EXPECT_EQ(count, package.ids.count);
+        }
+    EXPECT_FALSE(package.Load(folder.Write("p", Header("pck01") + std::string(5000, 'x')).c_str()))
+        << "no memory";
+    fxSetAllocLimit(0);
+}
+
+} // namespace

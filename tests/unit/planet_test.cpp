@@ -1,0 +1,129 @@
+#include "image/material.h"
+#include "scene/planet.h"
+#include "unit/scene_parts.h"
+
+namespace {
+
+// Entry 1 is a model of one triangle with the material sun, of library 5.
+class Planet : public testing::Test {
+protected:
+    static constexpr double kStart = 1000; // so late that all phasers begin with the first frame
+
+    Planet() {
+        LoadTestPackage(package_, folder_,
+                        {{1, kRaw, TriangleModel(folder_, "sun", "5")},
+                         {5, kRaw, Header("5") + Ints({1}) + MaterialRecord("sun", "")}});
+    }
+    void Add(int count, int mode = 0) {
+        while (count-- > 0) {
+            planet_.AddLayerCN(&package_, 1);
+            planet_.SetLayerRot(mode, 80, 90);
+        }
+    }
+    // Some seconds after a first frame.
+    const std::vector<SceneDevice::Drawn>& Draw(double seconds) {
+        for (const double time : {kStart, kStart + seconds}) {
+            device_.gl.drawn.clear();
+            device_.gl.ApplyMatrix(&base_);
+            device_.gl.EnableDepthWrite(false);
+            planet_.OnRender(&device_.gl, time);
+        }
+        return device_.gl.drawn;
+    }
+    float AlphaOf(int layer) const { return planet_.models[layer]->meshes[0]->vertices[0].color[3]; }
+
+    TempFolder folder_;
+    RecordedDevice<SceneDevice> device_;
+    FXPackage package_;
+    FXPlanet planet_;
+    const FXMatrix base_ = Move(0.5f, -0.25f, 0);
+};
+
+TEST_F(Planet, LayersTurnEachTheirWay) {
+    const struct {
+        int mode;
+        std::array<std::array<FXMatrix, 2>, 4> turns; // a quarter, and two ninths
+    } cases[] = {
+        {0, {}},
+        {1, {{{TurnX(-90)}, {TurnX(90)}, {TurnX(-90)}, {TurnX(90)}}}},
+        {2, {{{TurnY(-90)}, {TurnY(90)}, {TurnY(-90)}, {TurnY(90)}}}},
+        {3,
+         {{{TurnX(-90), TurnY(-80)},
+           {TurnX(90), TurnY(-80)},
+           {TurnX(-90), TurnY(80)},
+           {TurnX(90), TurnY(80)}}}},
+        {4, {}},
+    };
+    for (const auto& c : cases) {
+        planet_.Destroy();
+        Add(4, c.mode);
+        const auto& drawn = Draw(20);
+        for (std::size_t i = 0; i < 4; ++i)
+            ExpectMatrix(drawn.at(i).matrix, {base_, c.turns[i][0], c.turns[i][1]});
+    }
+}
+
+TEST_F(Planet, PulsesStretchAndFade) {
+    const FXMatrix kAtAQuarter[] = {FXMatrix(), Scale(1.175f, 0.775f, 0.775f), Scale(0.775f, 1.175f, 0.775f),
+                                    Scale(0.775f, 0.775f, 1.175f)};
+    planet_.layerColor[3] = 0.5f;
+    for (int axis = 0; axis < 4; ++axis) {
+        Add(1);
+        planet_.SetLayerScale(axis, 3);
+        planet_.SetLayerTransp(axis != 3 ? FXPlanet::kTransparencyPulse : 0, 8); // seconds of both
+    }
+    for (const auto& [time, alpha] : {std::pair{2.0, 0.25f}, {4.0, 0.5f}, {6.0, 0.25f}, {8.0, 0.0f}}) {
+        const auto& drawn = Draw(time);
+        for (int axis = 0; axis < 4; ++axis) {
+            EXPECT_NEAR(AlphaOf(axis), axis != 3 ? alpha : 0.5f, 1e-6) << time;
+            if (time == 2)
+                ExpectMatrix(drawn.at(static_cast<std::size_t>(axis)).matrix, {base_, kAtAQuarter[axis]});
+        }
+    }
+    EXPECT_EQ(planet_.models[1]->meshes[0]->colorMode, 1);
+}
+
+TEST_F(Planet, LayersArePlainUntilSet) {
+    for (int i = 0; i < 4; ++i)
+        planet_.AddLayerCN(&package_, 1);
+    planet_.SetLayerFluid(true);
+    planet_.SetLayerRot(2, 80, 90);
+    planet_.matFirst = 2;
+    planet_.matLast = 3;
+    planet_.layerMatrix = Scale(2, 3, 4);
+    const auto& drawn = Draw(20);
+    EXPECT_TRUE(drawn.at(0).depthWrite && !drawn.at(3).depthWrite && AlphaOf(0) == 1);
+    ExpectMatrix(drawn[1].matrix, {base_});
+    ExpectMatrix(drawn[2].matrix, {base_, Scale(2, 3, 4)});
+    ExpectMatrix(drawn[3].matrix, {base_, Scale(2, 3, 4), TurnY(90)});
+}
+
+TEST_F(Planet, ColoursItsMaterialsInstead) {
+    planet_.useColMat = true;
+    planet_.layerColor[0] = 0.5f;
+    Add(1);
+    planet_.SetLayerTransp(FXPlanet::kTransparencyPulse, 8);
+    Draw(2);
+    const FXMesh& mesh = *planet_.models[0]->meshes[0];
+    EXPECT_EQ(mesh.material->diffuse[0], 1.0f) << "half of 2";
+    EXPECT_EQ(mesh.material->diffuse[3], 2.75f / 2) << "halfway up";
+    EXPECT_EQ(mesh.colorMode, 0);
+}
+
+TEST_F(Planet, SettersNeedALayerAndTheEleventhIsRefused) {
+    planet_.SetLayerRot(1, 2, 3);
+    planet_.SetLayerScale(1, 2);
+    planet_.SetLayerTransp(FXPlanet::kTransparencyPulse, 2);
+    planet_.SetLayerFluid(true);
+    EXPECT_TRUE(planet_.rot1[0].duration == 10 && planet_.rot2[0].duration == 12 &&
+                planet_.pulse[0].duration == 4);
+    planet_.AddLayerCN(&package_, 99); // no such model
+    EXPECT_TRUE(planet_.layerCount == 1 && Draw(0).empty());
+    Add(11);
+    EXPECT_TRUE(planet_.layerCount == 10 && planet_.curLayer == 9 && planet_.models.count == 10);
+    EXPECT_EQ(Draw(0).size(), 9u);
+    planet_.Destroy();
+    EXPECT_TRUE(planet_.layerCount == 0 && planet_.curLayer == -1 && Draw(0).empty());
+}
+
+} // namespace

@@ -1,0 +1,116 @@
+#include "platform/clock.h"
+#include "platform/configuration.h"
+#include "platform/paths.h"
+#include "platform/random.h"
+#include "platform/threads.h"
+#include "unit/temp_folder.h"
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+TEST(Clock, CountsAndSleepsInMilliseconds) {
+    fxSetTickSource([] { return 0xFFFFFFFFu; });
+    EXPECT_EQ(fxGetTime(), 4294967.295);
+    fxSetTickSource(nullptr);
+    const double before = fxGetTime();
+    const auto start = std::chrono::steady_clock::now();
+    fxSleep(0.0195);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20)) << "rounded";
+    EXPECT_GE(fxGetTime() - before, 0.019);
+    for (const double nonsense : {0.0, -1e30, std::nan("")})
+        fxSleep(nonsense);
+    EXPECT_LT(fxGetTime() - before, 30.0);
+}
+
+TEST(Random, RunsFromZeroToOneBothIncluded) {
+    std::set<float> values;
+    for (unsigned seed = 0; seed < 1u << 16; ++seed) {
+        crt_srand(seed << 16);
+        values.insert(fxGetRandom());
+    }
+    EXPECT_EQ(*values.begin(), 0.0f);
+    EXPECT_EQ(*values.rbegin(), 1.0f);
+}
+
+TEST(Threads, AreWaitedFor) {
+    std::atomic<bool> go = false;
+    const auto work = [](void* flag) {
+        while (!*static_cast<std::atomic<bool>*>(flag))
+            fxSleep(0.001);
+    };
+    void* thread = fxCreateThread(work, &go);
+    EXPECT_FALSE(fxWaitThread(thread, 0.0005));
+    fxSetThreadPriority(thread, 1);
+    go = true;
+    EXPECT_TRUE(fxWaitThread(thread, 100000.0));
+    EXPECT_TRUE(fxWaitThread(thread, 0.0)) << "an ended thread can be asked again";
+    fxTerminateThread(thread);
+    EXPECT_TRUE(fxWaitThread(thread, 100000.0)) << "closed counts as ended";
+    fxDestroyThread(thread);
+    EXPECT_TRUE(fxWaitThread(nullptr, 1.0));
+    fxDestroyThread(nullptr);
+}
+
+TEST(Paths, EndWithTheSeparatorTheyUse) {
+    const std::string tooLong(300, 'x');
+    const std::pair<const char*, std::string> cases[] = {
+        {"", "\\"},           {nullptr, "\\"},
+        {"/a/b", "/a/b/"},    {"/a/b/", "/a/b/"},
+        {"C:\\a", "C:\\a\\"}, {"C:/a\\b", "C:/a\\b\\"},
+        {"a", "a\\"},         {tooLong.c_str(), tooLong.substr(0, 259) + "\\"},
+    };
+    for (const auto& [path, stored] : cases) {
+        fxSetTypePath(1, path);
+        EXPECT_EQ(fxGetTypePath(1), stored);
+    }
+    fxSetTypePath(3, "/a");
+    EXPECT_EQ(fxGetTypePath(3), nullptr);
+    EXPECT_FALSE(fxSetPath(3));
+}
+
+TEST(Paths, ChooseTheCurrentFolder) {
+    const TempFolder folder;
+    const fs::path start = fs::current_path();
+    EXPECT_FALSE(fxSetActPath(folder.File("missing").c_str()));
+    fxSetTypePath(1, folder.File("").c_str());
+    EXPECT_TRUE(fxSetPath(1));
+    fxInitPaths();
+    EXPECT_TRUE(fs::equivalent(fxGetTypePath(1), folder.File("")));
+    EXPECT_GT(std::strlen(fxGetTypePath(2)), 1u);
+    fs::current_path(start);
+}
+
+TEST(Configuration, GivesTheFolderOrSaysInOneLineWhatIsWrong) {
+    const TempFolder folder;
+    fs::create_directories(folder.File("home/tamblor"));
+    setenv("XDG_CONFIG_HOME", folder.File("home").c_str(), 1);
+    setenv("XDG_CONFIG_DIRS", folder.File("system").c_str(), 1);
+    unsetenv("TAMBLOR_DATA");
+    const std::string longest = "/" + std::string(518, 'x');
+    const struct {
+        std::string file, path, problem;
+    } cases[] = {
+        {"path = /one\n", "/one", ""},
+        {"path = " + longest + "x\n", "/one", ""}, // does not fit: not read
+        {"path = " + longest + "\n", longest, ""},
+        {"path = /two\npath: three\n", longest, "tamblor.conf:2: "},
+    };
+    for (const auto& c : cases) {
+        folder.Write("home/tamblor/tamblor.conf", c.file);
+        EXPECT_EQ(localReadConfig(), ERROR_SUCCESS);
+        EXPECT_EQ(orinPath, c.path) << c.file;
+        EXPECT_EQ(configProblem.IsEmpty(), c.problem.empty()) << configProblem.text;
+        EXPECT_NE(std::strstr(configProblem.text, c.problem.c_str()), nullptr) << configProblem.text;
+        EXPECT_EQ(std::strpbrk(configProblem.text, "\r\n"), nullptr);
+    }
+}
+
+} // namespace

@@ -1,0 +1,9 @@
+set(here ${CMAKE_CURRENT_LIST_DIR})
+tamb_add_unit_test(render_test SOURCES
+    ${here}/render_environment_test.cpp ${here}/gl_device_test.cpp ${here}/gl_mesh_test.cpp ${here}/desktop_test.cpp
+    ${here}/codec_modules_test.cpp
+    LIBS tamb_render tamb_gl_recorder tamb_fake_desktop tamb_fake_win32)
+
+# The X11 source, where there is no X server.
+tamb_add_unit_test(desktop_x11_test SOURCES ${here}/desktop_x11_test.cpp
+    LIBS tamb_desktop_x11 tamb_win32_posix)

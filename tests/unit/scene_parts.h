@@ -1,0 +1,74 @@
+// What tests of drawn things share: a device that knows in which state a mesh was drawn, and triangles.
+#pragma once
+
+#include "base/file_handle.h"
+#include "geometry/model.h"
+#include "unit/recorded_device.h"
+#include "unit/test_mesh.h"
+#include "unit/test_package.h"
+
+struct SceneDevice : FXGL {
+    struct Drawn {
+        const FXMesh* mesh;
+        FXMatrix matrix;
+        bool lights, depthTest, depthWrite;
+    };
+    void RenderMesh(FXMesh* mesh) override {
+        drawn.push_back({mesh, matrix, lightsOn, depthTest, depthWrite});
+        FXGL::RenderMesh(mesh);
+    }
+    std::vector<Drawn> drawn;
+};
+
+inline std::vector<TestVertex> TriangleAt(float x) {
+    return {{{x, 0, 0}, {0, x, 1}}, {{x + 1, 0, 0}}, {{x, 1, 0}}};
+}
+
+inline FXModel* NewModel(const std::vector<std::vector<TestVertex>>& triangles, const char* material = "",
+                         const char* library = "") {
+    auto* model = new FXModel;
+    model->matlibName.Set(library);
+    for (const std::vector<TestVertex>& vertices : triangles) {
+        model->meshes.Push(new FXMesh);
+        MakeMesh(model->meshes.Last(), vertices, {0, 1, 2});
+        model->meshes.Last()->materialName.Set(material);
+    }
+    return model;
+}
+
+// A model of one triangle, as it stands in a package.
+inline std::string TriangleModel(const TempFolder& folder, const char* material = "",
+                                 const char* library = "") {
+    const std::unique_ptr<FXModel> model(NewModel({TriangleAt(0)}, material, library));
+    EXPECT_TRUE(model->Save_v02(fxOpenFile(folder.File("model").c_str(), "wb").get()));
+    return folder.Read("model");
+}
+
+template <class Turn> FXMatrix Made(Turn turn) {
+    FXMatrix m;
+    turn(m);
+    return m;
+}
+inline FXMatrix Move(float x, float y, float z) {
+    return Made([=](FXMatrix& m) { m.SetMoveF(x, y, z); });
+}
+inline FXMatrix Scale(float x, float y, float z) {
+    return Made([=](FXMatrix& m) { m.SetScaleF(x, y, z); });
+}
+inline FXMatrix TurnX(float degrees) {
+    return Made([=](FXMatrix& m) { m.SetRotateX(degrees); });
+}
+inline FXMatrix TurnY(float degrees) {
+    return Made([=](FXMatrix& m) { m.SetRotateY(degrees); });
+}
+
+// The last factor acts first.
+inline void ExpectMatrix(const FXMatrix& actual, std::initializer_list<FXMatrix> factors) {
+    FXMatrix expected;
+    for (const FXMatrix& factor : factors) {
+        const FXMatrix left = expected;
+        expected.Multiply(&left, &factor);
+    }
+    for (int i = 0; i < 16; ++i)
+        EXPECT_NEAR(actual.m[i], expected.m[i], 1e-5) << "element " << i;
+}

@@ -1,0 +1,307 @@
+// The whole show over the recorder: what is drawn in each stage, and when the stages change.
+#include "base/memory.h"
+#include "fakes/fake_desktop.h"
+#include "fakes/fake_win32.h"
+#include "fakes/gl_recorder.h"
+#include "image/codec.h"
+#include "platform/clock.h"
+#include "platform/configuration.h"
+#include "platform/trace.h"
+#include "scene/show.h"
+#include "unit/scene_parts.h"
+
+#include <dlfcn.h>
+
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+namespace {
+
+using Calls = std::vector<std::string>;
+
+std::uint32_t ticks = 0;
+
+// The codec's modules as the scripted platform hands them out.
+void OfferCodec() {
+    const auto offer = [](const char* module, const char* file, std::initializer_list<const char*> names) {
+        void* library = dlopen(file, RTLD_NOW);
+        ASSERT_NE(library, nullptr) << file;
+        for (const char* name : names)
+            fakeWin32.modules[module][name] = reinterpret_cast<FARPROC>(dlsym(library, name));
+    };
+    offer("DevIL", "libIL.so.1",
+          {"ilInit", "ilShutDown", "ilEnable", "ilDisable", "ilSetInteger", "ilGenImages", "ilDeleteImages",
+           "ilBindImage", "ilGetInteger", "ilLoadImage", "ilLoadL", "ilSaveImage", "ilCloneCurImage",
+           "ilConvertImage", "ilCopyPixels", "ilSetPixels", "ilGetData", "ilTexImage"});
+    offer("ilu", "libILU.so.1", {"iluScale", "iluImageParameter"});
+}
+
+class Show : public testing::Test {
+protected:
+    static constexpr double kStart = 100;
+
+    Show() {
+        ResetFakeWin32();
+        GLRecorder::Reset();
+        fakeWin32.glEntryPoints = GLRecorder::EntryPoints();
+        fakeDesktop = {};
+        fakeDesktop.pixels = {kDesktop, 4, 1, 1};
+        fakeWin32.screenWidth = fakeWin32.screenHeight = 1;
+        fxSetTickSource([] { return ticks; });
+        std::snprintf(orinPath, sizeof orinPath, "/the show");
+        show::fire_num = 32;
+        std::filesystem::current_path(folder_.File(""));
+        OfferCodec();
+    }
+    ~Show() override {
+        DestroyScene();
+        fxCloseTraces();
+        fxSetTickSource(nullptr);
+        orinPath[0] = '\0';
+        std::filesystem::current_path(before_);
+    }
+
+    // Pictures, models and a morph of twice half a second, whose triangle carries the desktop's picture.
+    void WritePackage() {
+        FXPackage package;
+        const std::string picture = Tga(1, 1, {0xFFFFFFFFu});
+        const std::string model = TriangleModel(folder_);
+        std::vector<TestEntry> entries;
+        for (const int id : {0, 1, 5, 18, 19, 20, 21, 73, 74})
+            entries.push_back({id, kTga, picture});
+        for (const int id : {4, 11, 13, 15, 17})
+            entries.push_back({id, kRaw, model});
+        entries.push_back({72, kRaw, Morph()});
+        LoadTestPackage(package, folder_, entries);
+        std::filesystem::rename(folder_.File("test-package"), folder_.File("tamb.dat"));
+    }
+    std::string Morph() {
+        FXAnim anim;
+        for (int i = 0; i < 3; ++i) {
+            anim.models.Push(NewModel({TriangleAt(static_cast<float>(i))}, "Material001"));
+            anim.frameNames.Push("");
+            anim.frameTimes.Push(500);
+        }
+        EXPECT_TRUE(anim.Save(folder_.File("morph").c_str()));
+        return folder_.Read("morph");
+    }
+    void Build(bool preview = false) {
+        Set(kStart);
+        BuildScene(kFakeWindow, preview);
+        GLRecorder::Take();
+        TakeFakeCalls();
+    }
+    static void Set(double time) { ticks = static_cast<std::uint32_t>(std::lround(time * 1000)); }
+
+    // One frame. Gives what was drawn, by the names of the textures: "space rays ...", "plain" without one;
+    // the cube's twelve faces, which come when they are due, go to cube_.
+    std::string Frame(double time) {
+        std::string drawn, bound;
+        const std::ptrdiff_t faces = show::isPreview || show::demo.waiting ? 0 : 12;
+        bool secondUnit = false;
+        Set(time);
+        show::sc.OnRender(&show::gr, time);
+        EXPECT_EQ(TakeFakeCalls(), Calls{"SwapBuffers()"});
+        frame_ = GLRecorder::Take();
+        std::ptrdiff_t left = Count("glBegin(GL_TRIANGLES)");
+        cube_.clear();
+        for (const std::string& call : frame_)
+            if (call.starts_with("glActiveTexture("))
+                secondUnit = call == "glActiveTexture(GL_TEXTURE1)";
+            else if (call.starts_with("glBindTexture(GL_TEXTURE_2D,") && !secondUnit)
+                bound = NameOf(static_cast<unsigned>(std::stoi(call.substr(28))));
+            else if (call == "glBegin(GL_TRIANGLES)")
+                (left-- > faces ? drawn : cube_) += bound + " ";
+        return drawn;
+    }
+    static std::string NameOf(unsigned texture) {
+        const std::pair<const char*, const FXMaterial*> kNames[] = {
+            {"preview", &show::preview_mat}, {"desktop", &show::scr_mat},      {"space", &show::desk0_mat},
+            {"halo", &show::desk1_mat},      {"rays", &show::desk2_mat},       {"lens", &show::desk_lens_mat},
+            {"label", &show::gad.labelMat},  {"error", &show::err_gad.errMat}, {"mirror", &show::demo.envMat},
+            {"skin", &show::demo.skinMat}};
+        for (const auto& [name, material] : kNames)
+            if (texture != 0 && material->texName == texture)
+                return name;
+        return texture == 0 ? "plain" : "unknown";
+    }
+    std::ptrdiff_t Count(const char* call) const { return std::ranges::count(frame_, call); }
+
+    // Frames until the stage is over; when that was.
+    double Last(int stage, double time, double step) {
+        const double end = time + 60;
+        GLRecorder::SetNullMode(true);
+        while (show::stage == stage && time < end)
+            Frame(time += step);
+        GLRecorder::SetNullMode(false);
+        EXPECT_EQ(show::stage, (stage + 1) % 5);
+        return time;
+    }
+
+    static constexpr unsigned char kDesktop[4] = {0x33, 0x22, 0x11, 0};
+    const std::filesystem::path before_ = std::filesystem::current_path();
+    TempFolder folder_;
+    Calls frame_;
+    std::string cube_;
+};
+
+const std::string kAlways = "space rays halo lens plain plain plain plain plain label ";
+
+TEST_F(Show, GoesThroughItsCycle) {
+    struct Moment {
+        double seconds; // from when the burn begins, or ends
+        int stage;      // behind it
+        std::string drawn;
+        float alpha; // of the desktop as it fades
+    };
+    using namespace show;
+    const Moment kBefore[] = {{0, kDissolving, "desktop desktop ", 1},
+                              {0.5, kDissolving, "desktop desktop ", 0.75f},
+                              {1.875, kDissolving, "desktop desktop ", 0.0625f},
+                              {2, kBurning, "desktop desktop ", 0},
+                              {2.125, kBurning, "desktop ", 0}};
+    const Moment kAfter[] = {{1, kPause, "", 0},
+                             {19.875, kPause, "", 0},
+                             {20, kRebuilding, "", 0},
+                             {20.25, kRebuilding, "desktop ", 0},
+                             {20.5, kRebuilding, "desktop ", 0},
+                             {20.875, kRebuilding, "desktop ", 0},
+                             {21, kReturning, "desktop ", 0},
+                             {21.5, kReturning, "desktop desktop ", 0.25f},
+                             {22.875, kReturning, "desktop desktop ", 0.9375f},
+                             {23, kDissolving, "desktop desktop ", 1}};
+    WritePackage();
+    Build();
+    EXPECT_EQ(fakeDesktop.calls, "copy 1x1, lock, unlock, release");
+    EXPECT_EQ(GLRecorder::LiveTextures(), 9) << "all pictures but the preview's";
+    fxSetAllocLimit(1); // nothing is allocated any more
+    const auto play = [&](double from, const Moment& m) {
+        SCOPED_TRACE(m.seconds);
+        EXPECT_EQ(Frame(from + m.seconds), kAlways + m.drawn);
+        EXPECT_EQ(stage, m.stage);
+        EXPECT_EQ(scr_desk.mesh.vertices[0].color[3], m.alpha);
+    };
+    double time = kStart;
+    for (int cycle = 0; cycle < 2; ++cycle, time += 23) {
+        for (const Moment& moment : kBefore)
+            play(time, moment);
+        const double burnt = Last(kBurning, time + 2.125, 0.125);
+        EXPECT_TRUE(5 < burnt - time && burnt - time < 17) << burnt - time;
+        time = burnt;
+        for (const Moment& moment : kAfter)
+            play(time, moment);
+        EXPECT_EQ(cube_, "mirror mirror mirror mirror mirror mirror skin skin skin skin skin skin ");
+    }
+    fxSetAllocLimit(0);
+}
+
+TEST_F(Show, FirstFrameKeepsWhatIsOnTheScreen) {
+    WritePackage();
+    Build();
+    Frame(kStart);
+    EXPECT_EQ(Count("glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT)"), 0);
+    EXPECT_EQ(Count("glClear(GL_DEPTH_BUFFER_BIT)"), 2) << "medallion and cube";
+    EXPECT_EQ(Count("glEnable(GL_NORMALIZE)"), 1);
+    for (int i = 1; i < 3; ++i) {
+        Frame(kStart + i);
+        EXPECT_EQ(Count("glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT)"), 1);
+        EXPECT_TRUE(frame_[0] == "glEnable(GL_DEPTH_TEST)" && frame_[1] == "glDepthMask(GL_TRUE)")
+            << "or the depth is not cleared";
+    }
+}
+
+TEST_F(Show, GoesOnWithoutAnything) {
+    fakeWin32.modules.clear();
+    fakeDesktop.copyFails = true;
+    Build();
+    EXPECT_EQ(fakeDesktop.calls, "copy 1x1, release");
+    EXPECT_EQ(GLRecorder::LiveTextures(), 1);
+    EXPECT_EQ(Frame(kStart), "plain plain plain plain plain desktop desktop ");
+    double time = kStart;
+    for (int cycle = 0; cycle < 2; ++cycle) {
+        EXPECT_NEAR(Last(show::kDissolving, time, 0.25) - time, 2, 1e-9);
+        time = Last(show::kBurning, time + 2, 0.25);
+        EXPECT_NEAR(Last(show::kPause, time, 0.25) - time, 20, 1e-9);
+        EXPECT_NEAR(Last(show::kRebuilding, time + 20, 0.25) - time, 20.25, 1e-9) << "nothing to rebuild";
+        time = Last(show::kReturning, time + 20.25, 0.25);
+    }
+}
+
+TEST_F(Show, DesktopThatCannotBePhotographedIsBlack) {
+    for (const bool fails : {true, false}) {
+        fakeDesktop.copyFails = fails;
+        Set(kStart);
+        BuildScene(kFakeWindow, false);
+        const std::string upload = "gluBuild2DMipmaps(GL_TEXTURE_2D,4,1,1,GL_RGBA,GL_UNSIGNED_BYTE,";
+        EXPECT_EQ(std::ranges::count(GLRecorder::Take(),
+                                     upload + (fails ? "000000ff..000000ff)" : "112233ff..112233ff)")),
+                  1);
+        DestroyScene();
+    }
+}
+
+TEST_F(Show, PreviewIsOnePictureAndLeavesNoTrace) {
+    WritePackage();
+    Set(kStart);
+    BuildScene(kFakeWindow, true);
+    EXPECT_EQ(std::ranges::count(TakeFakeCalls(), "SetCurrentDirectoryA(/the show/)"), 1);
+    EXPECT_EQ(fakeDesktop.calls, "release") << "nothing is photographed";
+    GLRecorder::Take();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Frame(kStart + i), "preview ");
+        EXPECT_EQ(Count("glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT)"), 1);
+    }
+    EXPECT_EQ(show::stage, show::kDissolving);
+    EXPECT_FALSE(std::filesystem::exists(folder_.File("tamb.log")));
+    DestroyScene();
+    Build();
+    EXPECT_TRUE(std::filesystem::exists(folder_.File("tamb.log")));
+}
+
+TEST_F(Show, PoorOpenGLShowsTheErrorPictureOnTop) {
+    WritePackage();
+    GLRecorder::SetDriver({.extensions = ""});
+    for (const bool preview : {false, true}) {
+        Build(preview);
+        EXPECT_EQ(show::hasError, !preview) << "the preview is not tested";
+        EXPECT_EQ(Frame(kStart), preview ? "preview " : kAlways + "desktop desktop error ");
+        DestroyScene();
+    }
+}
+
+TEST_F(Show, IsTakenDownAndBuiltAgain) {
+    WritePackage();
+    for (int build = 0; build < 3; ++build) {
+        Build();
+        EXPECT_EQ(GLRecorder::LiveTextures(), 9);
+        EXPECT_EQ(Frame(kStart), kAlways + "desktop desktop ") << "from the beginning";
+        Frame(kStart + 16);
+        Frame(kStart + 17);
+        EXPECT_TRUE(show::stage != show::kDissolving && !cube_.empty()) << "of which nothing is left";
+        DestroyScene();
+        EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+        EXPECT_FALSE(fxDevilLoaded());
+        EXPECT_TRUE(show::gr.rc == nullptr && show::pck.ids.IsEmpty());
+    }
+}
+
+TEST_F(Show, IsDrawnByALoopUntilItIsTakenDown) {
+    WritePackage();
+    fxSetTickSource(nullptr);
+    InitScene(kFakeWindow, false);
+    const auto frames = [] { return std::ranges::count(TakeFakeCalls(), "SwapBuffers()"); };
+    std::ptrdiff_t drawn = 0;
+    for (int i = 0; i < 1000 && drawn < 3; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        drawn += frames();
+    }
+    EXPECT_GE(drawn, 3);
+    DestroyScene();
+    EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+    frames();
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(frames(), 0);
+}
+
+} // namespace

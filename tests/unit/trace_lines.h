@@ -1,0 +1,34 @@
+// The trace of one test, as its lines without thread and time.
+#pragma once
+
+#include "platform/trace.h"
+#include "unit/temp_folder.h"
+
+#include <sstream>
+
+class TraceLines {
+public:
+    explicit TraceLines(const TempFolder& folder) : folder_(folder) {
+        EXPECT_TRUE(fxOpenTraces(folder_.File("trace").c_str()));
+    }
+    ~TraceLines() { fxCloseTraces(); }
+    TraceLines(const TraceLines&) = delete;
+    TraceLines& operator=(const TraceLines&) = delete;
+
+    // What was written up to now, e.g. {"loading devil", "#ERROR: failed"}.
+    std::vector<std::string> Lines() const {
+        const std::string error = "#ERROR: ";
+        std::vector<std::string> lines;
+        std::istringstream log(folder_.Read("trace"));
+        for (std::string line; std::getline(log, line);) {
+            const std::size_t time = line.find(": [");
+            const std::size_t text = line.find("] ");
+            if (time != std::string::npos && text != std::string::npos)
+                lines.push_back((line.starts_with(error) ? error : "") + line.substr(text + 2));
+        }
+        return lines;
+    }
+
+private:
+    const TempFolder& folder_;
+};
