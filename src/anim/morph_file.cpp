@@ -20,7 +20,8 @@ constexpr int kPoolStep = 800000;
 constexpr int kSmallestMesh = 32; // a header and an empty pool
 
 // What an entry may ask for, so that no loader costs more than in proportion to its bytes: a mesh in a key
-// frame, and a key frame without meshes, takes 8 bytes at the least, a corner in a key frame a quarter of one.
+// frame, and a key frame without meshes, takes 8 bytes at the least, a corner in a key frame a quarter of
+// one.
 constexpr std::int64_t kBytesPerMesh = 8;
 constexpr std::int64_t kCornersPerByte = 4;
 // Version 2 names entries, and may name one often.

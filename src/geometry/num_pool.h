@@ -9,7 +9,7 @@ class FXPackageData;
 class FXNumPool {
 public:
     FXNumPool() : FXNumPool(1) {}
-    explicit FXNumPool(int step) : growStep(step) {}
+    explicit FXNumPool(int step) : growStep(step > 0 ? step : 1) {}
     ~FXNumPool() { DestroyBuf(); }
     FXNumPool(const FXNumPool&) = delete;
     FXNumPool& operator=(const FXNumPool&) = delete;

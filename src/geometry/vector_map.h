@@ -21,6 +21,8 @@ protected:
 
 class FXVectorMap {
 public:
+    static constexpr int kKeyStep = 1000000; // as many vectors as the floats grow by
+
     FXVectorMap() = default;
     FXVectorMap(const FXVectorMap&) = delete;
     FXVectorMap& operator=(const FXVectorMap&) = delete;
@@ -62,7 +64,8 @@ public:
     int normCount = 0;
     int texCount = 0;
     // The mesh and the vertex that each stored vector was first taken from; while packing only.
-    FXArray<int> posMesh, posVertex, normMesh, normVertex, texMesh, texVertex;
+    FXArray<int> posMesh{kKeyStep}, posVertex{kKeyStep}, normMesh{kKeyStep}, normVertex{kKeyStep},
+        texMesh{kKeyStep}, texVertex{kKeyStep};
 
 private:
     // Stored vectors by the hash of their value, each list rising.

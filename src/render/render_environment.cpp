@@ -116,8 +116,10 @@ FXMatlib* FXEnv::FindShared(const char* name) const {
     return nullptr;
 }
 
-FXMatlib* FXEnv::NewShared() {
+// Under the name that was asked for until it is loaded, and for good when it cannot be.
+FXMatlib* FXEnv::NewShared(const char* name) {
     auto* library = new FXMatlib;
+    library->name.Set(name);
     library->parent = &defaultMatlib;
     matlibs.Push(library);
     return library;
@@ -126,7 +128,7 @@ FXMatlib* FXEnv::NewShared() {
 FXMatlib* FXEnv::LoadMatlib(const char* name) {
     if (FXMatlib* shared = FindShared(name))
         return shared;
-    FXMatlib* library = NewShared();
+    FXMatlib* library = NewShared(name);
     library->LoadFromMtl(name);
     return library;
 }
@@ -134,7 +136,7 @@ FXMatlib* FXEnv::LoadMatlib(const char* name) {
 FXMatlib* FXEnv::LoadMatlibC(FXPackage* pck, const char* name) {
     if (FXMatlib* shared = FindShared(name))
         return shared;
-    FXMatlib* library = NewShared();
+    FXMatlib* library = NewShared(name);
     library->LoadC(pck, name);
     return library;
 }

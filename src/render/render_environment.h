@@ -70,5 +70,5 @@ public:
 
 private:
     FXMatlib* FindShared(const char* name) const;
-    FXMatlib* NewShared();
+    FXMatlib* NewShared(const char* name);
 };

@@ -9,88 +9,29 @@
 #include <cstdio>
 #include <mutex>
 #include <set>
+#include <string_view>
 #include <utility>
 
 namespace {
 
-struct Constant {
-    GLenum value;
-    const char* name;
-};
-
-#define NAMED(constant)                                                                                      \
-    { constant, #constant }
-// Below 0x100 the same number has many names; those are given where they are used.
-constexpr Constant kConstants[] = {
-    NAMED(GL_LEQUAL),
-    NAMED(GL_GREATER),
-    NAMED(GL_SRC_ALPHA),
-    NAMED(GL_ONE_MINUS_SRC_ALPHA),
-    NAMED(GL_FRONT),
-    NAMED(GL_BACK),
-    NAMED(GL_FRONT_AND_BACK),
-    NAMED(GL_CULL_FACE),
-    NAMED(GL_LIGHTING),
-    NAMED(GL_LIGHT_MODEL_AMBIENT),
-    NAMED(GL_COLOR_MATERIAL),
-    NAMED(GL_DEPTH_TEST),
-    NAMED(GL_NORMALIZE),
-    NAMED(GL_ALPHA_TEST),
-    NAMED(GL_BLEND),
-    NAMED(GL_PERSPECTIVE_CORRECTION_HINT),
-    NAMED(GL_TEXTURE_GEN_S),
-    NAMED(GL_TEXTURE_GEN_T),
-    NAMED(GL_UNPACK_ALIGNMENT),
-    NAMED(GL_TEXTURE_2D),
-    NAMED(GL_NICEST),
-    NAMED(GL_AMBIENT),
-    NAMED(GL_DIFFUSE),
-    NAMED(GL_SPECULAR),
-    NAMED(GL_POSITION),
-    NAMED(GL_SPOT_DIRECTION),
-    NAMED(GL_SPOT_EXPONENT),
-    NAMED(GL_SPOT_CUTOFF),
-    NAMED(GL_CONSTANT_ATTENUATION),
-    NAMED(GL_LINEAR_ATTENUATION),
-    NAMED(GL_QUADRATIC_ATTENUATION),
-    NAMED(GL_UNSIGNED_BYTE),
-    NAMED(GL_EMISSION),
-    NAMED(GL_SHININESS),
-    NAMED(GL_AMBIENT_AND_DIFFUSE),
-    NAMED(GL_MODELVIEW),
-    NAMED(GL_PROJECTION),
-    NAMED(GL_RGBA),
-    NAMED(GL_FILL),
-    NAMED(GL_SMOOTH),
-    NAMED(GL_S),
-    NAMED(GL_T),
-    NAMED(GL_MODULATE),
-    NAMED(GL_TEXTURE_ENV_MODE),
-    NAMED(GL_TEXTURE_ENV),
-    NAMED(GL_SPHERE_MAP),
-    NAMED(GL_TEXTURE_GEN_MODE),
-    NAMED(GL_LINEAR),
-    NAMED(GL_LINEAR_MIPMAP_LINEAR),
-    NAMED(GL_TEXTURE_MAG_FILTER),
-    NAMED(GL_TEXTURE_MIN_FILTER),
-    NAMED(GL_TEXTURE_WRAP_S),
-    NAMED(GL_TEXTURE_WRAP_T),
-    NAMED(GL_LIGHT0),
-    NAMED(GL_LIGHT1),
-    NAMED(GL_LIGHT2),
-    NAMED(GL_LIGHT3),
-    NAMED(GL_LIGHT4),
-    NAMED(GL_LIGHT5),
-    NAMED(GL_LIGHT6),
-    NAMED(GL_LIGHT7),
-    NAMED(GL_CLAMP_TO_EDGE),
-    NAMED(GL_LIGHT_MODEL_COLOR_CONTROL),
-    NAMED(GL_SINGLE_COLOR),
-    NAMED(GL_SEPARATE_SPECULAR_COLOR),
-    NAMED(GL_TEXTURE0),
-    NAMED(GL_TEXTURE1),
-};
-#undef NAMED
+// The constants that the product uses, and how they are spelt. Below 0x100 the same number has many names;
+// those are given where they are used.
+#define CONSTANTS(...)                                                                                       \
+    constexpr GLenum kValues[] = {__VA_ARGS__};                                                              \
+    constexpr std::string_view kNames = #__VA_ARGS__ ",";
+CONSTANTS(GL_LEQUAL, GL_GREATER, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_FRONT, GL_BACK, GL_FRONT_AND_BACK,
+          GL_CULL_FACE, GL_LIGHTING, GL_LIGHT_MODEL_AMBIENT, GL_COLOR_MATERIAL, GL_DEPTH_TEST, GL_NORMALIZE,
+          GL_ALPHA_TEST, GL_BLEND, GL_PERSPECTIVE_CORRECTION_HINT, GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T,
+          GL_UNPACK_ALIGNMENT, GL_TEXTURE_2D, GL_NICEST, GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_POSITION,
+          GL_SPOT_DIRECTION, GL_SPOT_EXPONENT, GL_SPOT_CUTOFF, GL_CONSTANT_ATTENUATION, GL_LINEAR_ATTENUATION,
+          GL_QUADRATIC_ATTENUATION, GL_UNSIGNED_BYTE, GL_EMISSION, GL_SHININESS, GL_AMBIENT_AND_DIFFUSE,
+          GL_MODELVIEW, GL_PROJECTION, GL_RGBA, GL_FILL, GL_SMOOTH, GL_S, GL_T, GL_MODULATE,
+          GL_TEXTURE_ENV_MODE, GL_TEXTURE_ENV, GL_SPHERE_MAP, GL_TEXTURE_GEN_MODE, GL_LINEAR,
+          GL_LINEAR_MIPMAP_LINEAR, GL_TEXTURE_MAG_FILTER, GL_TEXTURE_MIN_FILTER, GL_TEXTURE_WRAP_S,
+          GL_TEXTURE_WRAP_T, GL_LIGHT0, GL_LIGHT1, GL_LIGHT2, GL_LIGHT3, GL_LIGHT4, GL_LIGHT5, GL_LIGHT6,
+          GL_LIGHT7, GL_CLAMP_TO_EDGE, GL_LIGHT_MODEL_COLOR_CONTROL, GL_SINGLE_COLOR,
+          GL_SEPARATE_SPECULAR_COLOR, GL_TEXTURE0, GL_TEXTURE1)
+#undef CONSTANTS
 
 std::mutex mutex; // of the three below
 std::vector<std::string> calls;
@@ -103,6 +44,9 @@ GLRecorder::Driver driver;
 // The forms that an argument takes in the list; a plain number writes itself.
 struct Name {
     GLenum value;
+};
+struct Mask {
+    GLbitfield bits;
 };
 struct Floats {
     const GLfloat* values;
@@ -124,12 +68,27 @@ std::string Text(const char* text) {
 }
 
 std::string Text(Name name) {
-    const auto* at = std::ranges::find(kConstants, name.value, &Constant::value);
-    if (at != std::end(kConstants))
-        return at->name;
+    std::string_view names = kNames;
+    for (const GLenum value : kValues) {
+        if (value == name.value)
+            return std::string(names.substr(0, names.find(',')));
+        names.remove_prefix(std::min(names.find(',') + 2, names.size()));
+    }
     char number[16];
     std::snprintf(number, sizeof number, "0x%X", name.value);
     return number;
+}
+
+std::string Text(Mask mask) {
+    std::string text;
+    const auto add = [&](GLbitfield bit, const char* name) {
+        if ((mask.bits & bit) != 0)
+            text.append(text.empty() ? "" : "|").append(name);
+    };
+    add(GL_COLOR_BUFFER_BIT, "GL_COLOR_BUFFER_BIT");
+    add(GL_DEPTH_BUFFER_BIT, "GL_DEPTH_BUFFER_BIT");
+    add(GL_STENCIL_BUFFER_BIT, "GL_STENCIL_BUFFER_BIT");
+    return text.empty() ? "0" : text;
 }
 
 std::string Text(Floats floats) {
@@ -164,34 +123,11 @@ template <class... Arguments> inline void Note(const char* function, const Argum
         Write(function, arguments...);
 }
 
-std::string ClearMask(GLbitfield mask) {
-    std::string text;
-    for (const Constant& bit : {Constant{GL_COLOR_BUFFER_BIT, "GL_COLOR_BUFFER_BIT"},
-                                {GL_DEPTH_BUFFER_BIT, "GL_DEPTH_BUFFER_BIT"},
-                                {GL_STENCIL_BUFFER_BIT, "GL_STENCIL_BUFFER_BIT"}})
-        if ((mask & bit.value) != 0) {
-            if (!text.empty())
-                text += '|';
-            text += bit.name;
-        }
-    return text.empty() ? "0" : text;
-}
-
 // The parameters of lights, materials and light models are colours, but for these.
 int ParameterSize(GLenum parameter) {
-    switch (parameter) {
-    case GL_SPOT_DIRECTION:
-        return 3;
-    case GL_SPOT_EXPONENT:
-    case GL_SPOT_CUTOFF:
-    case GL_CONSTANT_ATTENUATION:
-    case GL_LINEAR_ATTENUATION:
-    case GL_QUADRATIC_ATTENUATION:
-    case GL_SHININESS:
-        return 1;
-    default:
-        return 4;
-    }
+    const bool single =
+        (parameter >= GL_SPOT_EXPONENT && parameter <= GL_QUADRATIC_ATTENUATION) || parameter == GL_SHININESS;
+    return single ? 1 : parameter == GL_SPOT_DIRECTION ? 3 : 4;
 }
 
 void APIENTRY RecordActiveTexture(GLenum unit) {
@@ -209,6 +145,13 @@ void APIENTRY RecordMultiTexCoord2fv(GLenum unit, const GLfloat* v) {
 std::vector<std::string> GLRecorder::Take() {
     const std::lock_guard lock(mutex);
     return std::exchange(calls, {});
+}
+
+std::string GLRecorder::TakeText() {
+    std::string text;
+    for (const std::string& call : Take())
+        text.append(text.empty() ? "" : " ").append(call);
+    return text;
 }
 
 void GLRecorder::SetNullMode(bool on) {
@@ -249,10 +192,56 @@ const GLubyte* GLAPIENTRY glGetString(GLenum name) {
     return reinterpret_cast<const GLubyte*>(text);
 }
 
-// The frame and the fixed state.
+#define ONE_ENUM(function)                                                                                   \
+    void GLAPIENTRY function(GLenum a) {                                                                     \
+        Note(#function, Name{a});                                                                            \
+    }
+#define TWO_ENUMS(function)                                                                                  \
+    void GLAPIENTRY function(GLenum a, GLenum b) {                                                           \
+        Note(#function, Name{a}, Name{b});                                                                   \
+    }
+#define TWO_ENUMS_AND_A_VALUE(function, type)                                                                \
+    void GLAPIENTRY function(GLenum a, GLenum b, type value) {                                               \
+        Note(#function, Name{a}, Name{b}, value);                                                            \
+    }
+#define TWO_ENUMS_AND_A_NAME(function, type)                                                                 \
+    void GLAPIENTRY function(GLenum a, GLenum b, type value) {                                               \
+        Note(#function, Name{a}, Name{b}, Name{static_cast<GLenum>(value)});                                 \
+    }
+#define PARAMETERS(function)                                                                                 \
+    void GLAPIENTRY function(GLenum a, GLenum parameter, const GLfloat* values) {                            \
+        Note(#function, Name{a}, Name{parameter}, Floats{values, ParameterSize(parameter)});                 \
+    }
+#define VECTOR(function, size)                                                                               \
+    void GLAPIENTRY function(const GLfloat* v) {                                                             \
+        Note(#function, Floats{v, size});                                                                    \
+    }
+
+ONE_ENUM(glShadeModel)
+ONE_ENUM(glEnable)
+ONE_ENUM(glDisable)
+ONE_ENUM(glCullFace)
+ONE_ENUM(glDepthFunc)
+ONE_ENUM(glMatrixMode)
+TWO_ENUMS(glHint)
+TWO_ENUMS(glPolygonMode)
+TWO_ENUMS(glBlendFunc)
+TWO_ENUMS(glColorMaterial)
+TWO_ENUMS_AND_A_VALUE(glLightf, GLfloat)
+TWO_ENUMS_AND_A_VALUE(glMaterialf, GLfloat)
+TWO_ENUMS_AND_A_NAME(glTexParameteri, GLint)
+TWO_ENUMS_AND_A_NAME(glTexEnvf, GLfloat)
+TWO_ENUMS_AND_A_NAME(glTexGeni, GLint)
+PARAMETERS(glLightfv)
+PARAMETERS(glMaterialfv)
+VECTOR(glColor4fv, 4)
+VECTOR(glNormal3fv, 3)
+VECTOR(glTexCoord2fv, 2)
+VECTOR(glVertex3fv, 3)
+VECTOR(glLoadMatrixf, 16)
+
 void GLAPIENTRY glClear(GLbitfield mask) {
-    if (!nullMode)
-        Write("glClear", ClearMask(mask).c_str());
+    Note("glClear", Mask{mask});
 }
 void GLAPIENTRY glClearColor(GLclampf r, GLclampf g, GLclampf b, GLclampf a) {
     Note("glClearColor", r, g, b, a);
@@ -266,76 +255,25 @@ void GLAPIENTRY glClearStencil(GLint s) {
 void GLAPIENTRY glViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
     Note("glViewport", x, y, width, height);
 }
-void GLAPIENTRY glShadeModel(GLenum mode) {
-    Note("glShadeModel", Name{mode});
-}
-void GLAPIENTRY glHint(GLenum target, GLenum mode) {
-    Note("glHint", Name{target}, Name{mode});
-}
-void GLAPIENTRY glEnable(GLenum capability) {
-    Note("glEnable", Name{capability});
-}
-void GLAPIENTRY glDisable(GLenum capability) {
-    Note("glDisable", Name{capability});
-}
-void GLAPIENTRY glPolygonMode(GLenum face, GLenum mode) {
-    Note("glPolygonMode", Name{face}, Name{mode});
-}
-void GLAPIENTRY glCullFace(GLenum face) {
-    Note("glCullFace", Name{face});
-}
-void GLAPIENTRY glDepthFunc(GLenum function) {
-    Note("glDepthFunc", Name{function});
-}
 void GLAPIENTRY glDepthMask(GLboolean on) {
     Note("glDepthMask", on != GL_FALSE ? "GL_TRUE" : "GL_FALSE");
 }
 void GLAPIENTRY glAlphaFunc(GLenum function, GLclampf reference) {
     Note("glAlphaFunc", Name{function}, reference);
 }
-void GLAPIENTRY glBlendFunc(GLenum source, GLenum destination) {
-    Note("glBlendFunc", Name{source}, Name{destination});
-}
-
-// Matrices.
-void GLAPIENTRY glMatrixMode(GLenum mode) {
-    Note("glMatrixMode", Name{mode});
-}
 void GLAPIENTRY glLoadIdentity() {
     Note("glLoadIdentity");
-}
-void GLAPIENTRY glLoadMatrixf(const GLfloat* m) {
-    Note("glLoadMatrixf", Floats{m, 16});
 }
 void GLAPIENTRY glOrtho(GLdouble left, GLdouble right, GLdouble bottom, GLdouble top, GLdouble near,
                         GLdouble far) {
     Note("glOrtho", left, right, bottom, top, near, far);
 }
-
-// Lights and materials.
 void GLAPIENTRY glLightModelfv(GLenum parameter, const GLfloat* values) {
     Note("glLightModelfv", Name{parameter}, Floats{values, ParameterSize(parameter)});
 }
 void GLAPIENTRY glLightModeli(GLenum parameter, GLint value) {
     Note("glLightModeli", Name{parameter}, Name{static_cast<GLenum>(value)});
 }
-void GLAPIENTRY glLightfv(GLenum light, GLenum parameter, const GLfloat* values) {
-    Note("glLightfv", Name{light}, Name{parameter}, Floats{values, ParameterSize(parameter)});
-}
-void GLAPIENTRY glLightf(GLenum light, GLenum parameter, GLfloat value) {
-    Note("glLightf", Name{light}, Name{parameter}, value);
-}
-void GLAPIENTRY glMaterialfv(GLenum face, GLenum parameter, const GLfloat* values) {
-    Note("glMaterialfv", Name{face}, Name{parameter}, Floats{values, ParameterSize(parameter)});
-}
-void GLAPIENTRY glMaterialf(GLenum face, GLenum parameter, GLfloat value) {
-    Note("glMaterialf", Name{face}, Name{parameter}, value);
-}
-void GLAPIENTRY glColorMaterial(GLenum face, GLenum mode) {
-    Note("glColorMaterial", Name{face}, Name{mode});
-}
-
-// Vertices.
 void GLAPIENTRY glBegin(GLenum mode) {
     Note("glBegin", mode == GL_TRIANGLES ? "GL_TRIANGLES" : "something else");
 }
@@ -345,20 +283,6 @@ void GLAPIENTRY glEnd() {
 void GLAPIENTRY glColor4f(GLfloat r, GLfloat g, GLfloat b, GLfloat a) {
     Note("glColor4f", r, g, b, a);
 }
-void GLAPIENTRY glColor4fv(const GLfloat* v) {
-    Note("glColor4fv", Floats{v, 4});
-}
-void GLAPIENTRY glNormal3fv(const GLfloat* v) {
-    Note("glNormal3fv", Floats{v, 3});
-}
-void GLAPIENTRY glTexCoord2fv(const GLfloat* v) {
-    Note("glTexCoord2fv", Floats{v, 2});
-}
-void GLAPIENTRY glVertex3fv(const GLfloat* v) {
-    Note("glVertex3fv", Floats{v, 3});
-}
-
-// Textures.
 void GLAPIENTRY glGenTextures(GLsizei count, GLuint* names) {
     for (GLsizei i = 0; i < count; ++i) {
         {
@@ -392,14 +316,5 @@ GLint GLAPIENTRY gluBuild2DMipmaps(GLenum target, GLint components, GLsizei widt
     Note("gluBuild2DMipmaps", Name{target}, components, width, height, Name{format}, Name{type},
          Pixels{pixels, width, height});
     return 0;
-}
-void GLAPIENTRY glTexParameteri(GLenum target, GLenum parameter, GLint value) {
-    Note("glTexParameteri", Name{target}, Name{parameter}, Name{static_cast<GLenum>(value)});
-}
-void GLAPIENTRY glTexEnvf(GLenum target, GLenum parameter, GLfloat value) {
-    Note("glTexEnvf", Name{target}, Name{parameter}, Name{static_cast<GLenum>(value)});
-}
-void GLAPIENTRY glTexGeni(GLenum coordinate, GLenum parameter, GLint value) {
-    Note("glTexGeni", Name{coordinate}, Name{parameter}, Name{static_cast<GLenum>(value)});
 }
 }

@@ -16,6 +16,7 @@ namespace GLRecorder {
 // elements and pictures by their first and last pixel, e.g. "glEnable(GL_BLEND)", "glVertex3fv(1,0,0)",
 // "glTexImage2D(GL_TEXTURE_2D,0,4,2,1,0,GL_RGBA,GL_UNSIGNED_BYTE,ff0000ff..00000000)".
 std::vector<std::string> Take();
+std::string TakeText(); // the same with a space between calls
 
 // While on, calls are not written down and cost next to nothing.
 void SetNullMode(bool on);

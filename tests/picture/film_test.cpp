@@ -19,10 +19,8 @@ bool Parse(const std::string& line, FilmOptions* options, std::string* error) {
 
 std::vector<Picture> ShortFilm(std::string* error) {
     ShowDriver driver;
-    ShowDriver::Settings settings = TestShow();
-    settings.step = 0.2;
     std::vector<Picture> film;
-    if (driver.Open(settings, error))
+    if (driver.Open(TestShow(), error))
         for (const double seconds :
              {0.0, 1.5, 4.0, 18.0}) // with the burn and the cube, whose ways are random
             film.push_back(driver.FrameAt(seconds));

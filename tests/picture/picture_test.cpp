@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr double kStep = 1.0 / 25;
 constexpr double kLongest = 120; // seconds, of one cycle and a second burn
 
 // Plays frame by frame and knows when the stage began.
@@ -28,9 +27,9 @@ public:
     void RunToStage(int stage) {
         if (driver_.Stage() == stage)
             return;
-        for (; driver_.Stage() != stage; now_ += kStep) {
+        for (; driver_.Stage() != stage; now_ += kTestStep) {
             ASSERT_LT(now_, kLongest) << "stage " << stage << " does not come";
-            driver_.RunTo(now_ + kStep);
+            driver_.RunTo(now_ + kTestStep);
         }
         stageStart_ = now_;
     }
@@ -43,7 +42,7 @@ public:
 
     Picture NextFrame() {
         Picture frame = driver_.FrameAt(now_);
-        now_ += kStep;
+        now_ += kTestStep;
         return frame;
     }
 
@@ -57,7 +56,7 @@ public:
     }
 
     // Next to nothing moves from the last frame to this one, so that a jump is the show's own.
-    Picture FrameAtOnce() { return driver_.FrameAt(now_ - kStep + 0.001); }
+    Picture FrameAtOnce() { return driver_.FrameAt(now_ - kTestStep + 0.001); }
 
     int Stage() const { return driver_.Stage(); }
 

@@ -29,6 +29,7 @@ ShowDriver::Settings TestShow() {
     ShowDriver::Settings settings;
     settings.width = 320;
     settings.height = 180;
+    settings.step = kTestStep;
     settings.dataFolder = TAMBLOR_DATA_DIR;
     settings.desktop = TestDesktop(settings.width, settings.height);
     return settings;

@@ -3,4 +3,6 @@
 
 #include "film/show_driver.h"
 
+constexpr double kTestStep = 0.1; // seconds from frame to frame
+
 ShowDriver::Settings TestShow();

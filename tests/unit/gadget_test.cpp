@@ -163,11 +163,11 @@ TEST_F(Cube, TravelsOnARandomClosedCurve) {
 TEST_F(Cube, DrawsItsReflectionInsideItsSkin) {
     FXDemoGadget gadget;
     gadget.CreateCN(&package_, 5, 6);
-    for (const double time : {1000, 1015, 1015})
+    for (const double time : {10000, 10015, 10015}) // so late that all phasers begin with the first frame
         Draw(&gadget, time);
     const FXMatrix base = Scale(0.5f, 0.75f, 1);
     device_.gl.ApplyMatrix(&base);
-    const auto& drawn = Draw(&gadget, 1024);
+    const auto& drawn = Draw(&gadget, 10024);
     ASSERT_EQ(drawn.size(), 12u);
     float at[3];
     gadget.path.GetAll(at, 9 / static_cast<float>(gadget.travel.duration));

@@ -106,7 +106,7 @@ TEST_F(Planet, ColoursItsMaterialsInstead) {
     Draw(2);
     const FXMesh& mesh = *planet_.models[0]->meshes[0];
     EXPECT_EQ(mesh.material->diffuse[0], 1.0f) << "half of 2";
-    EXPECT_EQ(mesh.material->diffuse[3], 2.75f / 2) << "halfway up";
+    EXPECT_EQ(mesh.material->diffuse[3], 2.5f / 2) << "halfway up";
     EXPECT_EQ(mesh.colorMode, 0);
 }
 

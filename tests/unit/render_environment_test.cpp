@@ -9,24 +9,19 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <memory>
 
 namespace {
 
-// Counts its frames, and looks at what holds while one is drawn.
+// Counts its frames; may hold one until told to let go.
 struct Target : PRender {
     void OnRender(PEnv* env, double time) override {
         NoteFakeCall("frame");
-        ++frames;
         lastEnv = env;
         lastTime = time;
-        while (stuck)
-            fxSleep(0.001);
-        inFrame = true;
+        ++frames;
         while (hold)
             fxSleep(0.001);
-        inFrame = false;
     }
     bool WaitFor(int count) const {
         for (int i = 0; i < 5000 && frames < count; ++i)
@@ -37,14 +32,19 @@ struct Target : PRender {
     std::atomic<int> frames = 0;
     std::atomic<PEnv*> lastEnv = nullptr;
     std::atomic<double> lastTime = 0;
-    std::atomic<bool> stuck = false;
     std::atomic<bool> hold = false;
-    std::atomic<bool> inFrame = false;
 };
 
 class Loop : public testing::Test {
 protected:
     Loop() { ResetFakeWin32(); }
+
+    bool Locks() {
+        const bool entered = fxTryLock(env_.mutex);
+        if (entered)
+            fxUnlock(env_.mutex);
+        return entered;
+    }
 
     RecordedDevice<> device_;
     FXGL& env_ = device_.gl;
@@ -60,16 +60,12 @@ TEST_F(Loop, DrawsFramesFromATenthOfASecondOnUntilItIsStopped) {
     EXPECT_EQ(target_.lastEnv, &env_);
     ASSERT_TRUE(target_.WaitFor(3));
     env_.StopLoop(100000);
+    EXPECT_TRUE(env_.render == nullptr && !env_.running);
+    std::vector<std::string> expected;
+    for (int i = 0; i < target_.frames; ++i)
+        expected.insert(expected.end(), {"wglMakeCurrent(on)", "frame", "wglMakeCurrent(off)"});
+    EXPECT_EQ(TakeFakeCalls(), expected);
     const int frames = target_.frames;
-    EXPECT_EQ(env_.render, nullptr);
-    EXPECT_FALSE(env_.running);
-    const std::vector<std::string> calls = TakeFakeCalls();
-    ASSERT_EQ(calls.size(), 3u * static_cast<unsigned>(frames));
-    for (std::size_t i = 0; i < calls.size(); i += 3) {
-        EXPECT_EQ(calls[i], "wglMakeCurrent(on)");
-        EXPECT_EQ(calls[i + 1], "frame");
-        EXPECT_EQ(calls[i + 2], "wglMakeCurrent(off)");
-    }
     EXPECT_TRUE(env_.StartLoop(&target_)) << "and again";
     EXPECT_TRUE(target_.WaitFor(frames + 1));
     env_.StopLoop(100000);
@@ -79,17 +75,13 @@ TEST_F(Loop, HoldsTheLockForAWholeFrameUnlessToldNotTo) {
     for (const bool lock : {true, false}) {
         env_.lockEachFrame = lock;
         target_.hold = true;
+        target_.frames = 0;
         env_.StartLoop(&target_);
-        while (!target_.inFrame)
-            fxSleep(0.001);
-        const bool entered = fxTryLock(env_.mutex);
-        EXPECT_EQ(entered, !lock);
-        if (entered)
-            fxUnlock(env_.mutex);
+        ASSERT_TRUE(target_.WaitFor(1));
+        EXPECT_NE(Locks(), lock);
         target_.hold = false;
         env_.StopLoop(100000);
-        EXPECT_TRUE(fxTryLock(env_.mutex)) << "free between frames";
-        fxUnlock(env_.mutex);
+        EXPECT_TRUE(Locks()) << "free between frames";
     }
 }
 
@@ -140,14 +132,11 @@ TEST_F(Loop, ThatDoesNotEndIsEndedAndLeavesALockBehindThatWorks) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "the sanitizers cannot follow a thread that is cancelled";
 #endif
-    target_.stuck = true;
+    target_.hold = true;
     env_.StartLoop(&target_);
     ASSERT_TRUE(target_.WaitFor(1));
     env_.StopLoop(0.02);
-    EXPECT_EQ(env_.thread, nullptr);
-    EXPECT_FALSE(env_.running);
-    ASSERT_TRUE(fxTryLock(env_.mutex));
-    fxUnlock(env_.mutex);
+    EXPECT_TRUE(env_.thread == nullptr && !env_.running && Locks());
 }
 
 TEST_F(Loop, DoesNotStartWithoutAThread) {
@@ -158,48 +147,32 @@ TEST_F(Loop, DoesNotStartWithoutAThread) {
     EXPECT_EQ(target_.frames, 0);
 }
 
-using Environment = Loop;
-
-TEST_F(Environment, HasPlacesForEightLights) {
+TEST(Environment, HasPlacesForEightLights) {
+    FXGL env;
     FXLight lights[9];
     for (int i = 0; i < 8; ++i)
-        EXPECT_TRUE(env_.RegisterLight(&lights[i]));
-    EXPECT_FALSE(env_.RegisterLight(&lights[8]));
-    EXPECT_TRUE(env_.RegisterLight(&lights[7])) << "is there already";
-    env_.UnregisterLight(&lights[8]);
+        EXPECT_TRUE(env.RegisterLight(&lights[i]));
+    EXPECT_FALSE(env.RegisterLight(&lights[8]));
+    EXPECT_TRUE(env.RegisterLight(&lights[7])) << "is there already";
+    env.UnregisterLight(&lights[8]);
     for (int i = 0; i < 8; ++i)
-        EXPECT_EQ(env_.lights[i], &lights[i]);
-    env_.UnregisterLight(&lights[2]);
-    EXPECT_EQ(env_.lights[2], nullptr);
-    EXPECT_TRUE(env_.RegisterLight(&lights[1]));
-    EXPECT_EQ(env_.lights[2], nullptr) << "one that stands before the gap stays where it is";
-    EXPECT_TRUE(env_.RegisterLight(&lights[8]));
-    EXPECT_EQ(env_.lights[2], &lights[8]);
+        EXPECT_EQ(env.lights[i], &lights[i]);
+    env.UnregisterLight(&lights[2]);
+    EXPECT_TRUE(env.RegisterLight(&lights[1]));
+    EXPECT_EQ(env.lights[2], nullptr) << "one that stands before the gap stays where it is";
+    EXPECT_TRUE(env.RegisterLight(&lights[8]));
+    EXPECT_EQ(env.lights[2], &lights[8]);
 }
 
-TEST_F(Environment, StartsWithADefaultMaterialThatADeviceForgets) {
-    FXGL fresh;
-    EXPECT_EQ(fresh.GetDefaultMatlib()->materials.count, 1);
-    EXPECT_EQ(fresh.GetDefaultMatlib()->materials[0], fresh.GetDefaultMaterial());
-    EXPECT_EQ(fresh.GetDefaultMaterial()->diffuse[3], 1.0f);
-    EXPECT_TRUE(fresh.lockEachFrame && fresh.depthWrite && fresh.depthTest);
-    EXPECT_FALSE(fresh.lightsOn || fresh.textureUnit0Bound || fresh.textureUnit1Bound || fresh.cullFront ||
-                 fresh.cullBack || fresh.testingMaterial || fresh.enlarged || fresh.npot);
-    EXPECT_TRUE(env_.GetDefaultMatlib()->materials.IsEmpty());
-    FXMaterial added;
-    env_.AddMaterial(&added);
-    EXPECT_EQ(env_.GetDefaultMatlib()->FindMaterial(""), &added);
-    env_.GetDefaultMatlib()->RemoveMaterial(&added);
-}
-
-TEST(GlobalEnvironment, IsTheLastOneSet) {
-    EXPECT_EQ(fxglobalEnv, nullptr);
+TEST(Environment, StartsWithADefaultMaterialThatADeviceForgets) {
+    FXGL env;
+    EXPECT_EQ(env.GetDefaultMatlib()->FindMaterial(""), env.GetDefaultMaterial());
+    EXPECT_TRUE(env.lockEachFrame && env.depthWrite && env.depthTest && !env.lightsOn &&
+                !env.textureUnit0Bound);
+    env.CreateChild(kFakeWindow);
+    EXPECT_TRUE(env.GetDefaultMatlib()->materials.IsEmpty());
+    EXPECT_EQ(fxglobalEnv, nullptr) << "until it is set";
     { const FXMaterial material; } // asks nobody
-    FXGL a, b;
-    fxSetEnv(&a);
-    fxSetEnv(&b);
-    EXPECT_EQ(fxglobalEnv, &b);
-    fxSetEnv(nullptr);
 }
 
 } // namespace

@@ -79,7 +79,7 @@ protected:
     std::string Morph() {
         FXAnim anim;
         for (int i = 0; i < 3; ++i) {
-            anim.models.Push(NewModel({TriangleAt(static_cast<float>(i))}, "Material001"));
+            anim.models.Push(NewModel({TriangleAt(static_cast<float>(i * i))}, "Material001"));
             anim.frameNames.Push("");
             anim.frameTimes.Push(500);
         }
@@ -181,6 +181,8 @@ TEST_F(Show, GoesThroughItsCycle) {
         EXPECT_EQ(Frame(from + m.seconds), kAlways + m.drawn);
         EXPECT_EQ(stage, m.stage);
         EXPECT_EQ(scr_desk.mesh.vertices[0].color[3], m.alpha);
+        // Straight on; the last key frame's 4..5 covers the screen.
+        EXPECT_TRUE(m.seconds != 20.25 || reopen.imodel.meshes[0]->vertices[0].pos[0] == -8);
     };
     double time = kStart;
     for (int cycle = 0; cycle < 2; ++cycle, time += 23) {

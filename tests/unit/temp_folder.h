@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 // Values as the formats store them.
@@ -20,7 +21,7 @@ public:
     TempFolder() {
         const auto* test = testing::UnitTest::GetInstance()->current_test_info();
         path_ = std::filesystem::path(testing::TempDir()) /
-                (std::string("tamblor-") + test->test_suite_name() + "-" + test->name());
+                ("tamblor-" + std::to_string(getpid()) + "-" + test->test_suite_name() + "-" + test->name());
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }

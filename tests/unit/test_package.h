@@ -45,10 +45,8 @@ inline std::string Tga(int w, int h, const std::vector<std::uint32_t>& pixels) {
     return file;
 }
 
-// ambient 1.., diffuse 2.., specular 3.., emission 4..
-inline const std::vector<float> kRecordColors = {1, 1.25f, 1.5f, 1.75f, 2, 2.25f, 2.5f, 2.75f,
-                                                 3, 3.25f, 3.5f, 3.75f, 4, 4.25f, 4.5f, 4.75f};
-
+// A material of the greys 1, 2, 3 and 4, each with an alpha of half more; shininess 42.
 inline std::string MaterialRecord(const std::string& name, const std::string& picture) {
-    return Header(name) + Header(picture) + Floats(kRecordColors) + Floats({42});
+    return Header(name) + Header(picture) +
+           Floats({1, 1, 1, 1.5f, 2, 2, 2, 2.5f, 3, 3, 3, 3.5f, 4, 4, 4, 4.5f, 42});
 }
