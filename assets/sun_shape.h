@@ -1,7 +1,8 @@
 // The sun's shape, which its models and the glow around it share.
 #pragma once
 
-// The scene draws the sun as if screens were 4:3. Drawn taller, it is nearly round on 16:9 and still pleases on 4:3.
+// The scene draws the sun as if screens were 4:3. Drawn taller, it is nearly round on 16:9 and still pleases
+// on 4:3.
 constexpr float kSunTall = 1.18f;
 // What the sun covers of the half width of the pictures centred on it.
 constexpr float kSunShare = 0.4f;
