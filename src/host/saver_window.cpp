@@ -1,8 +1,8 @@
 #include "host/saver_window.h"
 
 #include "host/close_rule.h"
+#include "host/default_procedure.h"
 #include "host/message_routing.h"
-#include "host/saver_entry.h"
 #include "platform/clock.h"
 #include "platform/configuration.h"
 #include "scene/scene.h"

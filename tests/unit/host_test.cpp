@@ -2,6 +2,7 @@
 // protocol.
 #include "fakes/fake_win32.h"
 #include "host/close_rule.h"
+#include "host/default_procedure.h"
 #include "host/message_routing.h"
 #include "host/saver_entry.h"
 #include "host/saver_mode.h"
