@@ -89,9 +89,13 @@ void FXModel::Load_v03CN(FXPackage* pck, FXPackageData* d) {
     FXVectorMap map;
     FXNumPool pool;
     map.LoadC(d);
+    std::int64_t corners = 0;
     for (int i = 0; i < count; ++i) {
         loadedMeshes.Push(new FXMesh);
         loadedMeshes.Last()->LoadMeshIC(pck, d, matlib);
+        corners += loadedMeshes.Last()->indexCount;
+        if (corners > d->size) // each takes a byte of a pool: headers that lie do not add up to more memory
+            return loadedMeshes.Last()->Destroy();
         pool.LoadC(d);
         loadedMeshes.Last()->FromVMap(&map, &pool);
     }
