@@ -8,7 +8,7 @@ namespace {
 double now = 1000; // the clock's, seconds; it goes on from stage to stage
 
 double DrawFor(double seconds) {
-    constexpr double kStep = 0.05;
+    constexpr double kStep = 0.5; // coarse: only where the show then stands matters
     for (const double end = now + seconds; now < end; now += kStep)
         show::sc.OnRender(&show::gr, now);
     return now;
@@ -36,7 +36,7 @@ double EnterStage(int stage) {
         show::reopen.backwards = false;
         show::reopen.StartAnim(now);
         while (stage == show::kReturning && show::stage == show::kRebuilding)
-            DrawFor(0.05);
+            DrawFor(0.5);
         return DrawFor(1);
     }
 }
