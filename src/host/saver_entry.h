@@ -1,5 +1,5 @@
-// The process entry and the procedure of the window class: the modes, the one window, the message loop. All on
-// the main thread. The state lives as long as the process.
+// The process entry and the procedure of the window class: the modes, the one window, the message loop. All
+// on the main thread. The state lives as long as the process.
 #pragma once
 
 #include "win32/win32.h"
