@@ -19,6 +19,7 @@ struct EntryPoint {
     void* target; // the pointer in fxCodec
 };
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): names, not values
 #define ENTRY(module, function)                                                                              \
     { #function, &module, &fxCodec.function }
 const EntryPoint kEntryPoints[] = {

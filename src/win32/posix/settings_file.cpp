@@ -62,7 +62,7 @@ bool ReadSettingsFile(const std::string& name, SettingsFile* settings) {
     for (int number = 1; settings->problem.empty() && std::getline(file, line); ++number) {
         const std::string wrong = ReadLine(line, &settings->values);
         if (!wrong.empty())
-            settings->problem = name + ':' + std::to_string(number) + ": " + wrong;
+            settings->problem.append(name).append(":").append(std::to_string(number)).append(": " + wrong);
     }
     if (!settings->problem.empty())
         settings->values.clear();
