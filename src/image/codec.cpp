@@ -19,9 +19,10 @@ struct EntryPoint {
     void* target; // the pointer in fxCodec
 };
 
-// NOLINTNEXTLINE(bugprone-macro-parentheses): names, not values
+// NOLINTBEGIN(bugprone-macro-parentheses): names, not values
 #define ENTRY(module, function)                                                                              \
     { #function, &module, &fxCodec.function }
+// NOLINTEND(bugprone-macro-parentheses)
 const EntryPoint kEntryPoints[] = {
     ENTRY(ilDLL, ilInit),
     ENTRY(ilDLL, ilShutDown),
