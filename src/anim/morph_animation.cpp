@@ -109,28 +109,24 @@ void FXAnim::OnRender(PEnv* env, double time) {
     imodel.OnRender(env, time);
 }
 
-void FXAnim::Unitize(int i) {
+void FXAnim::FitAll(int i, void (FXModel::*fit)(const float*)) {
     float box[6] = {};
     if (const FXModel* model = EnumModels(i)) {
         model->FindMaxims(box);
-        localForEach(models, [&](FXModel& m) { m.UnitizeMaxims(box); });
+        localForEach(models, [&](FXModel& m) { (m.*fit)(box); });
     }
+}
+
+void FXAnim::Unitize(int i) {
+    FitAll(i, &FXModel::UnitizeMaxims);
 }
 
 void FXAnim::UnitizeStretch(int i) {
-    float box[6] = {};
-    if (const FXModel* model = EnumModels(i)) {
-        model->FindMaxims(box);
-        localForEach(models, [&](FXModel& m) { m.UnitizeMaximsStretch(box); });
-    }
+    FitAll(i, &FXModel::UnitizeMaximsStretch);
 }
 
 void FXAnim::UnitizeStretch1(int i) {
-    float box[6] = {};
-    if (const FXModel* model = EnumModels(i)) {
-        model->FindMaxims(box);
-        localForEach(models, [&](FXModel& m) { m.UnitizeMaximsStretch1(box); });
-    }
+    FitAll(i, &FXModel::UnitizeMaximsStretch1);
 }
 
 void FXAnim::FlipHoriz() {

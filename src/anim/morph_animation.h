@@ -93,6 +93,7 @@ private:
     bool SaveHead(std::FILE* file) const;
     bool PackFirstFrame(FXVectorMap* map, std::FILE* file, FXArray<int>* redirects);
     void FinishLoading();
+    void FitAll(int i, void (FXModel::*fit)(const float*));
     void Advance(double time);
     int LastFrame() const { return frameTimes.count - 1; }
     FXModel* EnumModels(int i) const { return i >= 0 && i < models.count ? models[i] : nullptr; }

@@ -1,7 +1,6 @@
 // The two versions of the animation format: a list of model names, or key frames that share one topology.
 #include "anim/morph_animation.h"
 #include "base/file_handle.h"
-#include "env/environment.h"
 #include "geometry/mesh.h"
 #include "geometry/num_pool.h"
 #include "package/file_block.h"
@@ -119,10 +118,7 @@ void FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d) {
     if (frames == 0)
         return;
     FXModel& first = *models[0];
-    d->ReadString(&first.matlibName);
-    if (fxglobalEnv != nullptr)
-        first.matlib = pck != nullptr ? fxglobalEnv->LoadMatlibC(pck, first.matlibName.text)
-                                      : fxglobalEnv->LoadMatlib(first.matlibName.text);
+    first.LoadMatlib(pck, d);
     std::int64_t corners = 0;
     for (int m = 0; m < meshes; ++m) {
         first.loadedMeshes.Push(new FXMesh);

@@ -1,6 +1,8 @@
 // A standard file stream that closes itself.
 #pragma once
 
+#include "base/memory.h"
+
 #include <cstdio>
 #include <memory>
 
@@ -23,3 +25,8 @@ inline bool fxCloseWritten(FXFile file) {
 inline bool fxWrite(const void* elements, std::size_t size, std::size_t n, std::FILE* file) {
     return n == 0 || std::fwrite(elements, size, n, file) == n;
 }
+
+// The bytes from here to the end of the file; -1 when that is beyond what an int holds, or cannot be told.
+int fxBytesLeft(std::FILE* file);
+// Those bytes. Null, with size 0, when there are too many, they cannot be read, or there is no memory.
+FXBytes fxReadRest(std::FILE* file, int* size);

@@ -30,6 +30,9 @@ public:
     void UpdateMeshes();
     // The source's working meshes, library and flipV.
     void Copy(FXModel* src);
+    // Reads the library's name and loads it, from the package or, without one, a material file; for loaders,
+    // of a model that has none yet.
+    void LoadMatlib(FXPackage* pck, FXPackageData* d);
     // Takes a reference of its own; null gives up the one held.
     void ShareMatlib(FXMatlib* library);
 

@@ -24,14 +24,6 @@ int localMeshCount(FXPackageData* d) {
     return std::clamp(d->ReadInt(), 0, d->left / kSmallestMesh);
 }
 
-// The count of the reference it brings is the model's.
-FXMatlib* localLoadMatlib(FXPackage* pck, const FXStr& matlibName) {
-    if (fxglobalEnv == nullptr)
-        return nullptr;
-    return pck != nullptr ? fxglobalEnv->LoadMatlibC(pck, matlibName.text)
-                          : fxglobalEnv->LoadMatlib(matlibName.text);
-}
-
 bool localWriteInt(std::FILE* file, std::int32_t value) {
     return std::fwrite(&value, sizeof value, 1, file) == 1;
 }
@@ -66,10 +58,17 @@ void FXModel::LoadFrom(FXPackage* pck, FXPackageData* d) {
         Load_v03CN(pck, d);
 }
 
+void FXModel::LoadMatlib(FXPackage* pck, FXPackageData* d) {
+    d->ReadString(&matlibName);
+    if (fxglobalEnv == nullptr)
+        return;
+    matlib = pck != nullptr ? fxglobalEnv->LoadMatlibC(pck, matlibName.text)
+                            : fxglobalEnv->LoadMatlib(matlibName.text);
+}
+
 void FXModel::Load_v02CN(FXPackage* pck, FXPackageData* d) {
     d->ReadString(&name);
-    d->ReadString(&matlibName);
-    matlib = localLoadMatlib(pck, matlibName);
+    LoadMatlib(pck, d);
     const int count = localMeshCount(d);
     if (!loadedMeshes.Realloc(count))
         return;
@@ -81,8 +80,7 @@ void FXModel::Load_v02CN(FXPackage* pck, FXPackageData* d) {
 
 void FXModel::Load_v03CN(FXPackage* pck, FXPackageData* d) {
     d->ReadString(&name);
-    d->ReadString(&matlibName);
-    matlib = localLoadMatlib(pck, matlibName);
+    LoadMatlib(pck, d);
     const int count = localMeshCount(d);
     if (!loadedMeshes.Realloc(count))
         return;

@@ -5,21 +5,6 @@
 
 #include <cstring>
 
-namespace {
-
-// The bytes from here to the end of the file; -1 when that is beyond what an int holds.
-int localBytesLeft(std::FILE* file) {
-    const long at = std::ftell(file);
-    if (at < 0 || std::fseek(file, 0, SEEK_END) != 0)
-        return -1;
-    const long end = std::ftell(file);
-    if (end < at || end - at > INT_MAX || std::fseek(file, at, SEEK_SET) != 0)
-        return -1;
-    return static_cast<int>(end - at);
-}
-
-} // namespace
-
 bool FXPackage::Load(const char* fileName) {
     Destroy();
     const FXFile file = fxOpenFile(fileName, "rb");
@@ -28,15 +13,12 @@ bool FXPackage::Load(const char* fileName) {
         return false;
     const bool scrambled = std::strchr(header.text + 5, 's') != nullptr;
 
-    const int size = localBytesLeft(file.get());
-    if (size < 0)
-        return false;
-    const auto bytes = static_cast<std::size_t>(size);
-    FXBytes body = fxNewBytes(bytes);
-    if (!body || std::fread(body.get(), 1, bytes, file.get()) != bytes)
+    int size = 0;
+    FXBytes body = fxReadRest(file.get(), &size);
+    if (!body)
         return false;
     if (scrambled)
-        fxScramble(body.get(), bytes);
+        fxScramble(body.get(), static_cast<std::size_t>(size));
     TakeBody(std::move(body), size);
     // Ids given to names from now on do not meet those of stored entries.
     firstId = 0;

@@ -91,13 +91,9 @@ bool FXPackage::CheckFile(const char* file, int* size, int* type) {
     *size = 0;
     *type = localTypeOf(file);
     const FXFile opened = fxOpenFile(file, "rb");
-    if (!opened || std::fseek(opened.get(), 0, SEEK_END) != 0)
-        return false;
-    const long end = std::ftell(opened.get());
-    if (end < 0 || end > INT_MAX)
-        return false;
-    *size = static_cast<int>(end);
-    return true;
+    const int length = opened ? fxBytesLeft(opened.get()) : -1;
+    *size = length > 0 ? length : 0;
+    return length >= 0;
 }
 
 bool FXPackage::Save(const char* fileName, int flags) {
