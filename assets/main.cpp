@@ -18,6 +18,11 @@ template <Raster (*Draw)()> std::string Picture(const std::string& file) {
     return Draw().WritePng(file);
 }
 
+// As a photograph: what is all detail shows no trace of the packing at this quality.
+template <Raster (*Draw)()> std::string Photograph(const std::string& file) {
+    return Draw().WriteJpeg(file, 92);
+}
+
 struct Output {
     const char* name;
     Maker make;
@@ -36,18 +41,18 @@ constexpr Output kOutputs[] = {
     {"19-halo.png", Picture<DrawHalo>},
     {"20-rays.png", Picture<DrawRays>},
     {"21-lens.png", Picture<DrawLens>},
-    {"30-sun-core.png", Picture<DrawSunCore>},
+    {"30-sun-core.jpg", Photograph<DrawSunCore>},
     {"31-plasma-a.png", Picture<DrawPlasmaA>},
     {"32-plasma-b.png", Picture<DrawPlasmaB>},
     {"33-plasma-c.png", Picture<DrawPlasmaC>},
-    {"34-gold.png", Picture<DrawGold>},
-    {"35-emblem.png", Picture<DrawEmblem>},
+    {"34-gold.jpg", Photograph<DrawGold>},
+    {"35-emblem.jpg", Photograph<DrawEmblem>},
     {"36-ember.png", Picture<DrawEmber>},
     {"40-sun.lib", WriteSunLibrary},
     {"41-medallion.lib", WriteMedallionLibrary},
     {"42-morph.lib", WriteMorphLibrary},
     {"72-morph.oa", WriteMorph},
-    {"73-studio.png", Picture<DrawStudio>},
+    {"73-studio.jpg", Photograph<DrawStudio>},
     {"74-skin.png", Picture<DrawSkin>},
     {"desktop.png", Picture<DrawDesktop>},
 };

@@ -1,14 +1,17 @@
 #include "raster.h"
 
-#include "noise.h"
-
 #include <png.h>
+// libjpeg's header leaves it to its user to name FILE and size_t first.
+#include <cstdio>
+
+#include <jpeglib.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csetjmp>
-#include <cstdio>
 #include <cstring>
+#include <functional>
+#include <thread>
 
 namespace {
 
@@ -16,10 +19,19 @@ Rgba Mixed(const Rgba& a, const Rgba& b, float t) {
     return {a.colour * (1 - t) + b.colour * t, a.alpha * (1 - t) + b.alpha * t};
 }
 
+// Ordered dithering after Bayer, in squares of 8 pixels, apart for each channel. It hides bands as well as
+// noise does, and packs better.
 unsigned char Dithered(float value, int x, int y, unsigned channel) {
-    const float scaled = std::clamp(value, 0.0f, 1.0f) * 255;
-    const float threshold = HashUnit(static_cast<unsigned>(x), static_cast<unsigned>(y), channel, 0xD17ED);
-    return static_cast<unsigned char>(std::min(scaled + threshold, 255.0f));
+    const unsigned column = static_cast<unsigned>(x) + 3 * channel;
+    const unsigned row = static_cast<unsigned>(y) + 5 * channel;
+    unsigned rank = 0;
+    for (unsigned bit = 0; bit < 3; ++bit) {
+        const unsigned right = column >> bit & 1;
+        const unsigned down = row >> bit & 1;
+        rank = rank << 2 | (right ^ down) << 1 | down;
+    }
+    const float threshold = (static_cast<float>(rank) + 0.5f) / 64;
+    return static_cast<unsigned char>(std::min(std::clamp(value, 0.0f, 1.0f) * 255 + threshold, 255.0f));
 }
 
 // Rows of RGBA on their way through libpng, which reports an error by jumping back here.
@@ -46,6 +58,62 @@ bool WriteRows(std::FILE* file, const unsigned char* rgba, int width, int height
     png_write_end(png, nullptr);
     png_destroy_write_struct(&png, &info);
     return true;
+}
+
+struct JpegTrouble {
+    jpeg_error_mgr manager;
+    std::jmp_buf wayOut;
+};
+
+// The same through libjpeg, which reports an error in the same way. Colours keep their full resolution.
+bool WriteJpegRows(std::FILE* file, const unsigned char* rgba, int width, int height, int quality) {
+    jpeg_compress_struct jpeg;
+    JpegTrouble trouble;
+    jpeg.err = jpeg_std_error(&trouble.manager);
+    trouble.manager.error_exit = [](j_common_ptr j) {
+        std::longjmp(reinterpret_cast<JpegTrouble*>(j->err)->wayOut, 1);
+    };
+    if (setjmp(trouble.wayOut) != 0) {
+        jpeg_destroy_compress(&jpeg);
+        return false;
+    }
+    jpeg_create_compress(&jpeg);
+    jpeg_stdio_dest(&jpeg, file);
+    jpeg.image_width = static_cast<JDIMENSION>(width);
+    jpeg.image_height = static_cast<JDIMENSION>(height);
+    jpeg.input_components = 4;
+    jpeg.in_color_space = JCS_EXT_RGBX;
+    jpeg_set_defaults(&jpeg);
+    jpeg_set_quality(&jpeg, quality, TRUE);
+    jpeg.optimize_coding = TRUE;
+    jpeg.comp_info[0].h_samp_factor = jpeg.comp_info[0].v_samp_factor = 1;
+    jpeg_start_compress(&jpeg, TRUE);
+    while (jpeg.next_scanline < jpeg.image_height) {
+        const std::size_t from = static_cast<std::size_t>(jpeg.next_scanline) * jpeg.image_width * 4;
+        JSAMPROW row = const_cast<JSAMPROW>(rgba + from);
+        jpeg_write_scanlines(&jpeg, &row, 1);
+    }
+    jpeg_finish_compress(&jpeg);
+    jpeg_destroy_compress(&jpeg);
+    return true;
+}
+
+// Opens the file, lets `write` fill it, and sees that all of it got there; empty when well, else what went
+// wrong.
+std::string WriteFile(const std::string& file, const std::function<bool(std::FILE*)>& write) {
+    errno = 0;
+    std::FILE* out = std::fopen(file.c_str(), "wb");
+    bool well = out != nullptr && write(out);
+    int reason = errno;
+    if (out != nullptr && std::fclose(out) != 0 && well) {
+        well = false;
+        reason = errno;
+    }
+    if (well)
+        return {};
+    if (out != nullptr)
+        std::remove(file.c_str());
+    return file + ": cannot be written: " + (reason != 0 ? std::strerror(reason) : "out of memory");
 }
 
 } // namespace
@@ -107,17 +175,24 @@ std::string Raster::WritePng(const std::string& file) const {
     const bool opaque =
         std::all_of(pixels_.begin(), pixels_.end(), [](const Rgba& p) { return p.alpha >= 1; });
     const std::vector<unsigned char> bytes = Bytes();
-    errno = 0;
-    std::FILE* out = std::fopen(file.c_str(), "wb");
-    bool well = out != nullptr && WriteRows(out, bytes.data(), width_, height_, !opaque);
-    int reason = errno;
-    if (out != nullptr && std::fclose(out) != 0 && well) {
-        well = false;
-        reason = errno;
-    }
-    if (well)
-        return {};
-    if (out != nullptr)
-        std::remove(file.c_str());
-    return file + ": cannot be written: " + (reason != 0 ? std::strerror(reason) : "out of memory");
+    return WriteFile(file,
+                     [&](std::FILE* out) { return WriteRows(out, bytes.data(), width_, height_, !opaque); });
+}
+
+std::string Raster::WriteJpeg(const std::string& file, int quality) const {
+    const std::vector<unsigned char> bytes = Bytes();
+    return WriteFile(
+        file, [&](std::FILE* out) { return WriteJpegRows(out, bytes.data(), width_, height_, quality); });
+}
+
+void ForEachRow(int rows, const std::function<void(int)>& work) {
+    const int hands = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    std::vector<std::jthread> others;
+    for (int first = 1; first < hands; ++first)
+        others.emplace_back([=, &work] {
+            for (int row = first; row < rows; row += hands)
+                work(row);
+        });
+    for (int row = 0; row < rows; row += hands)
+        work(row);
 }

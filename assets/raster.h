@@ -1,8 +1,12 @@
-// Pictures in the making: floating-point pixels, alpha not multiplied in, and their way out to PNG.
+// Pictures in the making: floating-point pixels, alpha not multiplied in, and their way out to PNG and JPEG.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
+
+// work(row) for every row from 0, on all cores at once; rows must not depend on each other.
+void ForEachRow(int rows, const std::function<void(int)>& work);
 
 // Screen colour, 0..1 per component; sums may exceed 1 and are cut when the picture is written.
 struct Rgb {
@@ -32,11 +36,12 @@ public:
     Rgba& At(int x, int y) { return pixels_[Index(x, y)]; }
     const Rgba& At(int x, int y) const { return pixels_[Index(x, y)]; }
 
-    // Every pixel becomes colourAt(x, y), called with the pixel's centre, row by row.
+    // Every pixel becomes colourAt(x, y), called with the pixel's centre from several threads.
     template <class Function> void Fill(Function colourAt) {
-        for (int y = 0; y < height_; ++y)
+        ForEachRow(height_, [&](int y) {
             for (int x = 0; x < width_; ++x)
                 At(x, y) = colourAt(static_cast<float>(x) + 0.5f, static_cast<float>(y) + 0.5f);
+        });
     }
 
     // Between the four nearest pixels; outside, the nearest edge.
@@ -51,6 +56,8 @@ public:
     // As 8-bit PNG, without an alpha channel when every pixel is opaque. Empty when well, else what went
     // wrong; a file that could not be completed is removed.
     std::string WritePng(const std::string& file) const;
+    // As JPEG of quality 1..100, for opaque pictures so rich in detail that PNG is wasted on them.
+    std::string WriteJpeg(const std::string& file, int quality) const;
 
 private:
     std::size_t Index(int x, int y) const { return static_cast<std::size_t>(y) * width_ + x; }

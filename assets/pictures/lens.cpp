@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr int kWidth = 2048;
-constexpr int kHeight = 1152;
+constexpr int kWidth = 1024; // all of it is soft
+constexpr int kHeight = 576;
 
 // Positions and sizes in heights of the picture, from its middle.
 constexpr float kSunX = -0.3f * kWidth / kHeight;
@@ -73,7 +73,7 @@ Rgb GhostLight(const Ghost& ghost, float x, float y) {
 // A piece of a rainbow round the sun, strongest beyond the middle of the screen.
 Rgb ArcLight(float x, float y) {
     constexpr float kRadius = 1.10f;
-    constexpr float kWide = 0.022f;
+    constexpr float kWide = 0.040f;
     const float dx = x - kSunX;
     const float dy = y - kSunY;
     const float r = std::hypot(dx, dy);
@@ -83,7 +83,7 @@ Rgb ArcLight(float x, float y) {
         return std::exp(-off * off);
     };
     const Rgb bow = {band(kRadius + kWide), band(kRadius), band(kRadius - kWide)};
-    return bow * (0.032f * Smooth(0.925f, 1.0f, facing));
+    return bow * (0.024f * Smooth(0.925f, 1.0f, facing));
 }
 
 Rgba LensAt(float px, float py) {

@@ -9,6 +9,7 @@ Raster DrawLabel();       // the name under the medallion; drawn at 40 % opacity
 
 // The background, for a screen of 16:9. The sun stands at the lower left, at (0.2, 0.8) of the picture.
 Raster DrawSpace();
+Raster DrawSky(int width, int height); // the same at a size of choice
 Raster DrawLens();
 
 // Centred on the sun, which covers kSunShare of the half width. Nothing is left at the inscribed circle, so

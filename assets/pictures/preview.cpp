@@ -54,7 +54,7 @@ Rgb SunAt(const Raster& surface, float x, float y) {
 } // namespace
 
 Raster DrawPreview() {
-    const Raster space = DrawSpace().Shrunk(1024, 576);
+    const Raster space = DrawSky(1024, 576);
     const Raster desktop = DrawDesktop().Shrunk(kWidth * 4 / 3, kHeight);
     const Raster halo = DrawHalo();
     const Raster rays = DrawRays();

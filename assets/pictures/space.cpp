@@ -7,13 +7,13 @@
 
 namespace {
 
-constexpr int kWidth = 2048;
-constexpr int kHeight = 1152;
-// The nebula has no detail finer than this many pixels, and is computed on a grid that coarse.
-constexpr int kCoarse = 2;
+// The nebula has no detail finer than this many pixels of the full size, and is computed on a grid that
+// coarse.
+constexpr int kCoarse = 3;
 
-// Lengths are in heights of the picture from here on, positions from its top left corner.
-constexpr float kAspect = static_cast<float>(kWidth) / kHeight;
+// Lengths are in heights of the picture from here on, positions from its top left corner. It is for screens
+// of 16:9, whatever the shape of its pixels.
+constexpr float kAspect = 16.0f / 9.0f;
 constexpr float kSunX = 0.2f * kAspect;
 constexpr float kSunY = 0.8f;
 
@@ -57,16 +57,18 @@ float Presence(float x, float y) {
 
 class Sky {
 public:
-    Sky() : nebula_(kWidth / kCoarse, kHeight / kCoarse) {
-        nebula_.Fill([](float x, float y) {
-            return NebulaAt(Vec3{x * kCoarse / kHeight, y * kCoarse / kHeight, 0} + kVantage);
+    Sky(int width, int height)
+        : pixelWidth_(kAspect / static_cast<float>(width)), pixelHeight_(1 / static_cast<float>(height)),
+          nebula_((width + kCoarse - 1) / kCoarse, (height + kCoarse - 1) / kCoarse) {
+        nebula_.Fill([this](float x, float y) {
+            return NebulaAt(Vec3{x * kCoarse * pixelWidth_, y * kCoarse * pixelHeight_, 0} + kVantage);
         });
     }
 
     // The colour of the sky; alpha is how clear it is there for the stars behind.
     Rgba At(float px, float py) const {
-        const float x = px / kHeight;
-        const float y = py / kHeight;
+        const float x = px * pixelWidth_;
+        const float y = py * pixelHeight_;
         const Rgba nebula = Nebula(x, y);
         const float gas = nebula.colour.r;
         const float threads = nebula.colour.g;
@@ -88,7 +90,7 @@ public:
 
 private:
     Rgba Nebula(float x, float y) const {
-        return nebula_.Sample(x * kHeight / kCoarse, y * kHeight / kCoarse);
+        return nebula_.Sample(x / (kCoarse * pixelWidth_), y / (kCoarse * pixelHeight_));
     }
 
     // Gas that faces the sun is brighter, gas behind other gas is darker: that gives the cloud its depth.
@@ -101,18 +103,25 @@ private:
                0.5f * (here - Nebula(x + sun.x * kFar, y + sun.y * kFar).colour.r);
     }
 
+    float pixelWidth_; // in heights of the picture
+    float pixelHeight_;
     Raster nebula_;
 };
 
 } // namespace
 
-Raster DrawSpace() {
-    const Sky sky;
-    Raster space(kWidth, kHeight);
+Raster DrawSky(int width, int height) {
+    const Sky sky(width, height);
+    Raster space(width, height);
     space.Fill([&](float x, float y) { return sky.At(x, y); });
-    AddStars(&space);
-    for (int y = 0; y < kHeight; ++y)
-        for (int x = 0; x < kWidth; ++x)
+    AddStars(&space, kAspect);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
             space.At(x, y).alpha = 1;
     return space;
+}
+
+// As large as textures come, so that it holds on a screen of 4K.
+Raster DrawSpace() {
+    return DrawSky(4096, 2048);
 }

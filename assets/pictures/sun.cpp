@@ -12,7 +12,7 @@ template <class Function> Raster Wrapped(int width, int height, Function colourA
     Raster picture(width, height);
     const float meridian = 2 * kPi / static_cast<float>(width - 1);
     const float parallel = kPi / static_cast<float>(height - 1);
-    for (int y = 0; y < height; ++y) {
+    ForEachRow(height, [&](int y) {
         const float across = std::sin(parallel * static_cast<float>(y));
         const float up = std::cos(parallel * static_cast<float>(y));
         for (int x = 0; x < width; ++x) {
@@ -20,13 +20,13 @@ template <class Function> Raster Wrapped(int width, int height, Function colourA
                 meridian * static_cast<float>(x % (width - 1)); // the last column is the first again
             picture.At(x, y) = colourAt(Vec3{across * std::cos(turn), up, across * std::sin(turn)});
         }
-    }
+    });
     return picture;
 }
 
 constexpr Stop kIncandescent[] = {
-    {0.00f, Hex(0x4A0A02)}, {0.18f, Hex(0x9A2204)}, {0.36f, Hex(0xDC4A08)}, {0.54f, Hex(0xFF7E16)},
-    {0.70f, Hex(0xFFAE36)}, {0.84f, Hex(0xFFDA74)}, {1.00f, Hex(0xFFF8DC)},
+    {0.00f, Hex(0x3A0702)}, {0.16f, Hex(0x861B03)}, {0.34f, Hex(0xD24406)}, {0.50f, Hex(0xF77412)},
+    {0.66f, Hex(0xFF9F2C)}, {0.80f, Hex(0xFFCB62)}, {0.92f, Hex(0xFFEBAE)}, {1.05f, Hex(0xFFFDF0)},
 };
 constexpr Stop kGold[] = {
     {0.0f, Hex(0xB84A08)},
@@ -40,35 +40,48 @@ constexpr Stop kFlame[] = {
     {0.75f, Hex(0xFF8A30)},
     {1.0f, Hex(0xFFE0A0)},
 };
-constexpr Stop kMagenta[] = {
-    {0.0f, Hex(0x6A0A3A)},
-    {0.45f, Hex(0xE03060)},
-    {0.75f, Hex(0xFF7A90)},
-    {1.0f, Hex(0xFFE0DC)},
+constexpr Stop kRose[] = {
+    {0.0f, Hex(0x7A0A1E)},
+    {0.45f, Hex(0xF04034)},
+    {0.75f, Hex(0xFF8A5C)},
+    {1.0f, Hex(0xFFE6C8)},
 };
 
-// 0 in the middle of a dark spot, 1 away from all of them. Few cells have one.
-float SpotsAt(Vec3 p) {
+// An active region: how near its middle is, from 1 there down to 0, and the dark spot in it, 0 where it is
+// darkest. Few cells have one.
+struct Activity {
+    float near;
+    float spot;
+};
+Activity ActivityAt(Vec3 p) {
     const Cell cell = CellNoise(Warped(p, 6, 0.10f, 3, 901) * 2.2f, 905);
     if ((cell.id >> 7 & 7) > 2)
-        return 1;
-    const float radius = 0.10f + 0.10f * static_cast<float>(cell.id & 15) / 15;
-    return Smooth(radius * 0.5f, radius * 1.5f, cell.nearest);
+        return {0, 1};
+    const float radius = 0.09f + 0.09f * static_cast<float>(cell.id & 15) / 15;
+    return {Smooth(radius * 4.2f, radius * 0.8f, cell.nearest),
+            Smooth(radius * 0.35f, radius * 1.25f, cell.nearest)};
 }
 
+// Granules large and small, the brighter net that they drift in, slow bright and dark regions, and threads of
+// hotter gas that the field pulls along.
 Rgba CoreAt(Vec3 p) {
     const Vec3 stirred = Warped(p, 5, 0.09f, 3, 601);
-    const Cell granule = CellNoise(stirred * 17, 611);
-    const Cell grain = CellNoise(stirred * 41, 613);
-    const float granules = Smooth(0.02f, 0.42f, granule.border) * (1 - 0.35f * granule.nearest);
-    const float grains = Smooth(0.0f, 0.45f, grain.border);
-    const float regions = Fbm(Warped(p, 2, 0.35f, 3, 621) * 2.4f, 4, 631);
-    const float filament = Ridged(Warped(p, 3, 0.25f, 3, 641) * 3.2f, 5, 651);
+    const Cell granule = CellNoise(stirred * 23, 611);
+    const Cell grain = CellNoise(Warped(p, 17, 0.02f, 2, 607) * 61, 613);
+    const Cell mesh = CellNoise(Warped(p, 4, 0.16f, 4, 661) * 6.5f, 663);
+    const float granules = Smooth(0.0f, 0.5f, granule.border) * (1.15f - 0.5f * granule.nearest);
+    const float grains = Smooth(0.0f, 0.5f, grain.border);
+    const float net = Smooth(0.30f, 0.0f, mesh.border);
+    const float regions = Fbm(Warped(p, 2, 0.35f, 3, 621) * 2.2f, 5, 631);
+    const float threads = Ridged(Warped(Warped(p, 3, 0.25f, 3, 641), 9, 0.05f, 3, 645) * 3.4f, 6, 651);
+    const float fine = Ridged(Warped(p, 8, 0.06f, 3, 671) * 12, 4, 673);
+    const Activity active = ActivityAt(p);
 
-    float heat = 0.34f + 0.24f * granules + 0.10f * grains + 0.34f * regions;
-    heat += 0.34f * Smooth(0.42f, 0.95f, filament);
-    heat = Mix(0.02f + 0.22f * filament + 0.10f * granules, heat, SpotsAt(p));
-    return {Ramp(kIncandescent, heat), 1};
+    float heat = 0.30f + 0.17f * granules + 0.08f * grains + 0.42f * regions;
+    heat += 0.30f * Smooth(0.45f, 0.95f, threads) + 0.10f * net + 0.10f * (fine - 0.5f);
+    heat += active.near * (0.20f * threads + 0.16f * fine + 0.08f);
+    const float umbra = 0.04f + 0.16f * fine + 0.08f * granules;
+    return {Ramp(kIncandescent, Mix(umbra, heat, active.spot)), 1};
 }
 
 Rgba Plasma(std::span<const Stop> palette, float density, float heat) {
@@ -98,9 +111,9 @@ Rgba PlasmaCAt(Vec3 p) {
     const Vec3 flow = Warped(Warped(p, 1.3f, 0.45f, 3, 761), 4.0f, 0.12f, 3, 771);
     const Cell cell = CellNoise(flow * 4.5f, 781);
     const float net = Smooth(0.28f, 0.0f, cell.border);
-    const float veil = Smooth(-0.1f, 0.5f, Fbm(flow * 2.2f, 5, 791));
-    const float density = net * (0.25f + 0.75f * veil) + 0.35f * veil;
-    return Plasma(kMagenta, 0.7f * density, density);
+    const float veil = Smooth(0.0f, 0.5f, Fbm(flow * 2.2f, 5, 791));
+    const float density = net * (0.15f + 0.85f * veil) + 0.18f * veil * veil;
+    return Plasma(kRose, 0.75f * density, density);
 }
 
 } // namespace
@@ -109,9 +122,9 @@ Raster DrawSunSurface(int width, int height) {
     return Wrapped(width, height, CoreAt);
 }
 
-// Twice as fine as the shells: it fills a quarter of the screen.
+// Four times as fine as the shells: it fills a quarter of the screen.
 Raster DrawSunCore() {
-    return DrawSunSurface(2048, 1024);
+    return DrawSunSurface(4096, 2048);
 }
 
 Raster DrawPlasmaA() {

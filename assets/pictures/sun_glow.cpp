@@ -36,11 +36,12 @@ Rgba HaloAt(float px, float py) {
     const float height = std::max(0.0f, at.r - kSunShare);
     // The corona is never quite even.
     const float breath = 1 + 0.35f * Fbm({at.x * 1.6f, at.y * 1.6f, at.r * 1.2f}, 3, 5);
-    const float rim = std::exp(-height / 0.016f);
-    const float inner = std::exp(-height / (0.055f * breath));
+    // At the sun's edge the light is of the sun's own colour, so that the edge is no line.
+    const float rim = std::exp(-height / 0.014f);
+    const float inner = std::exp(-height / (0.050f * breath));
     const float outer = std::exp(-height / (0.17f * breath));
-    const Rgb light = Hex(0xFFF2C8) * (0.75f * rim) + Hex(0xFFA63C) * (0.62f * inner) +
-                      Hex(0xC8401A) * (0.34f * outer) + Hex(0x6A2A9A) * (0.10f * std::sqrt(outer));
+    const Rgb light = Hex(0xFFB048) * (0.52f * rim) + Hex(0xFF8A2A) * (0.52f * inner) +
+                      Hex(0xC8401A) * (0.36f * outer) + Hex(0x6A2A9A) * (0.10f * std::sqrt(outer));
     return Glow(light * Fading(at.r));
 }
 
