@@ -61,7 +61,7 @@ std::string WriteSunLibrary(const std::string& file) {
 }
 
 std::string WriteMedallionLibrary(const std::string& file) {
-    return WriteLibrary(file, "41", {Metal("Gold", "34", 0.48f, 0.70f), Metal("Emblem", "35", 0.52f, 0.65f)});
+    return WriteLibrary(file, "41", {Metal("Gold", "34", 0.56f, 0.85f), Metal("Emblem", "35", 0.58f, 0.85f)});
 }
 
 // The sheet's material is not here: it is the desktop picture, which the scene registers.

@@ -1,4 +1,5 @@
 // The bevelled gold disc with the emblem on both faces.
+#include "medallion_shape.h"
 #include "models/mesh_builder.h"
 #include "models/models.h"
 #include "pictures/colour.h"
@@ -9,10 +10,15 @@
 namespace {
 
 constexpr const char* kLibrary = "41";
-constexpr int kSectors = 64;
-constexpr int kFaceRings = 8;
+constexpr int kSectors = 96;
 constexpr float kFaceRadius = 0.84f;
 constexpr float kFaceHeight = 0.052f;
+constexpr float kRise = 0.075f; // of the emblem over the face, in radii of the face
+
+// Where the face has corners, from the middle outwards: close together where the emblem stands out of it.
+constexpr float kFaceRings[] = {0.00f, 0.08f, 0.16f, 0.24f, 0.30f, 0.34f, 0.37f, 0.40f, 0.42f,
+                                0.44f, 0.46f, 0.48f, 0.50f, 0.52f, 0.54f, 0.56f, 0.58f, 0.60f,
+                                0.63f, 0.66f, 0.70f, 0.78f, 0.85f, 0.92f, 0.96f, 1.00f};
 
 // The medallion is drawn flattened to about a tenth of its width and a sixth of its height, its depth left
 // alone, which steepens every slope for the light as much. Normals are stored flatter by as much, so that
@@ -66,13 +72,32 @@ template <class CornerAt> void AddRings(MeshBuilder* mesh, const Side& side, int
     mesh->JoinGrid(first, kSectors + 1, rings);
 }
 
+// How far the emblem stands out at a place of the face.
+float RiseAt(float x, float y) {
+    const auto swell = [](float distance, float reach) {
+        const float left = Clamp01(1 - distance * distance / (reach * reach));
+        return left * left;
+    };
+    const float moon = std::hypot(x - kMoonX, y - kMoonY);
+    const float gap = Smooth(kMoonRadius + 0.01f, kMoonRadius + 0.05f, moon);
+    const float ring = swell(std::hypot(x, y) - kRingRadius, kRingWidth * 1.25f);
+    return kRise * (0.8f * gap * ring + 1.2f * swell(moon, kMoonRadius * 1.15f));
+}
+
 void AddFace(MeshBuilder* mesh, const Side& side) {
-    AddRings(mesh, side, kFaceRings + 1, [&](int ring, Direction d) {
-        const float r = static_cast<float>(ring) / kFaceRings;
-        const Vec3 at = {d.x * r * kFaceRadius, d.y * r * kFaceRadius, side.z * kFaceHeight};
-        const Vec3 normal = Unit({kDomeX * r * d.x, kDomeY * r * d.y, side.z});
-        const float across = side.isBack ? -d.x : d.x;
-        return Corner{at, normal, (1 + across * r) / 2, (1 - d.y * r) / 2};
+    AddRings(mesh, side, static_cast<int>(std::size(kFaceRings)), [&](int ring, Direction d) {
+        constexpr float kStep = 0.004f;
+        const float r = kFaceRings[ring];
+        const float across = side.isBack ? -d.x : d.x; // as the face's picture is seen
+        const float x = across * r;
+        const float y = d.y * r;
+        const float slopeX = (RiseAt(x + kStep, y) - RiseAt(x - kStep, y)) / (2 * kStep);
+        const float slopeY = (RiseAt(x, y + kStep) - RiseAt(x, y - kStep)) / (2 * kStep);
+        const Vec3 at = {d.x * r * kFaceRadius, d.y * r * kFaceRadius,
+                         side.z * (kFaceHeight + kFaceRadius * RiseAt(x, y))};
+        const Vec3 normal = Unit({kDomeX * r * d.x - kFlatX * slopeX * (side.isBack ? -1 : 1),
+                                  kDomeY * r * d.y - kFlatY * slopeY, side.z});
+        return Corner{at, normal, (1 + x) / 2, (1 - y) / 2};
     });
 }
 

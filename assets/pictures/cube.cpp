@@ -10,8 +10,10 @@
 
 namespace {
 
-constexpr int kSize = 512;
-constexpr float kMiddle = kSize / 2.0f;
+// Both pictures are drawn on a square of 512 units, twice as fine.
+constexpr int kScale = 2;
+constexpr int kSize = 512 * kScale;
+constexpr float kMiddle = 256;
 
 // A lamp with a square diffuser: the direction it hangs in, half its width and height as seen from the cube.
 struct Softbox {
@@ -62,8 +64,8 @@ Rgb StudioLight(Vec3 d) {
 
 Rgba StudioAt(float px, float py) {
     // The device's sphere map: the picture's circle holds every direction, the middle the one to the eye.
-    float x = px / kMiddle - 1;
-    float y = 1 - py / kMiddle;
+    float x = px * 2 / kSize - 1;
+    float y = 1 - py * 2 / kSize;
     const float square = std::min(x * x + y * y, 0.9999f);
     const float r = std::hypot(x, y);
     if (r * r > square) {
@@ -130,29 +132,27 @@ void FlamePath(cairo_t* pen, double size) {
     cairo_restore(pen);
 }
 
-void EtchFlame(const Drawing& etching) {
-    cairo_t* pen = etching.Pen();
+Drawing Canvas() {
+    Drawing canvas(kSize, kSize);
+    cairo_scale(canvas.Pen(), kScale, kScale);
+    return canvas;
+}
+
+// The outer flame and the smaller one in it, each drawn by what paint(pen, isInner) does with its path.
+template <class Paint> void DrawFlames(cairo_t* pen, Paint paint) {
     cairo_save(pen);
     cairo_translate(pen, kMiddle, kMiddle + 88);
     FlamePath(pen, 188);
-    etching.Colour({}, 0.16);
-    cairo_fill_preserve(pen);
-    etching.Colour({});
-    cairo_set_line_width(pen, 4);
-    cairo_stroke(pen);
+    paint(pen, false);
     cairo_translate(pen, 4, -14);
     FlamePath(pen, 96);
-    etching.Colour({}, 0.25);
-    cairo_fill_preserve(pen);
-    etching.Colour({});
-    cairo_set_line_width(pen, 2.5);
-    cairo_stroke(pen);
+    paint(pen, true);
     cairo_restore(pen);
 }
 
 // What is etched into the glass: a flame in a ring, with strokes as on a dial. Only its alpha counts.
 Raster Etching() {
-    const Drawing etching(kSize, kSize);
+    const Drawing etching = Canvas();
     cairo_t* pen = etching.Pen();
     etching.Colour({});
     for (const auto& [radius, width] : {std::pair{138.0, 5.0}, {127.0, 1.8}, {168.0, 1.2}}) {
@@ -172,17 +172,35 @@ Raster Etching() {
     etching.Outline({kMiddle - 184, kMiddle - 184, 368, 368}, 26);
     cairo_set_line_width(pen, 2);
     cairo_stroke(pen);
-    EtchFlame(etching);
+    DrawFlames(pen, [](cairo_t* p, bool isInner) {
+        cairo_set_line_width(p, isInner ? 2.5 : 4);
+        cairo_stroke(p);
+    });
     return etching.Result();
 }
 
-Rgba GlassAt(float x, float y, float etch) {
+// How hot the glass glows: the flame, hottest in its heart. Only its alpha counts.
+Raster Fire() {
+    const Drawing fire = Canvas();
+    DrawFlames(fire.Pen(), [&](cairo_t* p, bool isInner) {
+        fire.Colour({}, isInner ? 0.95 : 0.60);
+        cairo_fill(p);
+    });
+    return fire.Result();
+}
+
+// Smoked glass, lit from within by the flame; x and y from its middle.
+Rgba GlassAt(float x, float y, float etch, float fire) {
     const float sheen = Smooth(60, -160, x + y) * 0.5f + 0.25f * Smooth(14, 0, std::fabs(x + y + 96) - 22);
     const float edge = Smooth(-34, -2, BoxDistance(x, y, kFrameIn, 34));
     const Rgb tint = Mix(Hex(0x6FA4D8), Hex(0xE8F4FF), Clamp01(sheen));
     const Rgb dark = Mix(tint, Hex(0x0A1420), 0.7f * edge);
     const float alpha = 0.15f + 0.10f * sheen + 0.35f * edge;
-    return {Mix(dark, Hex(0xFFF0D0), etch), Mix(alpha, 0.85f, etch)};
+    const float away = (x * x + (y - 20) * (y - 20)) / (105 * 105);
+    const float warm = std::max(0.40f * std::exp(-away), fire);
+    const Rgb ember = Mix(Hex(0xF03C00), Hex(0xFFB428), Smooth(0.35f, 0.85f, fire));
+    return {Mix(Mix(dark, ember, Clamp01(1.8f * warm)), Hex(0xFFF0D0), etch),
+            Mix(Mix(alpha, 0.92f, warm), 0.88f, etch)};
 }
 
 } // namespace
@@ -195,14 +213,16 @@ Raster DrawStudio() {
 
 Raster DrawSkin() {
     Relief frame(kSize, kSize);
-    frame.Fill([](float x, float y) { return FrameHeight(x - kMiddle, y - kMiddle); });
-    frame.Soften(1);
+    frame.Fill(
+        [](float x, float y) { return kScale * FrameHeight(x / kScale - kMiddle, y / kScale - kMiddle); });
+    frame.Soften(kScale);
     const Raster etching = Etching();
+    const Raster fire = Fire();
     Raster skin(kSize, kSize);
-    for (int y = 0; y < kSize; ++y)
+    ForEachRow(kSize, [&](int y) {
         for (int x = 0; x < kSize; ++x) {
-            const float fx = static_cast<float>(x) + 0.5f - kMiddle;
-            const float fy = static_cast<float>(y) + 0.5f - kMiddle;
+            const float fx = (static_cast<float>(x) + 0.5f) / kScale - kMiddle;
+            const float fy = (static_cast<float>(y) + 0.5f) / kScale - kMiddle;
             const float inside = BoxDistance(fx, fy, kFrameIn, 34);
             // Brushed along each bar of the frame, mitred at the corners.
             const bool upright = std::fabs(fx) > std::fabs(fy);
@@ -212,9 +232,10 @@ Raster DrawSkin() {
             const Rgb bare = Steel(0.02f + 0.95f * Shine(frame.Normal(x, y)) + sheen + 0.15f * grain);
             const float gilded = Smooth(1.9f, 0.6f, std::fabs(inside - 20));
             const Rgb metal = Mix(bare, Gold(0.35f + 0.6f * Shine(frame.Normal(x, y))), gilded);
-            const Rgba glass = GlassAt(fx, fy, etching.At(x, y).alpha);
+            const Rgba glass = GlassAt(fx, fy, etching.At(x, y).alpha, fire.At(x, y).alpha);
             const float cover = Smooth(-0.8f, 0.8f, inside);
             skin.At(x, y) = {Mix(glass.colour, metal, cover), Mix(glass.alpha, 1, cover)};
         }
+    });
     return skin;
 }

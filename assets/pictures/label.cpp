@@ -34,7 +34,7 @@ Raster DrawLabel() {
         for (int x = 0; x < kWidth; ++x) {
             const float cover = letters.At(x, y).alpha;
             const float fall = 0.12f * Smooth(100, 24, static_cast<float>(y));
-            const Rgb metal = Gold(0.40f + fall + 0.60f * Shine(shape.Normal(x, y)));
+            const Rgb metal = Gold(0.58f + fall + 0.46f * Shine(shape.Normal(x, y)));
             // A dark breath round the letters keeps them legible on bright gas.
             const float dark = Clamp01(shade.At(x, y) * 1.5f) * 0.75f;
             const float alpha = cover + dark * (1 - cover);

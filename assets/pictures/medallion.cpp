@@ -1,4 +1,5 @@
 // The medallion's metal and its face.
+#include "medallion_shape.h"
 #include "noise.h"
 #include "pictures/pictures.h"
 #include "pictures/relief.h"
@@ -7,16 +8,9 @@
 
 namespace {
 
-constexpr int kSize = 512;
+constexpr int kSize = 1024;
 // The face is shaped on a grid twice as fine and then averaged: engraved lines are thinner than a pixel.
 constexpr int kFine = 2 * kSize;
-
-// All lengths are shares of the face's radius.
-constexpr float kRingRadius = 0.50f;
-constexpr float kRingWidth = 0.085f;
-constexpr float kMoonRadius = 0.135f;
-constexpr float kMoonX = 0.3535f;
-constexpr float kMoonY = -0.3535f; // upwards is negative
 
 float Dome(float distance, float radius) {
     const float t = std::fabs(distance) / radius;
@@ -44,11 +38,11 @@ float Beads(float r, float turn) {
     return Dome(std::hypot(along, r - kAt), 0.031f);
 }
 
-// Height of the face at x, y in -1..1.
+// Height of the face at x, y in -1..1, y downwards.
 float FaceHeight(float x, float y) {
     const float r = std::hypot(x, y);
     const float turn = std::atan2(y, x);
-    const float moonDistance = std::hypot(x - kMoonX, y - kMoonY);
+    const float moonDistance = std::hypot(x - kMoonX, y + kMoonY);
 
     const float outer = Guilloche(r, turn, 0.725f, 0.062f, 24, 5, 0.0085f);
     const float inner = Guilloche(r, turn, 0.245f, 0.125f, 9, 6, 0.0085f);
@@ -70,16 +64,25 @@ Raster Halved(const Raster& fine) {
     return fine.Shrunk(fine.Width() / 2, fine.Height() / 2);
 }
 
+// Metal turned on a lathe is brushed round its middle, and answers a lamp with two bright fans and their dark
+// opposites: the light at this turn, about 0.
+float Fans(float turn) {
+    const float c = std::cos(turn - 2.2f);
+    return 0.75f * std::pow(std::fabs(c), 5.0f) - 0.22f;
+}
+
 } // namespace
 
 Raster DrawGold() {
-    Raster gold(kSize, kSize);
+    constexpr int kGoldSize = 512;
+    Raster gold(kGoldSize, kGoldSize);
     gold.Fill([](float x, float y) {
+        const float dx = x * 2 / kGoldSize - 1;
+        const float dy = y * 2 / kGoldSize - 1;
+        const float turn = std::atan2(dy, dx);
         const float wear = Fbm({x / 130, y / 130, 2.5f}, 4, 821);
-        const float scratches = Ridged({x / 260 + y / 700, y / 60 - x / 300, 1.5f}, 2, 823);
-        const float light = 0.72f + 0.05f * Brushed(x, y * 2, 831) + 0.025f * Brushed(x * 3, y, 835) +
-                            0.10f * wear + 0.08f * Smooth(0.975f, 1.0f, scratches);
-        return Rgba{Gold(light), 1};
+        const float groove = Brushed(turn * 240, std::hypot(dx, dy) * 260, 831);
+        return Rgba{Gold(0.66f + 0.05f * groove + 0.09f * wear + 0.36f * Fans(turn)), 1};
     });
     return gold;
 }
@@ -88,14 +91,19 @@ Raster DrawEmblem() {
     Relief face(kFine, kFine);
     face.Fill(
         [](float x, float y) { return kFine * 0.5f * FaceHeight(x * 2 / kFine - 1, y * 2 / kFine - 1); });
-    face.Soften(1);
+    face.Soften(2);
     Raster fine(kFine, kFine);
-    for (int y = 0; y < kFine; ++y)
+    ForEachRow(kFine, [&](int y) {
         for (int x = 0; x < kFine; ++x) {
-            const float fx = static_cast<float>(x);
-            const float fy = static_cast<float>(y);
-            const float grain = 0.035f * Brushed(fx * 0.5f, fy * 0.5f, 841);
-            fine.At(x, y) = {Gold(0.10f + 0.92f * Shine(face.Normal(x, y)) + grain), 1};
+            const float fx = (static_cast<float>(x) + 0.5f) * 2 / kFine - 1;
+            const float fy = (static_cast<float>(y) + 0.5f) * 2 / kFine - 1;
+            const float r = std::hypot(fx, fy);
+            const float turn = std::atan2(fy, fx);
+            const float field = Smooth(0.03f, 0.12f, r) * (1 - face.Steepness(x, y));
+            const float shine = 0.04f + 0.94f * Shine(face.Normal(x, y));
+            const float groove = 0.045f * Brushed(turn * 260, r * 420, 841);
+            fine.At(x, y) = {Gold(shine + groove + 0.30f * field * Fans(turn)), 1};
         }
+    });
     return Halved(fine);
 }

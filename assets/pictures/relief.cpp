@@ -3,8 +3,8 @@
 namespace {
 
 constexpr Stop kGoldScale[] = {
-    {0.00f, Hex(0x2A1604)}, {0.22f, Hex(0x6E430C)}, {0.45f, Hex(0xB98224)},
-    {0.65f, Hex(0xE4B548)}, {0.84f, Hex(0xFBE08E)}, {1.00f, Hex(0xFFFBE4)},
+    {0.00f, Hex(0x1E0E03)}, {0.20f, Hex(0x5E3308)}, {0.42f, Hex(0xB0741A)}, {0.62f, Hex(0xE8AC3A)},
+    {0.80f, Hex(0xFFD873)}, {0.92f, Hex(0xFFF0B8)}, {1.05f, Hex(0xFFFDF2)},
 };
 constexpr Stop kSteelScale[] = {
     {0.00f, Hex(0x0C1016)}, {0.25f, Hex(0x39424E)}, {0.50f, Hex(0x78838F)},

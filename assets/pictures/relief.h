@@ -27,6 +27,8 @@ public:
     void Soften(int reach);
     // Which way the surface faces; x to the right, y up, z to the eye.
     Vec3 Normal(int x, int y) const;
+    // 0 where it lies level, 1 from a slope of about 20 degrees on.
+    float Steepness(int x, int y) const { return Smooth(1.0f, 0.94f, Normal(x, y).z); }
 
 private:
     void SoftenLine(std::size_t first, std::size_t step, int count, int reach);
