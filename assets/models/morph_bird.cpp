@@ -90,18 +90,10 @@ Vec3 Crease(float along, int edge, const BirdPose& pose) {
     const Vec3 across =
         SmoothWing(along, t + kPleat / 2, 1, pose).at - SmoothWing(along, t - kPleat / 2, 1, pose).at;
     const float lost = std::max(0.0f, kPleat * kPleat - Dot(across, across));
-    const float height = std::min(0.045f, 0.5f * std::sqrt(lost)) * Smooth(0, 0.22f, along + pose.wingSheet) *
-                         Mix(0.45f, 1, pose.open);
+    const float height =
+        std::min(0.045f, 0.5f * std::sqrt(lost)) * Smooth(0, 0.22f, along) * Mix(0.45f, 1, pose.open);
     const Vec3 up = {0, -std::sin(here.tilt), std::cos(here.tilt)};
     return here.at + up * (isValley ? -height : height);
-}
-
-Vec3 WingPlace(const SheetPlace& place, const BirdPose& pose) {
-    const float along = (std::fabs(place.s) - kBodyShare) / (1 - kBodyShare);
-    const float between = (place.t - RowEdge(place.row)) / kPleat;
-    Vec3 at = Mix(Crease(along, place.row, pose), Crease(along, place.row + 1, pose), between);
-    at.y = place.s > 0 ? -at.y : at.y;
-    return at;
 }
 
 Vec3 Spine(float t, float neck) {
@@ -123,6 +115,27 @@ Vec3 BodyPlace(const SheetPlace& place, const BirdPose& pose) {
     Vec3 bird = ridge - up * hang + forward * (tail * (0.16f * across * across + 0.03f * zigzag));
     bird.y = -across * CurveAt(kHalfWidth, place.t);
     return Mix(bird, {place.t, -place.s * kAspect, 0}, pose.bodySheet);
+}
+
+// Once the sheet unfolds, the wings' roots, which lay under the bird's back, are drawn out to where the
+// body's edge is, so that body and wings are one sheet again; less so farther out.
+Vec3 DrawnToBody(const SheetPlace& place, float along, const BirdPose& pose) {
+    const float drawn = Smooth(0, 0.24f, pose.wingSheet) * (1 - along);
+    if (drawn <= 0)
+        return {};
+    SheetPlace edge = place;
+    edge.s = place.s > 0 ? kBodyShare : -kBodyShare;
+    const Vec3 body = BodyPlace(edge, pose);
+    const Vec3 root = SmoothWing(0, place.t, 1, pose).at;
+    return (body - Vec3{root.x, place.s > 0 ? -root.y : root.y, root.z}) * drawn;
+}
+
+Vec3 WingPlace(const SheetPlace& place, const BirdPose& pose) {
+    const float along = (std::fabs(place.s) - kBodyShare) / (1 - kBodyShare);
+    const float between = (place.t - RowEdge(place.row)) / kPleat;
+    Vec3 at = Mix(Crease(along, place.row, pose), Crease(along, place.row + 1, pose), between);
+    at.y = place.s > 0 ? -at.y : at.y;
+    return at + DrawnToBody(place, along, pose);
 }
 
 // Turns the pair (a, b) by degrees, a towards b.

@@ -43,6 +43,7 @@ struct Shard {
     Vec3 axis;
     float angle;
     float size;
+    float curl; // how far its middle stands out, as heat bends paper
 };
 
 Shard ShardAt(int patch, float seconds) {
@@ -54,7 +55,19 @@ Shard ShardAt(int patch, float seconds) {
     const Vec3 axis = Unit({Between(-1, 1, patch, 6, kShardSeed), Between(-1, 1, patch, 7, kShardSeed),
                             Between(-1, 1, patch, 8, kShardSeed)});
     const float spin = Between(-1.8f, 1.8f, patch, 9, kShardSeed);
-    return {OnWhirl(radius, turn, height), axis, spin * seconds, 0.8f * Smooth(start, start + 0.9f, seconds)};
+    const float size = Between(0.55f, 1.25f, patch, 10, kShardSeed);
+    return {OnWhirl(radius, turn, height), axis, spin * seconds, size * Smooth(start, start + 0.9f, seconds),
+            Between(-0.35f, 0.35f, patch, 11, kShardSeed)};
+}
+
+// Torn, not cut: where a corner of a whole square goes, in half squares. A corner of the sheet is torn the
+// same way whichever shard it is on, or the pieces would not have been one sheet.
+Vec3 Torn(const SheetPlace& place, Vec3 half) {
+    constexpr float kFine = 4096;
+    const int at = static_cast<int>(std::lround((place.s + 1) * kFine)) * 8192 +
+                   static_cast<int>(std::lround((place.t + 1) * kFine));
+    return half +
+           Vec3{Between(-0.42f, 0.42f, at, 12, kShardSeed), Between(-0.42f, 0.42f, at, 13, kShardSeed), 0};
 }
 
 constexpr std::uint32_t kEmberSeed = 7202;
@@ -62,6 +75,7 @@ constexpr std::uint32_t kEmberSeed = 7202;
 struct Ember {
     Vec3 at;
     float size;
+    Vec3 motion; // in half screen heights per second
 };
 
 // One in three stays with the bird and glitters round it until the sheet unfolds.
@@ -69,35 +83,64 @@ bool StaysWithBird(int ember) {
     return ember % 3 == 0;
 }
 
-Ember EmberAt(int ember, float seconds) {
+// When the opening wings throw it off.
+float BurstOf(int ember) {
+    return Between(4.6f, 5.6f, ember, 8, kEmberSeed);
+}
+
+// Most are sparks, few are large.
+float SizeOf(int ember) {
+    const float chance = Chance(ember, 6, kEmberSeed);
+    return Mix(0.020f, 0.105f, chance * chance * chance);
+}
+
+Vec3 EmberPlace(int ember, float seconds) {
     const float start = Between(0.0f, 1.1f, ember, 1, kEmberSeed);
     const float wide = Between(0.3f, 1.9f, ember, 2, kEmberSeed);
     const float gathered = Between(0.32f, 0.85f, ember, 3, kEmberSeed);
     float radius = Mix(wide, gathered, Smooth(start, Between(2.2f, 3.6f, ember, 4, kEmberSeed), seconds));
     float height = Between(-0.4f, 0.4f, ember, 5, kEmberSeed) * radius;
-    float size = Between(0.030f, 0.085f, ember, 6, kEmberSeed) * Smooth(start, start + 0.7f, seconds);
     const float turn = 2 * kPi * Chance(ember, 7, kEmberSeed) + seconds * (0.9f + 0.6f / (0.5f + radius));
-
-    const float burst = Between(4.6f, 5.6f, ember, 8, kEmberSeed); // thrown off by the opening wings
-    const float last = StaysWithBird(ember) ? Between(8.2f, 10.2f, ember, 9, kEmberSeed) : burst + 1.6f;
-    const float since = std::max(0.0f, seconds - burst);
+    const float since = std::max(0.0f, seconds - BurstOf(ember));
     radius += (StaysWithBird(ember) ? 0.22f : 0.62f) * since;
     height -= 0.05f * since * since;
-    size *= Smooth(last, last - 1.2f, seconds);
-    return {OnWhirl(radius, turn, height), size};
+    return OnWhirl(radius, turn, height);
 }
 
-// The four corners of a square of the screen, at last; `u` and `v` are what the scene will make of it.
-void AddSquare(MeshBuilder* mesh, Vec3 at, float halfWidth, float halfHeight) {
+Ember EmberAt(int ember, float seconds) {
+    const float start = Between(0.0f, 1.1f, ember, 1, kEmberSeed);
+    const float last =
+        StaysWithBird(ember) ? Between(8.2f, 10.2f, ember, 9, kEmberSeed) : BurstOf(ember) + 1.6f;
+    const float size =
+        SizeOf(ember) * Smooth(start, start + 0.7f, seconds) * Smooth(last, last - 1.2f, seconds);
+    constexpr float kMoment = 0.05f;
+    const Vec3 at = EmberPlace(ember, seconds);
+    return {at, size, (EmberPlace(ember, seconds + kMoment) - at) * (1 / kMoment)};
+}
+
+// A parallelogram with sides along `right` and `up`, which are half its sides and lie on the screen at last;
+// `u` and `v` are what the scene will make of it.
+void AddSpark(MeshBuilder* mesh, Vec3 at, Vec3 right, Vec3 up) {
     constexpr float kCorners[4][2] = {{-1, 1}, {1, 1}, {-1, -1}, {1, -1}};
     int first = -1;
     for (const auto& [x, y] : kCorners) {
-        const int number =
-            mesh->Add({at + Vec3{x * halfWidth, y * halfHeight, 0}, {0, 0, 1}, (1 + x) / 2, (1 - y) / 2});
+        const int number = mesh->Add({at + right * x + up * y, {0, 0, 1}, (1 + x) / 2, (1 - y) / 2});
         first = first < 0 ? number : first;
     }
     mesh->Triangle(first, first + 2, first + 1);
     mesh->Triangle(first + 1, first + 2, first + 3);
+}
+
+// What an ember looks like to an open shutter: the faster and the smaller, the longer is its trail.
+void AddEmber(MeshBuilder* mesh, const Ember& ember, Vec3 centre) {
+    constexpr float kShutter = 0.05f; // seconds
+    const float speed = std::hypot(ember.motion.x, ember.motion.y);
+    const Vec3 along = speed > 0 ? Vec3{ember.motion.x / speed, ember.motion.y / speed, 0} : Vec3{1, 0, 0};
+    const Vec3 across = {-along.y, along.x, 0};
+    const float trail = std::min(kShutter * speed, 2.2f * ember.size) * Smooth(0.11f, 0.02f, ember.size);
+    const auto onScreen = [](Vec3 v) { return Vec3{v.x / kAspect, v.y, v.z}; };
+    AddSpark(mesh, onScreen(centre + ember.at), onScreen(along * (ember.size + trail)),
+             onScreen(across * ember.size));
 }
 
 constexpr Vec3 kSpent = {0, 0, kBehindSheet};
@@ -114,9 +157,12 @@ void ScatterShards(SheetCorners* corners, float seconds, Vec3 centre) {
         const SheetPlace middle = PlaceOf(patch, kPatchCorners / 2);
         for (int corner = 0; corner < kPatchCorners; ++corner) {
             const SheetPlace place = PlaceOf(patch, corner);
-            const Vec3 flat = {(place.s - middle.s) * kAspect * shard.size, (place.t - middle.t) * shard.size,
-                               0};
-            const Vec3 whirling = centre + shard.centre + TurnedAbout(flat, shard.axis, shard.angle);
+            const Vec3 torn =
+                Torn(place, {(place.s - middle.s) * kPatchColumns, (place.t - middle.t) * kPatchRows, 0});
+            const float bulge = shard.curl * (1 - 0.5f * (torn.x * torn.x + torn.y * torn.y));
+            const Vec3 paper =
+                Vec3{torn.x * kAspect / kPatchColumns, torn.y / kPatchRows, bulge / kPatchRows} * shard.size;
+            const Vec3 whirling = centre + shard.centre + TurnedAbout(paper, shard.axis, shard.angle);
             const int number = patch * kPatchCorners + corner;
             Vec3& at = (*corners)[static_cast<std::size_t>(number)];
             at = Mix(whirling, at, arrived);
@@ -125,21 +171,18 @@ void ScatterShards(SheetCorners* corners, float seconds, Vec3 centre) {
 }
 
 void AddEmbers(MeshBuilder* mesh, float seconds, Vec3 centre) {
-    for (int i = 0; i < kEmbers; ++i) {
-        const Ember ember = EmberAt(i, seconds);
-        const Vec3 at = centre + ember.at;
-        AddSquare(mesh, {at.x / kAspect, at.y, at.z}, ember.size / kAspect, ember.size);
-    }
-    AddSquare(mesh, kSpent, 0, 0);
+    for (int i = 0; i < kEmbers; ++i)
+        AddEmber(mesh, EmberAt(i, seconds), centre);
+    AddSpark(mesh, kSpent, {}, {});
 }
 
 void AddSpentEmbers(MeshBuilder* mesh) {
     for (int i = 0; i <= kEmbers; ++i)
-        AddSquare(mesh, kSpent, 0, 0);
+        AddSpark(mesh, kSpent, {}, {});
 }
 
 void AddEmbersForTexture(MeshBuilder* mesh) {
     for (int i = 0; i < kEmbers; ++i)
-        AddSquare(mesh, {0, 0, -kOutOfSight}, 1, 1);
-    AddSquare(mesh, {0, 0, kOutOfSight}, 0, 0);
+        AddSpark(mesh, {0, 0, -kOutOfSight}, {1, 0, 0}, {0, 1, 0});
+    AddSpark(mesh, {0, 0, kOutOfSight}, {}, {});
 }

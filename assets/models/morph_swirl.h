@@ -10,8 +10,8 @@ class MeshBuilder;
 // Moves the corners from the bird, where they are given, to where the shards still are at this time.
 void ScatterShards(SheetCorners* corners, float seconds, Vec3 centre);
 
-constexpr int kEmbers = 320;
-// Appends the embers as squares facing the viewer; spent ones are points behind the sheet.
+constexpr int kEmbers = 400;
+// Appends the embers facing the viewer, drawn out along their way; spent ones are points behind the sheet.
 void AddEmbers(MeshBuilder* mesh, float seconds, Vec3 centre);
 // All embers as points behind the flat sheet.
 void AddSpentEmbers(MeshBuilder* mesh);
