@@ -43,7 +43,8 @@ constexpr CurveKey kRay[] = {{0, 1.10f},    {0.10f, 1.30f}, {0.25f, 1.24f},
 constexpr float kFeatherNotch = 0.90f; // every other fold ends short
 constexpr float kRootFront = 0.30f, kRootBack = -0.26f;
 constexpr float kRootOut = 0.055f;
-constexpr float kFoldedRootUp = 0.09f, kSpreadRootUp = 0.045f;
+constexpr float kFoldedRootUp = 0.04f,
+                kSpreadRootUp = -0.03f; // under the slope of the back, so that no gap shows
 // Angles of the first and the last ray, from straight out to straight back.
 constexpr float kSpreadLead = -20, kSpreadTrail = 84;
 constexpr float kFoldedLead = 80, kFoldedTrail = 97;

@@ -20,9 +20,9 @@ struct Sphere {
     int columns, rows;
 };
 constexpr Sphere kCore = {"sun core", "SunCore", 0, 1.0f, kSunTall, 120, 60};
-constexpr Sphere kShells[] = {{"sun shell 1", "PlasmaA", kTwoPasses, 1.01f, 1.08f, 64, 32},
-                              {"sun shell 2", "PlasmaB", kTwoPasses, 1.03f, 1.08f, 64, 32},
-                              {"sun shell 3", "PlasmaC", kTwoPasses, 1.06f, 1.08f, 64, 32}};
+constexpr Sphere kShells[] = {{"sun shell 1", "PlasmaA", kTwoPasses, 1.01f, 1.15f, 64, 32},
+                              {"sun shell 2", "PlasmaB", kTwoPasses, 1.03f, 1.15f, 64, 32},
+                              {"sun shell 3", "PlasmaC", kTwoPasses, 1.06f, 1.15f, 64, 32}};
 
 // The last column of corners is the first again with u = 1: textures end at their edges. At a pole every
 // column has a corner of its own, in the middle of the strip that it closes. On the side of -z, where the

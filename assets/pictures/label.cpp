@@ -7,11 +7,12 @@ namespace {
 constexpr int kWidth = 512;
 constexpr int kHeight = 128;
 
-// The lettering as a mask; only its alpha counts.
+// The lettering as a mask; only its alpha counts. It stands in the upper half: of the lower one, screens
+// higher than wide show nothing.
 Raster Lettering() {
     const Drawing page(kWidth, kHeight);
-    page.Text(kWidth / 2.0 + 5, 12, "OrinLab",
-              {.font = "DejaVu Serif Bold", .size = 84, .spacing = 9, .centred = true});
+    page.Text(kWidth / 2.0 + 6, -8, "OrinLab",
+              {.font = "DejaVu Serif Bold", .size = 76, .spacing = 13, .centred = true});
     return page.Result();
 }
 

@@ -54,7 +54,7 @@ Rgb SunAt(const Raster& surface, float x, float y) {
 } // namespace
 
 Raster DrawPreview() {
-    const Raster space = DrawSky(1024, 576);
+    const Raster space = DrawSky(2048, 1152).Shrunk(1024, 576);
     const Raster desktop = DrawDesktop().Shrunk(kWidth * 4 / 3, kHeight);
     const Raster halo = DrawHalo();
     const Raster rays = DrawRays();
@@ -65,11 +65,11 @@ Raster DrawPreview() {
         Rgb colour = space.Sample(px * 1.2f, py * 1.2f).colour;
         const float x = (px - kSunX) / kSunRadius;
         const float y = (py - kSunY) / kSunRadius;
-        const auto around = [&](const Raster& glow) {
+        const auto around = [&](const Raster& glow, float tall) {
             const float half = static_cast<float>(glow.Width()) / 2;
-            return glow.Sample(half + x * half * kSunShare, half + y * half * kSunShare);
+            return glow.Sample(half + x * half * kSunShare, half + y * half * kSunShare * tall);
         };
-        colour = Over(around(halo), Over(around(rays), colour));
+        colour = Over(around(halo, kSunTall), Over(around(rays, 1), colour)); // the sun is round here
         const float edge = Smooth(1.0f, 0.985f, std::hypot(x, y));
         if (edge > 0)
             colour = Mix(colour, SunAt(surface, x, y), edge);
