@@ -94,7 +94,7 @@ Rgba PlasmaAAt(Vec3 p) {
     const float threads = Ridged({flow.x * 2.6f, flow.y * 2.6f, flow.z * 2.6f}, 5, 711);
     const float cloud = Smooth(-0.25f, 0.30f, Fbm(flow * 1.8f, 4, 721));
     const float density = Smooth(0.38f, 0.85f, threads) * cloud;
-    return Plasma(kGold, 0.85f * density, density);
+    return Plasma(kGold, density, 1.08f * density);
 }
 
 // Torn flames, streaming from pole to pole.
@@ -103,7 +103,7 @@ Rgba PlasmaBAt(Vec3 p) {
     const float tongues = Ridged({flow.x * 4.2f, flow.y * 1.7f, flow.z * 4.2f}, 5, 741);
     const float gaps = Smooth(-0.20f, 0.25f, Fbm(flow * 2.7f, 3, 751));
     const float density = Smooth(0.35f, 0.80f, tongues) * (0.2f + 0.8f * gaps);
-    return Plasma(kFlame, 0.75f * density, density);
+    return Plasma(kFlame, 0.95f * density, density);
 }
 
 // A net of fine bright knots with veils between.
@@ -113,7 +113,7 @@ Rgba PlasmaCAt(Vec3 p) {
     const float net = Smooth(0.28f, 0.0f, cell.border);
     const float veil = Smooth(0.0f, 0.5f, Fbm(flow * 2.2f, 5, 791));
     const float density = net * (0.15f + 0.85f * veil) + 0.18f * veil * veil;
-    return Plasma(kRose, 0.75f * density, density);
+    return Plasma(kRose, 0.95f * density, density);
 }
 
 } // namespace
