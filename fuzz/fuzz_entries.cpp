@@ -2,43 +2,19 @@
 // show moves it, saved and loaded again. What comes out must be whole: every index below its mesh's vertex
 // count.
 #include "anim/morph_animation.h"
+#include "entry_package.h"
 #include "geometry/mesh.h"
 #include "image/material_library.h"
 #include "package/package.h"
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace {
-
-constexpr int kEntry = 7;
 
 void Expect(bool good) {
     if (!good)
         std::abort();
-}
-
-const std::string& WorkFile() {
-    static const std::string name =
-        (std::filesystem::temp_directory_path() / ("tamblor-fuzz-entry-" + std::to_string(getpid())))
-            .string();
-    static const struct Remover {
-        ~Remover() { std::filesystem::remove(name); }
-    } remover;
-    return name;
-}
-
-std::string Ints(std::initializer_list<std::int32_t> values) {
-    return {reinterpret_cast<const char*>(values.begin()), 4 * values.size()};
-}
-
-void WritePackage(const unsigned char* bytes, std::size_t size) {
-    std::ofstream file(WorkFile(), std::ios::binary);
-    file << Ints({5}) << "pck01" << Ints({1, kEntry, 1, 0, 1, static_cast<std::int32_t>(size), 1, kRaw});
-    file.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
 }
 
 void ExpectWhole(const FXModel& model) {
@@ -88,7 +64,7 @@ void TryAnimation(FXPackage* package) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size) {
-    WritePackage(bytes, size);
+    WritePackage({bytes, size}, kRaw);
     FXPackage package;
     Expect(package.Load(WorkFile().c_str()));
     FXMatlib library;

@@ -2,6 +2,7 @@
 #include "base/str.h"
 #include "image/canvas.h"
 #include "image/codec.h"
+#include "image/picture_header.h"
 #include "package/package.h"
 
 #include <cstdio>
@@ -39,6 +40,8 @@ bool FXCanvas::CreateFromPictCN(FXPackage* pkg, int entry) {
     const int type = pkg->GetDataType(entry);
     if (data == nullptr || type == kRaw || data->size == 0 || !fxDevilLoaded())
         return false;
+    if (!fxPictureIsPlausible({data->start, static_cast<std::size_t>(data->size)}, type))
+        return false;
     const CodecImage image;
     return fxCodec.ilLoadL(static_cast<ILenum>(type), data->start, static_cast<ILuint>(data->size)) != 0 &&
            TakeDecodedPicture();
@@ -64,8 +67,10 @@ bool FXCanvas::TakeDecodedPicture() {
     if (w <= 0 || h <= 0 || !Realloc(w, h))
         return false;
     const CodecImage clone(fxCodec.ilCloneCurImage());
-    // Without the clone or its conversion the rows would be shorter than what is copied.
-    const bool converted = clone.Exists() && fxCodec.ilConvertImage(IL_RGBA, IL_UNSIGNED_BYTE) != 0;
+    // Without the clone or its conversion the rows would be shorter than what is copied; so they are after
+    // the conversion of a palette that makes no sense.
+    const bool converted = clone.Exists() && fxCodec.ilConvertImage(IL_RGBA, IL_UNSIGNED_BYTE) != 0 &&
+                           fxCodec.ilGetInteger(IL_IMAGE_SIZE_OF_DATA) == std::int64_t{4} * w * h;
     if (clearOnLoad)
         Clear(backColor);
     const unsigned char* data = fxCodec.ilGetData();

@@ -5,15 +5,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace {
-
-constexpr int kLargest = 32768;
-constexpr std::int64_t kMostPixels = std::int64_t{1} << 28; // 1 GiB
-
-} // namespace
-
 bool FXPixmap::Realloc(int w, int h) {
-    if (w < 0 || h < 0 || w > kLargest || h > kLargest) {
+    if (w < 0 || h < 0 || w > kMostSide || h > kMostSide) {
         Destroy();
         return false;
     }

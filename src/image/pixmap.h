@@ -8,14 +8,17 @@
 // part. Owns the pixels.
 class FXPixmap {
 public:
+    static constexpr int kMostSide = 32768;
+    static constexpr std::int64_t kMostPixels = std::int64_t{1} << 28; // 1 GiB
+
     FXPixmap() = default;
     ~FXPixmap() { Destroy(); }
     FXPixmap(const FXPixmap&) = delete;
     FXPixmap& operator=(const FXPixmap&) = delete;
 
     // Storage for w x h pixels; contents are neither kept nor cleared, and a large enough block is used
-    // again. False, with the pixmap empty, when a size is negative or beyond 32768, the storage
-    // would hold more than 2^28 pixels, or there is no memory.
+    // again. False, with the pixmap empty, when a size is negative or beyond kMostSide, the
+    // storage would hold more than kMostPixels, or there is no memory.
     bool Realloc(int w, int h);
     void Clear(std::uint32_t value); // the whole storage
     void Destroy();

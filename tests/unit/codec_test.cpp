@@ -2,6 +2,7 @@
 #include "image/canvas.h"
 #include "image/codec.h"
 #include "image/colors.h"
+#include "image/picture_header.h"
 #include "unit/test_package.h"
 #include "unit/trace_lines.h"
 
@@ -22,6 +23,10 @@ std::string SavedByTheLibrary(const TempFolder& folder, const std::string& name,
     EXPECT_TRUE(fxCodec.ilSaveImage(folder.File(name).c_str()));
     fxCodec.ilDeleteImages(1, &image);
     return folder.Read(name);
+}
+
+std::span<const unsigned char> Bytes(const std::string& text) {
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
 
 class Codec : public testing::Test {
@@ -53,6 +58,8 @@ TEST_F(Codec, DecodesEveryFormatOfThePackage) {
         canvas.opaque = c.alpha; // as of another picture
         ASSERT_TRUE(canvas.CreateFromPictCN(&package_, 1)) << std::hex << c.type;
         EXPECT_TRUE(canvas.GetWidth() == 2 && canvas.GetHeight() == 1) << std::hex << c.type;
+        const auto claim = fxPictureSize(Bytes(c.file), c.type);
+        EXPECT_TRUE(claim && claim->width == 2 && claim->height == 1) << std::hex << c.type;
         EXPECT_EQ(canvas.opaque, !c.alpha) << std::hex << c.type;
         for (int i = 0; i < 8; ++i) {
             const int channel = static_cast<int>(canvas.pixels[i / 4] >> 8 * (i % 4) & 255);
@@ -60,6 +67,37 @@ TEST_F(Codec, DecodesEveryFormatOfThePackage) {
             EXPECT_NEAR(channel, expected, c.tolerance) << std::hex << c.type << " " << i;
         }
     }
+}
+
+// Without the look at the header, each of these costs the codec a gigabyte.
+TEST_F(Codec, RefusesPicturesThatClaimMoreThanTheirBytesCanHold) {
+    const auto forged = [](std::string file, std::size_t at, const std::string& number) {
+        return file.replace(at, number.size(), number);
+    };
+    const std::string bmp = SavedByTheLibrary(folder_, "a.bmp", 0xFF112233);
+    const std::string png = SavedByTheLibrary(folder_, "a.png", 0xFF112233);
+    const std::string jpg = SavedByTheLibrary(folder_, "a.jpg", 0xFF112233);
+    const std::size_t frame = jpg.find("\xFF\xC0") + 5;
+    const struct {
+        int type;
+        std::string file;
+    } cases[] = {{kTga, forged(Tga(2, 1, {1, 2}), 12, "\xff\x7f\xff\x1f")},
+                 {kBmp, forged(bmp, 18, std::string("\xff\x3f\0\0\xff\x3f\0\0", 8))},
+                 {kBmp, forged(bmp, 22, std::string("\0\0\0\x80", 4))},
+                 {kPng, forged(png, 16, std::string("\0\0\x3f\xff\0\0\x3f\xff", 8))},
+                 {kJpeg, forged(jpg, frame, "\x3f\xff\x3f\xff")},
+                 {kJpeg, jpg.substr(0, jpg.size() - 2)},        // it would wait for the rest
+                 {kTga, forged(Tga(2, 1, {1, 2}), 16, "\x10")}, // 16 bits: less memory than it says
+                 {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")}};
+    for (const auto& c : cases) {
+        Load({{1, c.type, c.file}});
+        FXCanvas canvas;
+        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1)) << std::hex << c.type;
+        EXPECT_FALSE(fxPictureIsPlausible(Bytes(c.file), c.type)) << std::hex << c.type;
+    }
+    for (const auto& [type, file] : {std::pair{kJpeg, jpg}, {kGif, kGifFile}, {kPng, png}, {kBmp, bmp}})
+        for (std::size_t size = 0; size < 12; ++size)
+            EXPECT_FALSE(fxPictureSize(Bytes(file.substr(0, size)), type)) << type << " " << size;
 }
 
 TEST_F(Codec, FillsTheUpperLeftOfTheStorageAndClearsTheRest) {

@@ -1,0 +1,156 @@
+#include "image/picture_header.h"
+
+#include "image/pixmap.h"
+#include "package/package.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+
+namespace {
+
+// How many pixels a byte of a file can stand for at most.
+std::int64_t MostPixelsPerByte(int type) {
+    switch (type) {
+    case kPng:
+        return 8 * 1032; // of one bit each; deflate packs 1032 bytes of zeros into one
+    case kGif:
+        return 4096; // a code of 12 bits for the longest string there is
+    case kJpeg:
+        return 1024; // flat blocks of 64 pixels, which take some bits each
+    default:
+        return 128; // runs of one colour
+    }
+}
+
+// Numbers at places of the file; a place outside reads as 0 and spoils the reader.
+class HeaderReader {
+public:
+    explicit HeaderReader(std::span<const unsigned char> file) : file_(file) {}
+
+    bool Good() const { return good_; }
+    int Byte(std::size_t at) {
+        if (at < file_.size())
+            return file_[at];
+        good_ = false;
+        return 0;
+    }
+    int Little16(std::size_t at) { return Byte(at) | Byte(at + 1) << 8; }
+    int Big16(std::size_t at) { return Byte(at) << 8 | Byte(at + 1); }
+    int Little32(std::size_t at) {
+        return static_cast<int>(static_cast<unsigned>(Little16(at + 2)) << 16 |
+                                static_cast<unsigned>(Little16(at)));
+    }
+    int Big32(std::size_t at) {
+        return static_cast<int>(static_cast<unsigned>(Big16(at)) << 16 |
+                                static_cast<unsigned>(Big16(at + 2)));
+    }
+
+private:
+    std::span<const unsigned char> file_;
+    bool good_ = true;
+};
+
+constexpr FXPictureSize kBroken = {-1, -1}; // what the codec must not see
+
+FXPictureSize BmpSize(HeaderReader& file) {
+    constexpr int kOldHeader = 12; // of OS/2, with 16 bits for each side
+    if (file.Little32(14) == kOldHeader)
+        return {file.Little16(18), file.Little16(20)};
+    const int height = file.Little32(22); // negative where the first row is the top one
+    return {file.Little32(18), height < 0 ? -std::max(height, -INT_MAX) : height};
+}
+
+// The scans' data, up to the next marker that is not part of it.
+std::size_t AfterScan(HeaderReader& file, std::size_t at) {
+    const auto isData = [&](int next) { return next == 0 || (next >= 0xD0 && next <= 0xD7); };
+    while (file.Good() && (file.Byte(at) != 0xFF || isData(file.Byte(at + 1))))
+        ++at;
+    return at;
+}
+
+// All segments, to the end of the picture: of one that breaks off before, DevIL would wait for the rest for
+// ever.
+FXPictureSize JpegSize(HeaderReader& file) {
+    if (file.Big16(0) != 0xFFD8)
+        return {};
+    FXPictureSize size = kBroken;
+    for (std::size_t at = 2; file.Good() && file.Byte(at) == 0xFF;) {
+        const int marker = file.Byte(at + 1);
+        const bool isFrame =
+            marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+        if (marker == 0xD9)
+            return size;
+        if (isFrame)
+            size = {file.Big16(at + 7), file.Big16(at + 5)};
+        if (marker == 0xFF) { // padding
+            ++at;
+            continue;
+        }
+        at += 2 + static_cast<std::size_t>(file.Big16(at + 2));
+        if (marker == 0xDA)
+            at = AfterScan(file, at);
+    }
+    return kBroken;
+}
+
+// The blocks up to the first frame: its own size counts, not the screen's.
+FXPictureSize GifSize(HeaderReader& file) {
+    constexpr int kHasColours = 0x80;
+    std::size_t at = 13;
+    if (const int flags = file.Byte(10); (flags & kHasColours) != 0)
+        at += std::size_t{3} << ((flags & 7) + 1);
+    while (file.Good() && file.Byte(at) == '!') {
+        at += 2;
+        while (const int size = file.Byte(at))
+            at += static_cast<std::size_t>(size) + 1;
+        ++at;
+    }
+    return file.Byte(at) == ',' ? FXPictureSize{file.Little16(at + 5), file.Little16(at + 7)}
+                                : FXPictureSize{};
+}
+
+// DevIL 1.7.8 gives less memory to TGA pixels of 15 and 16 bits than it then says there is.
+FXPictureSize TgaSize(HeaderReader& file) {
+    const int bits = file.Byte(16);
+    return bits == 15 || bits == 16 ? FXPictureSize{-1, -1}
+                                    : FXPictureSize{file.Little16(12), file.Little16(14)};
+}
+
+FXPictureSize SizeOf(HeaderReader& file, int type) {
+    switch (type) {
+    case kBmp:
+        return BmpSize(file);
+    case kJpeg:
+        return JpegSize(file);
+    case kPng:
+        return {file.Big32(16), file.Big32(20)};
+    case kTga:
+        return TgaSize(file);
+    case kGif:
+        return GifSize(file);
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, int type) {
+    HeaderReader reader(file);
+    const FXPictureSize size = SizeOf(reader, type);
+    if (!reader.Good() || size.width <= 0 || size.height <= 0)
+        return std::nullopt;
+    return size;
+}
+
+bool fxPictureIsPlausible(std::span<const unsigned char> file, int type) {
+    HeaderReader reader(file);
+    const auto [width, height] = SizeOf(reader, type);
+    if (width == 0 || height == 0)
+        return true;
+    const std::int64_t pixels = std::int64_t{width} * height;
+    return width > 0 && height > 0 && width <= FXPixmap::kMostSide && height <= FXPixmap::kMostSide &&
+           pixels <= FXPixmap::kMostPixels &&
+           pixels <= MostPixelsPerByte(type) * static_cast<std::int64_t>(file.size());
+}

@@ -1,0 +1,21 @@
+// What the header of a coded picture says, read without the codec.
+#pragma once
+
+#include <optional>
+#include <span>
+
+struct FXPictureSize {
+    int width = 0; // pixels
+    int height = 0;
+};
+
+// The size that a BMP, JPEG, PNG, TGA or GIF claims to have (GIF: its first frame); `type` is the entry's
+// kind in a package. Nothing when the header is of another kind or ends too early, or the codec could not be
+// trusted with it.
+std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, int type);
+
+// Whether the codec may see the file: its size is one that so many bytes can make good and that a canvas can
+// hold, and nothing in it is known to make DevIL 1.7.8 hang (a JPEG that breaks off) or read beyond its
+// memory (TGA of 16 bits). Codecs believe a header: from 60 bytes they would fill gigabytes. A header of
+// another kind is left to it to refuse.
+bool fxPictureIsPlausible(std::span<const unsigned char> file, int type);
