@@ -11,6 +11,12 @@ Progress::~Progress() {
         std::fputc('\n', stderr);
 }
 
+void Progress::Clear() {
+    if (shown_)
+        std::fputs("\r\033[K", stderr);
+    shown_ = false;
+}
+
 void Progress::Done(std::size_t count) {
     if (shown_)
         std::fprintf(stderr, "\r%s %zu of %zu (%zu %%)", what_, count, total_,

@@ -12,6 +12,7 @@ public:
     Progress& operator=(const Progress&) = delete;
 
     void Done(std::size_t count);
+    void Clear(); // takes the line away, before something else is written
 
 private:
     const char* what_;

@@ -1,106 +1,57 @@
-// tamb-pack: packages from files, and what is in them.
-#include "base/file_handle.h"
-#include "pack/pack_options.h"
-#include "package/package.h"
+// tamb-pack: builds packages for the show, looks into them, and takes them apart.
+#include "pack/command.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <csignal>
 
 namespace {
 
-int Fail(const std::string& message) {
-    std::fprintf(stderr, "tamb-pack: %s\n", message.c_str());
-    return 1;
+const Command* const kCommands[] = {&kListCommand,  &kVerifyCommand, &kExtractCommand,
+                                    &kBuildCommand, &kNamesCommand,  &kDumpCommand};
+
+void PrintHelp() {
+    std::puts("tamb-pack: builds packages for the show, looks into them, and takes them apart.\n\n"
+              "usage: tamb-pack COMMAND ...\n");
+    for (const Command* command : kCommands)
+        std::printf("  %-8s  %s\n", command->name, command->summary);
+    std::puts("\ntamb-pack COMMAND --help says everything about a command; tamb-pack --help is this text.\n"
+              "Exit status: 0 when all is well, 1 when it is not, 2 when the command line makes no sense.\n"
+              "How to make a show of your own: docs/making-a-show.md; the formats: docs/formats.md.");
 }
 
-const char* TypeName(int type) {
-    switch (type) {
-    case kBmp:
-        return "bmp";
-    case kJpeg:
-        return "jpg";
-    case kPng:
-        return "png";
-    case kTga:
-        return "tga";
-    case kGif:
-        return "gif";
-    default:
-        return "raw";
-    }
-}
-
-// Entries with a number first, so that those without get numbers behind them.
-bool Queue(const PackOptions& options, FXPackage* package, std::string* error) {
-    for (const PackEntry& entry : options.entries) {
-        int size = 0;
-        int type = kRaw;
-        if (!FXPackage::CheckFile(entry.file.c_str(), &size, &type)) {
-            *error = entry.file + ": cannot be read, or is beyond 2 GiB";
-            return false;
-        }
-        if (entry.id < 0)
-            continue;
-        package->AddDataFile(entry.id, entry.file.c_str());
-        package->firstId = std::max(package->firstId, entry.id + 1);
-    }
-    for (const PackEntry& entry : options.entries) {
-        FXStr name(entry.file.c_str());
-        if (entry.id < 0)
-            package->AddDataFile1(&name);
-    }
-    return true;
-}
-
-int Build(const PackOptions& options) {
-    FXPackage package;
-    std::string error;
-    if (!Queue(options, &package, &error))
-        return Fail(error);
-    if (!package.Save(options.package.c_str(), options.scramble ? FXPackage::kScrambled : 0))
-        return Fail(options.package + ": cannot be written (or the package would be beyond 2 GiB)");
-    if (!options.nameHeader.empty() && !package.SaveNamesCpp(options.nameHeader.c_str()))
-        return Fail(options.nameHeader + ": cannot be written");
-    return 0;
-}
-
-int List(FXPackage& package) {
-    std::printf("%8s  %-4s %12s\n", "id", "type", "bytes");
-    for (int i = 0; i < package.ids.count; ++i)
-        std::printf("%8d  %-4s %12d\n", package.ids[i], TypeName(package.types[i]), package.cursors[i]->size);
-    return 0;
-}
-
-int Extract(FXPackage& package, const PackEntry& entry) {
-    const FXPackageData* data = package.GetDataPtr(entry.id);
-    if (data == nullptr)
-        return Fail("there is no entry " + std::to_string(entry.id));
-    FXFile file = fxOpenFile(entry.file.c_str(), "wb");
-    const auto size = static_cast<std::size_t>(data->size);
-    const bool written = file && std::fwrite(data->start, 1, size, file.get()) == size;
-    if (!written || !fxCloseWritten(std::move(file)))
-        return Fail(entry.file + ": cannot be written");
-    return 0;
+bool IsHelp(const std::string& word) {
+    return word == "--help" || word == "-h";
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    PackOptions options;
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may grow no more is a failed write
+#endif
+    const std::vector<std::string> line(argv + 1, argv + argc);
+    if (line.empty() || IsHelp(line[0])) {
+        PrintHelp();
+        return line.empty() ? kExitUsage : kExitGood;
+    }
+    const auto* found = std::ranges::find_if(kCommands, [&](const Command* c) { return line[0] == c->name; });
+    if (found == std::end(kCommands)) {
+        std::fprintf(stderr, "tamb-pack: there is no command '%s' (see tamb-pack --help)\n", line[0].c_str());
+        return kExitUsage;
+    }
+    const Command& command = **found;
+    const std::span rest(line.begin() + 1, line.end());
+    if (std::ranges::any_of(rest, IsHelp)) {
+        std::printf("tamb-pack %s: %s\n\n%s", command.name, command.summary, command.help);
+        return kExitGood;
+    }
+    Arguments arguments;
     std::string error;
-    if (!ParsePackOptions({argv + 1, argv + argc}, &options, &error)) {
-        std::fprintf(stderr, "tamb-pack: %s\n", error.c_str());
-        return 2;
-    }
-    if (options.command == PackOptions::Command::Help) {
-        std::fputs(kPackHelp, stdout);
-        return 0;
-    }
-    if (options.command == PackOptions::Command::Build)
-        return Build(options);
-    FXPackage package;
-    if (!package.Load(options.package.c_str()))
-        return Fail(options.package + ": is not a package, or cannot be read");
-    return options.command == PackOptions::Command::List ? List(package)
-                                                         : Extract(package, options.entries[0]);
+    if (!ParseArguments(rest, command.options, &arguments, &error))
+        return FailUsage(error, command.name);
+    const std::size_t words = arguments.words.size();
+    if (words < command.leastWords || words > command.mostWords)
+        return FailUsage(words < command.leastWords ? "something is missing" : "that is too much",
+                         command.name);
+    return command.run(arguments);
 }

@@ -1,0 +1,88 @@
+// Any bytes as a package that tamb-pack looks into, takes apart and builds again, or as the file that it
+// makes a model or a library from. The first byte chooses.
+#include "pack/content_check.h"
+#include "pack/description.h"
+#include "pack/extraction.h"
+#include "pack/mtl_file.h"
+#include "pack/obj_model.h"
+#include "pack/package_check.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+void Expect(bool good) {
+    if (!good)
+        std::abort();
+}
+
+const std::string& WorkFile() {
+    static const std::string name =
+        (std::filesystem::temp_directory_path() / ("tamblor-fuzz-verify-" + std::to_string(getpid())))
+            .string();
+    static const struct Remover {
+        ~Remover() { std::filesystem::remove(name); }
+    } remover;
+    return name;
+}
+
+void TryPackage() {
+    Faults faults;
+    PackageFacts facts;
+    FXPackage package;
+    if (!CheckPackage(WorkFile(), &faults, &facts)) {
+        Expect(!faults.Good());
+        return;
+    }
+    Expect(package.Load(WorkFile().c_str()));
+    if (OverlapsTooMuch(package))
+        return;
+    static_cast<void>(CheckContents(&package, [] {}));
+    for (int i = 0; i < package.cursors.count; ++i)
+        Describe(&package, i);
+    for (const bool asWavefront : {false, true})
+        static_cast<void>(ExtractAll(&package, facts.isScrambled, asWavefront));
+}
+
+void TryObj() {
+    ObjFile obj;
+    std::string error;
+    if (!ReadObj(WorkFile(), &obj, &error)) {
+        Expect(!error.empty());
+        return;
+    }
+    FXModel model;
+    MakeModel(obj, {}, &model);
+    ObjText(model, "");
+}
+
+void TryMtl() {
+    FXMatlib library;
+    std::string error;
+    Expect(ReadMtl(WorkFile(), &library, &error) == error.empty());
+    MtlText(library, [](const char* picture) { return std::string(picture); });
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size) {
+    if (size == 0)
+        return 0;
+    constexpr std::string_view kHeaders[] = {{}, {"\5\0\0\0pck01", 9}, {"\6\0\0\0pck01s", 10}, {}, {}};
+    // One entry that is all the rest, which is where most of the reading is done.
+    std::string start(kHeaders[bytes[0] % 5]);
+    const auto rest = static_cast<std::int32_t>(size - 1);
+    if (bytes[0] % 5 == 1) {
+        const std::int32_t tables[] = {1, 7, 1, 0, 1, rest, 1, kRaw};
+        start.append(reinterpret_cast<const char*>(tables), sizeof tables);
+    }
+    std::ofstream(WorkFile(), std::ios::binary)
+        << start << std::string_view(reinterpret_cast<const char*>(bytes) + 1, size - 1);
+    bytes[0] % 5 == 3 ? TryObj() : bytes[0] % 5 == 4 ? TryMtl() : TryPackage();
+    return 0;
+}

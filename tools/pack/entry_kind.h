@@ -1,0 +1,20 @@
+// What an entry of a package holds.
+#pragma once
+
+#include "package/package.h"
+
+#include <string>
+
+enum class EntryKind { Picture, Model, Animation, Library, Matrix, Phaser, Raw };
+
+// "picture", "model", ...
+const char* KindName(EntryKind kind);
+
+// The kinds of picture file, by the ending of their names.
+struct PictureType {
+    const char* ending; // "png"
+    int type;           // kPng
+};
+// Null for what is no picture's type or ending; an ending counts in either case.
+const PictureType* FindPictureType(int type);
+const PictureType* FindPictureEnding(const std::string& file);

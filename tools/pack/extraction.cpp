@@ -1,0 +1,231 @@
+#include "pack/extraction.h"
+
+#include "anim/morph_animation.h"
+#include "geometry/mesh.h"
+#include "image/material.h"
+#include "image/material_library.h"
+#include "pack/entry_check.h"
+#include "pack/mtl_file.h"
+#include "pack/obj_model.h"
+#include "pack/text.h"
+
+#include <functional>
+#include <map>
+
+namespace {
+
+std::string BytesOf(const FXPackageData& data) {
+    return {reinterpret_cast<const char*>(data.start), static_cast<std::size_t>(data.size)};
+}
+
+class Extractor {
+public:
+    Extractor(FXPackage* package, bool asWavefront, Extraction* result)
+        : package_(package), asWavefront_(asWavefront), result_(*result) {}
+
+    void Run(bool isScrambled) {
+        result_.manifest = "# Made by tamb-pack extract; tamb-pack build makes the package again.\n";
+        if (isScrambled)
+            result_.manifest += "scramble = true\n";
+        for (int i = 0; i < package_->ids.count; ++i)
+            Take(i);
+    }
+
+    // The number of the entry, and its kind; files of this name are what others refer to.
+    std::string FileName(int id, EntryKind kind) const {
+        const std::string stem = std::to_string(id);
+        switch (kind) {
+        case EntryKind::Picture:
+            return stem + "." + FindPictureType(package_->GetDataType(id))->ending;
+        case EntryKind::Model:
+            return stem + (asWavefront_ ? ".obj" : ".om");
+        case EntryKind::Animation:
+            return stem + ".oa";
+        case EntryKind::Library:
+            return stem + (asWavefront_ ? ".mtl" : ".lib");
+        case EntryKind::Matrix:
+        case EntryKind::Phaser:
+        case EntryKind::Raw:
+            break;
+        }
+        return stem + ".bin";
+    }
+
+    std::string PictureFile(const char* reference) const {
+        const int id = EntryNumber(reference);
+        return id >= 0 && FindPictureType(package_->GetDataType(id)) != nullptr
+                   ? FileName(id, EntryKind::Picture)
+                   : reference;
+    }
+
+    std::string LibraryFile(const FXStr& name) const {
+        const int id = EntryNumber(name.text);
+        return id >= 0 && package_->ids.Findpos(id) >= 0 ? FileName(id, EntryKind::Library) : "";
+    }
+
+    std::string ModelText(int id) const {
+        FXModel model;
+        model.LoadCN(package_, id);
+        model.UpdateMeshes();
+        return ObjText(model, LibraryFile(model.matlibName));
+    }
+
+    std::string LibraryText(int id) const {
+        FXMatlib library;
+        library.LoadC(package_, std::to_string(id).c_str());
+        return MtlText(library, [this](const char* reference) { return PictureFile(reference); });
+    }
+
+private:
+    void Take(int i) {
+        const int id = package_->ids[i];
+        if (id < 0 || package_->ids.Findpos(id) != i) {
+            result_.warnings.push_back(
+                Text("place %d of the package, number %d, is left out: %s", i, id,
+                     id < 0 ? "a manifest has no numbers below 0" : "an entry before it has the number"));
+            return;
+        }
+        result_.manifest += Text("\n[[entry]]\nid = %d\n", id);
+        const FXPackageData data = *package_->GetDataPtr(id);
+        const int type = package_->types[i];
+        const EntryKind kind = KindOf(data, type);
+        if (kind == EntryKind::Picture || !asWavefront_ || type != kRaw || !TakeAsWavefront(id, kind, data))
+            TakeAsStored(id, kind, data, type);
+    }
+
+    void Add(const std::string& name, const std::string& bytes) { result_.files.push_back({name, bytes}); }
+
+    void TakeAsStored(int id, EntryKind kind, const FXPackageData& data, int type) {
+        std::string name = FileName(id, kind);
+        if (asWavefront_ && (kind == EntryKind::Model || kind == EntryKind::Library))
+            name = std::to_string(id) + (kind == EntryKind::Model ? ".om" : ".lib");
+        Add(name, BytesOf(data));
+        result_.manifest +=
+            std::string(kind == EntryKind::Picture ? "picture" : "raw") + " = " + Quoted(name) + "\n";
+        if (kind != EntryKind::Picture && type != kRaw)
+            result_.manifest += Text("type = %d\n", type);
+    }
+
+    // False when it has no such form, or is not whole.
+    bool TakeAsWavefront(int id, EntryKind kind, const FXPackageData& data) {
+        Faults faults;
+        EntryFacts facts;
+        CheckEntry(kind, data, &faults, &facts);
+        const bool hasLibrary =
+            facts.library.empty() || package_->ids.Findpos(EntryNumber(facts.library)) >= 0;
+        if (!faults.Good() || !hasLibrary)
+            return false;
+        if (kind == EntryKind::Model && !facts.meshes.empty()) {
+            TakeModel(id, facts);
+            return true;
+        }
+        if (kind == EntryKind::Animation && facts.version == 3 && !facts.meshes.empty() &&
+            !facts.frames.empty()) {
+            TakeAnimation(id);
+            return true;
+        }
+        if (kind == EntryKind::Library && !facts.materials.empty()) {
+            Add(FileName(id, kind), LibraryText(id));
+            result_.manifest += "library = " + Quoted(FileName(id, kind)) + "\n";
+            return true;
+        }
+        return false;
+    }
+
+    void TakeModel(int id, const EntryFacts& facts) {
+        FXModel model;
+        model.LoadCN(package_, id);
+        model.UpdateMeshes();
+        Add(FileName(id, EntryKind::Model), ModelText(id));
+        result_.manifest += "model = " + Quoted(FileName(id, EntryKind::Model)) + "\n";
+        if (facts.version != 3)
+            result_.manifest += Text("version = %d\n", facts.version);
+        AddLooks(model);
+    }
+
+    void AddLooks(const FXModel& model) {
+        if (const int library = EntryNumber(model.matlibName.text); library >= 0)
+            result_.manifest += Text("library = %d\n", library);
+        std::string draw;
+        std::map<std::string, int> seen;
+        for (const FXMesh* mesh : model.meshes)
+            if (seen.emplace(mesh->materialName.text, mesh->transparent).second)
+                draw += (draw.empty() ? "" : ", ") + Quoted(mesh->materialName.text) + " = " +
+                        std::to_string(mesh->transparent);
+        result_.manifest += "draw = { " + draw + " }\n";
+    }
+
+    static std::string List(int count, const std::function<std::string(int)>& element) {
+        std::string list;
+        for (int i = 0; i < count; ++i)
+            list += (i > 0 ? ", " : "") + element(i);
+        return "[" + list + "]";
+    }
+
+    void TakeAnimation(int id) {
+        FXAnim animation;
+        animation.LoadCN(package_, id);
+        const auto frameFile = [&](int f) { return Text("%d-%02d.obj", id, f); };
+        for (int f = 0; f < animation.models.count; ++f)
+            Add(frameFile(f), ObjText(*animation.models[f], LibraryFile(animation.models[f]->matlibName)));
+        const auto flag = [](bool value) { return value ? "true" : "false"; };
+        const FXBezierGraph& graph = animation.graph;
+        result_.manifest +=
+            "animation = " + List(animation.models.count, [&](int f) { return Quoted(frameFile(f)); }) +
+            "\nframe_names = " +
+            List(animation.frameNames.count, [&](int f) { return Quoted(animation.frameNames.Get(f)); }) +
+            "\ntimes = " +
+            List(animation.frameTimes.count, [&](int f) { return std::to_string(animation.frameTimes[f]); }) +
+            Text("\nplaying = %s\nbackwards = %s\nloop = %s\nping_pong = %s\nparameter = %s\n",
+                 flag(animation.playing), flag(animation.backwards), flag(animation.loop),
+                 flag(animation.pingPong), NumberText(animation.storedParam).c_str()) +
+            Text("graph = { resolution = %d, scale = %d, ", graph.resolution, graph.valueScale) +
+            "positions = " +
+            List(graph.positions.count, [&](int i) { return std::to_string(graph.positions[i]); }) +
+            ", values = " + List(graph.values.count, [&](int i) { return std::to_string(graph.values[i]); }) +
+            Text(", flag_a = %s, flag_b = %s, tension = %s, samples = %d }\n", flag(graph.flags[0]),
+                 flag(graph.flags[1]), NumberText(graph.tension).c_str(), graph.samplesPerSegment);
+        AddLooks(*animation.models[0]);
+    }
+
+    FXPackage* package_;
+    bool asWavefront_;
+    Extraction& result_;
+};
+
+} // namespace
+
+Extraction ExtractAll(FXPackage* package, bool isScrambled, bool asWavefront) {
+    Extraction result;
+    Extractor(package, asWavefront, &result).Run(isScrambled);
+    return result;
+}
+
+bool ExtractOne(FXPackage* package, int id, bool asWavefront, std::string* bytes, std::string* error) {
+    const FXPackageData* found = package->GetDataPtr(id);
+    if (found == nullptr) {
+        *error = "there is no entry " + std::to_string(id) + " (tamb-pack list shows which there are)";
+        return false;
+    }
+    const FXPackageData data = *found;
+    *bytes = BytesOf(data);
+    if (!asWavefront)
+        return true;
+    const EntryKind kind = KindOf(data, package->GetDataType(id));
+    Extraction unused;
+    const Extractor extractor(package, true, &unused);
+    Faults faults;
+    EntryFacts facts;
+    CheckEntry(kind, data, &faults, &facts);
+    if (!faults.Good())
+        *error = Text("entry %d is damaged (tamb-pack verify says how); without --obj it comes as it is", id);
+    else if (kind == EntryKind::Model)
+        *bytes = extractor.ModelText(id);
+    else if (kind == EntryKind::Library)
+        *bytes = extractor.LibraryText(id);
+    else
+        *error = Text("entry %d is a %s: --obj takes models and libraries alone, and with a whole package "
+                      "animations too",
+                      id, KindName(kind));
+    return error->empty();
+}

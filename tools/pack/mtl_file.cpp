@@ -1,0 +1,94 @@
+#include "pack/mtl_file.h"
+
+#include "image/material.h"
+#include "pack/text.h"
+#include "pack/wavefront_lines.h"
+
+#define TINYOBJLOADER_USE_DOUBLE
+#include <tiny_obj_loader.h>
+
+#include <algorithm>
+#include <sstream>
+
+namespace {
+
+constexpr double kMostShininess = 128;
+
+struct Numbers {
+    const char* keyword;
+    std::size_t count;
+};
+constexpr Numbers kNumbers[] = {{"Ka", 3}, {"Kd", 3}, {"Ks", 3}, {"Ke", 3}, {"Ns", 1}, {"d", 1}, {"Tr", 1}};
+
+// The first line that is not as it should be; empty when all are.
+std::string FaultOf(const std::string& file, const std::string& text) {
+    std::string fault;
+    bool hasMaterial = false;
+    ForEachLine(text, [&](const WavefrontLine& line) {
+        hasMaterial = hasMaterial || line.keyword == "newmtl";
+        const auto* known = std::ranges::find(kNumbers, line.keyword, &Numbers::keyword);
+        std::string found;
+        if (known != std::end(kNumbers) && !hasMaterial)
+            found = line.keyword + " stands before the first newmtl";
+        else if (known != std::end(kNumbers) && !HasNumbers(line, known->count))
+            found = Text("%s needs %zu numbers", known->keyword, known->count);
+        else if (line.keyword == "newmtl" && line.rest.empty())
+            found = "newmtl needs a name";
+        if (fault.empty() && !found.empty())
+            fault = file + ":" + std::to_string(line.number) + ": " + found;
+    });
+    return fault.empty() && !hasMaterial ? file + ": there is no material (newmtl) in it" : fault;
+}
+
+void SetColor(const tinyobj::real_t* from, float alpha, float* color) {
+    for (int i = 0; i < 3; ++i)
+        color[i] = static_cast<float>(from[i]);
+    color[3] = alpha;
+}
+
+std::string ColorLine(const char* keyword, const float* color) {
+    return std::string(keyword) + " " + NumberText(color[0]) + " " + NumberText(color[1]) + " " +
+           NumberText(color[2]) + "\n";
+}
+
+} // namespace
+
+bool ReadMtl(const std::string& file, FXMatlib* library, std::string* error) {
+    std::string text;
+    if (!ReadWhole(file, &text, error))
+        return false;
+    *error = FaultOf(file, text);
+    if (!error->empty())
+        return false;
+    std::map<std::string, int> numbers;
+    std::vector<tinyobj::material_t> materials;
+    std::istringstream stream(text);
+    std::string warnings;
+    tinyobj::LoadMtl(&numbers, &materials, &stream, &warnings, error);
+    for (const tinyobj::material_t& read : materials) {
+        auto* material = new FXMaterial;
+        material->ownedByLibrary = true;
+        library->AddMaterial(material);
+        material->name.Set(Trimmed(read.name).c_str());
+        material->texRef.Set(read.diffuse_texname.c_str());
+        SetColor(read.ambient, 0, material->ambient);
+        SetColor(read.diffuse, static_cast<float>(read.dissolve), material->diffuse);
+        SetColor(read.specular, 0, material->specular);
+        SetColor(read.emission, 0, material->emission);
+        material->shininess = static_cast<float>(std::clamp(read.shininess, 0.0, kMostShininess));
+    }
+    return error->empty();
+}
+
+std::string MtlText(const FXMatlib& library, const std::function<std::string(const char*)>& pictureOf) {
+    std::string text;
+    for (const FXMaterial* material : library.materials) {
+        text += std::string(text.empty() ? "" : "\n") + "newmtl " + material->name.text + "\n";
+        text += ColorLine("Ka", material->ambient) + ColorLine("Kd", material->diffuse) +
+                ColorLine("Ks", material->specular) + ColorLine("Ke", material->emission);
+        text += "Ns " + NumberText(material->shininess) + "\nd " + NumberText(material->diffuse[3]) + "\n";
+        if (!material->texRef.IsEmpty())
+            text += "map_Kd " + pictureOf(material->texRef.text) + "\n";
+    }
+    return text;
+}

@@ -1,0 +1,94 @@
+#include "pack/text.h"
+
+#include "base/file_handle.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdarg>
+#include <cstring>
+
+namespace {
+
+template <class T> std::string ShortestText(T value) {
+    std::array<char, 64> text;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    return {text.data(), end};
+}
+
+} // namespace
+
+std::string Text(const char* format, ...) {
+    va_list arguments, again;
+    va_start(arguments, format);
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    std::string text(static_cast<std::size_t>(length > 0 ? length : 0), '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
+    return text;
+}
+
+std::string NumberText(float value) {
+    return ShortestText(value);
+}
+std::string NumberText(double value) {
+    return ShortestText(value);
+}
+
+std::string Quoted(const std::string& text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\')
+            quoted += std::string("\\") + c;
+        else if (byte < 0x20 || byte == 0x7F)
+            quoted += Text("\\u%04X", static_cast<unsigned>(byte));
+        else
+            quoted += c;
+    }
+    return quoted + '"';
+}
+
+std::string Printable(std::string text) {
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
+    std::ranges::replace_if(text, isControl, '?');
+    return text;
+}
+
+std::string Counted(long long n, const char* one, const char* many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+std::string Trimmed(const std::string& text) {
+    const char* const kBlank = " \t\r\n";
+    const std::size_t from = text.find_first_not_of(kBlank);
+    return from == std::string::npos ? "" : text.substr(from, text.find_last_not_of(kBlank) + 1 - from);
+}
+
+bool ReadWhole(const std::string& file, std::string* bytes, std::string* error) {
+    errno = 0;
+    const FXFile opened = fxOpenFile(file.c_str(), "rb");
+    int size = 0;
+    const FXBytes read = opened ? fxReadRest(opened.get(), &size) : nullptr;
+    if (read)
+        bytes->assign(reinterpret_cast<const char*>(read.get()), static_cast<std::size_t>(size));
+    else
+        *error = file + ": cannot be read: " + (errno != 0 ? std::strerror(errno) : "it is beyond 2 GiB");
+    return read != nullptr;
+}
+
+bool WriteWhole(const std::string& file, const std::string& bytes, std::string* error) {
+    const std::string unfinished = file + ".new";
+    errno = 0;
+    FXFile opened = fxOpenFile(unfinished.c_str(), "wb");
+    const bool filled = opened && fxWrite(bytes.data(), 1, bytes.size(), opened.get());
+    const bool closed = opened && fxCloseWritten(std::move(opened));
+    if (filled && closed && std::rename(unfinished.c_str(), file.c_str()) == 0)
+        return true;
+    *error = file + ": cannot be written: " + std::strerror(errno);
+    std::remove(unfinished.c_str());
+    return false;
+}
