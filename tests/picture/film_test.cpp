@@ -1,9 +1,12 @@
 // What the film tool makes of its command line, and that a film can be made twice.
 #include "film/film_options.h"
+#include "film/video.h"
 #include "picture/test_show.h"
+#include "unit/temp_folder.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <sstream>
 
 namespace {
@@ -73,11 +76,50 @@ TEST(Film, NamesTheOptionItCannotTake) {
         {"--sheet s.png --from 5 --to 4", "--to"},
         {"--sheet s.png --to 1e300", "--to"},
         {"--film s.mp4", "--film"},
+        {"--video", "--video"},
+        {"--video s.mp4 --at 1", "--at"},
     };
     for (const auto& c : cases) {
         FilmOptions options;
         std::string error;
         EXPECT_FALSE(Parse(c.line, &options, &error)) << c.line;
         EXPECT_NE(error.find(c.named), std::string::npos) << c.line << ": " << error;
+    }
+}
+
+// What stands for ffmpeg on the machine, and what comes of a film of two frames.
+TEST(Film, IsAVideoOrSaysWhyNot) {
+    const Picture frame{400, 300, std::vector<std::uint32_t>(400 * 300, 0xFF102030u)};
+    const struct {
+        const char* ffmpeg; // a script; null: there is none
+        const char* says;   // null: all is well
+    } cases[] = {
+        {"for file; do :; done; cat >\"${file#file:}\"", nullptr},
+        {"for file; do :; done; cat >\"${file#file:}\"; exit 3", "exit status 3"},
+        {"exit 4", "exit status 4"}, // the frames find nobody at the other end
+        {"kill -9 $$", "exit status 137"},
+        {nullptr, "there is no ffmpeg"},
+    };
+    const std::string path = std::getenv("PATH");
+    for (const auto& c : cases) {
+        const TempFolder folder;
+        folder.Write("film.mp4", "the old one");
+        if (c.ffmpeg != nullptr) {
+            folder.Write("ffmpeg", std::string("#!/bin/sh\nPATH=") + path + "\n" + c.ffmpeg + "\n");
+            std::filesystem::permissions(folder.File("ffmpeg"), std::filesystem::perms::owner_all);
+        }
+        setenv("PATH", folder.File("").c_str(), 1);
+        std::string error;
+        {
+            Video video;
+            const bool made = video.Open(folder.File("film.mp4"), 400, 300, 25, &error) &&
+                              video.Add(frame, &error) && video.Add(frame, &error) && video.Finish(&error);
+            EXPECT_EQ(made, c.says == nullptr) << error;
+        }
+        setenv("PATH", path.c_str(), 1);
+        EXPECT_NE(error.find(c.says != nullptr ? c.says : ""), std::string::npos) << error;
+        EXPECT_EQ(folder.Read("film.mp4").size(), c.says == nullptr ? 2 * 400 * 300 * 4 : 11)
+            << "kept, or whole";
+        EXPECT_FALSE(std::filesystem::exists(folder.File("film.unfinished.mp4")));
     }
 }

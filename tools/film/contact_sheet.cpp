@@ -1,6 +1,7 @@
 #include "film/contact_sheet.h"
 
 #include <cairo.h>
+#include <fontconfig/fontconfig.h>
 
 #include <algorithm>
 #include <cmath>
@@ -52,4 +53,9 @@ bool ContactSheet::Write(const std::string& file, int columns, std::string* erro
     if (status != CAIRO_STATUS_SUCCESS)
         *error = file + ": cannot be written: " + cairo_status_to_string(status);
     return status == CAIRO_STATUS_SUCCESS;
+}
+
+void ReleaseFonts() {
+    cairo_debug_reset_static_data();
+    FcFini();
 }

@@ -24,3 +24,7 @@ private:
     int thumbWidth_;
     std::vector<Thumb> thumbs_;
 };
+
+// Gives back the fonts that the captions of sheets were drawn with; at the end of a program, for leak
+// checkers.
+void ReleaseFonts();

@@ -9,11 +9,12 @@
 const char* const kFilmHelp =
     R"(tamb-film: renders the show without a screen.
 
-usage: tamb-film [options] (--frames FOLDER | --sheet FILE.png)...
+usage: tamb-film [options] (--frames FOLDER | --sheet FILE.png | --video FILE.mp4)...
 
-what to write (one or both):
+what to write (one or more):
   --frames FOLDER     a PNG file for every frame: frame-00000.png, or at-012.500s.png with --at
   --sheet FILE.png    a contact sheet: the frames small, each with its time
+  --video FILE.mp4    a video, made by the ffmpeg that the machine has; the ending says which kind
   --columns N         columns of the sheet (default: about as many as rows)
 
 which frames:
@@ -32,6 +33,8 @@ how:
 examples:
   tamb-film --sheet cycle.png --at 0,4,8,12,16,20,45,50,55 --size 960x540
   tamb-film --frames film --fps 30 --to 70
+  tamb-film --video cycle.mp4 --size 1280x720
+  tamb-film --video mine.webm --data my-show --desktop photo.png --from 20 --to 60
 )";
 
 namespace {
@@ -90,6 +93,7 @@ bool ParseFilmOptions(const std::vector<std::string>& arguments, FilmOptions* op
     const std::map<std::string, Option> valued = {
         {"--frames", {"a folder", [&](auto& v) { return Text(v, &o.framesFolder); }}},
         {"--sheet", {"a file", [&](auto& v) { return Text(v, &o.sheet); }}},
+        {"--video", {"a file", [&](auto& v) { return Text(v, &o.video); }}},
         {"--columns", {"a number from 1 to 100", [&](auto& v) { return Whole(v, 1, 100, &o.columns); }}},
         {"--at", {"rising seconds with commas, as in 0,2.5,8", [&](auto& v) { return Times(v, &o.times); }}},
         {"--from", {"seconds", [&](auto& v) { return Number(v, 0, kLongest, &o.from); }}},
@@ -123,8 +127,10 @@ bool ParseFilmOptions(const std::vector<std::string>& arguments, FilmOptions* op
     }
     if (o.help)
         return true;
-    if (o.framesFolder.empty() && o.sheet.empty())
-        *error = "nothing to write: give --frames or --sheet (see --help)";
+    if (o.framesFolder.empty() && o.sheet.empty() && o.video.empty())
+        *error = "nothing to write: give --frames, --sheet or --video (see --help)";
+    else if (!o.video.empty() && !o.times.empty())
+        *error = "--video takes every frame --from a time --to another, so --at does not go with it";
     else if (o.to < o.from)
         *error = "--to must not be before --from";
     else

@@ -15,6 +15,7 @@ struct FilmOptions {
     std::vector<double> times; // single moments; empty: every frame from..to
     std::string framesFolder;  // outputs; at least one is given
     std::string sheet;
+    std::string video;
     int columns = 0;
     bool preview = false;
     bool quiet = false;

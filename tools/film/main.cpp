@@ -1,7 +1,8 @@
-// tamb-film: the show as pictures or a contact sheet, without a screen.
+// tamb-film: the show as pictures, a contact sheet or a video, without a screen.
 #include "film/contact_sheet.h"
 #include "film/film_options.h"
 #include "film/show_driver.h"
+#include "film/video.h"
 #include "progress.h"
 #include "show_folder.h"
 
@@ -57,6 +58,10 @@ bool OpenShow(const FilmOptions& options, ShowDriver* driver, std::string* error
 
 int Shoot(const FilmOptions& options) {
     std::string error;
+    Video video; // before the show: without ffmpeg there is nothing to wait for
+    if (!options.video.empty() &&
+        !video.Open(options.video, options.width, options.height, options.framesPerSecond, &error))
+        return Fail(error);
     ShowDriver driver;
     if (!OpenShow(options, &driver, &error))
         return Fail(error);
@@ -68,15 +73,19 @@ int Shoot(const FilmOptions& options) {
     Progress progress("frame", moments.size(), !options.quiet);
     for (std::size_t i = 0; i < moments.size(); ++i) {
         const Picture frame = driver.FrameAt(moments[i]);
-        if (!options.framesFolder.empty() && !WritePng(FrameName(options, i, moments[i]), frame, &error))
+        if ((!options.framesFolder.empty() && !WritePng(FrameName(options, i, moments[i]), frame, &error)) ||
+            (!options.video.empty() && !video.Add(frame, &error))) {
+            progress.Clear();
             return Fail(error);
+        }
         if (!options.sheet.empty() && i % sheetStep == 0)
             sheet.Add(frame, moments[i]);
         progress.Done(i + 1);
     }
+    progress.Clear();
     if (!options.sheet.empty() && !sheet.Write(options.sheet, options.columns, &error))
         return Fail(error);
-    return 0;
+    return options.video.empty() || video.Finish(&error) ? 0 : Fail(error);
 }
 
 } // namespace
@@ -103,7 +112,10 @@ int main(int argc, char** argv) {
     if (!options.framesFolder.empty() && !fs::is_directory(options.framesFolder, failed) &&
         !fs::create_directories(options.framesFolder, failed))
         return Fail(options.framesFolder + ": " + failed.message());
-    for (std::string* name : {&options.dataFolder, &options.desktop, &options.framesFolder, &options.sheet})
+    for (std::string* name :
+         {&options.dataFolder, &options.desktop, &options.framesFolder, &options.sheet, &options.video})
         MakeAbsolute(name);
-    return Shoot(options);
+    const int status = Shoot(options);
+    ReleaseFonts();
+    return status;
 }
