@@ -1,24 +1,13 @@
 // A package of one entry, as fuzz targets load it.
 #pragma once
 
+#include "work_file.h"
+
 #include <cstdint>
-#include <filesystem>
 #include <fstream>
 #include <span>
-#include <string>
-#include <unistd.h>
 
 constexpr int kEntry = 7; // its number
-
-// A file of this process alone, removed at its end.
-inline const std::string& WorkFile() {
-    static const std::string name =
-        (std::filesystem::temp_directory_path() / ("tamblor-fuzz-" + std::to_string(getpid()))).string();
-    static const struct Remover {
-        ~Remover() { std::filesystem::remove(name); }
-    } remover;
-    return name;
-}
 
 // Writes the package into WorkFile.
 inline void WritePackage(std::span<const unsigned char> bytes, int type) {

@@ -7,15 +7,9 @@
 #include "image/material_library.h"
 #include "package/package.h"
 
-#include <cstdlib>
 #include <string>
 
 namespace {
-
-void Expect(bool good) {
-    if (!good)
-        std::abort();
-}
 
 void ExpectWhole(const FXModel& model) {
     for (const FXMesh* mesh : model.meshes)

@@ -1,29 +1,13 @@
 // Any bytes as a package: loaded, every entry read with every kind of read, saved and loaded again. The first
 // byte chooses whether the rest is a whole file or the body of a plain or scrambled one.
 #include "package/package.h"
+#include "work_file.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 
 namespace {
-
-void Expect(bool good) {
-    if (!good)
-        std::abort();
-}
-
-const std::string& WorkFile() {
-    static const std::string name =
-        (std::filesystem::temp_directory_path() / ("tamblor-fuzz-" + std::to_string(getpid()))).string();
-    static const struct Remover {
-        ~Remover() { std::filesystem::remove(name); }
-    } remover;
-    return name;
-}
 
 // One read, chosen by `kind`.
 void Read(FXPackageData* data, unsigned char kind) {

@@ -5,8 +5,6 @@
 #include "image/codec.h"
 #include "package/package.h"
 
-#include <cstdlib>
-
 namespace {
 
 constexpr int kKinds[] = {kBmp, kJpeg, kPng, kTga, kGif};
@@ -19,12 +17,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     WritePackage({bytes + 1, size - 1}, kKinds[bytes[0] % std::size(kKinds)]);
     FXPackage package;
     FXCanvas canvas;
-    if (!package.Load(WorkFile().c_str()))
-        std::abort();
+    Expect(package.Load(WorkFile().c_str()));
     if (!canvas.CreateFromPictCN(&package, kEntry))
         return 0;
-    if (canvas.usedWidth < 1 || canvas.usedHeight < 1)
-        std::abort();
+    Expect(canvas.usedWidth > 0 && canvas.usedHeight > 0);
     // All of it can be read.
     const std::uint32_t* end = canvas.pixels + std::ptrdiff_t{canvas.width} * canvas.height;
     volatile std::uint32_t sum = 0;

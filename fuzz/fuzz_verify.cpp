@@ -6,30 +6,13 @@
 #include "pack/mtl_file.h"
 #include "pack/obj_model.h"
 #include "pack/package_check.h"
+#include "work_file.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 
 namespace {
-
-void Expect(bool good) {
-    if (!good)
-        std::abort();
-}
-
-const std::string& WorkFile() {
-    static const std::string name =
-        (std::filesystem::temp_directory_path() / ("tamblor-fuzz-verify-" + std::to_string(getpid())))
-            .string();
-    static const struct Remover {
-        ~Remover() { std::filesystem::remove(name); }
-    } remover;
-    return name;
-}
 
 void TryPackage() {
     Faults faults;
