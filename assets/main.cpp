@@ -55,6 +55,7 @@ constexpr Output kOutputs[] = {
     {"73-studio.jpg", Photograph<DrawStudio>},
     {"74-skin.png", Picture<DrawSkin>},
     {"desktop.png", Picture<DrawDesktop>},
+    {"tamb.ico", WriteIcons},
 };
 
 int Usage() {

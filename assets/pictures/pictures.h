@@ -33,3 +33,6 @@ Raster DrawStudio(); // what the cube reflects, laid out for sphere mapping
 Raster DrawSkin();   // a face of the cube: metal frame round engraved glass
 
 Raster DrawDesktop(); // stands in for a real desktop in tests and pictures
+
+// The Windows saver's icons, three sizes in one .ico file. Empty when well, else what went wrong.
+std::string WriteIcons(const std::string& file);

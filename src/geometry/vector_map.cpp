@@ -27,7 +27,7 @@ std::size_t localHash(const float* value, int width) {
     std::uint64_t hash = 14695981039346656037u; // FNV-1a
     for (int i = 0; i < width; ++i)
         hash = (hash ^ std::bit_cast<std::uint32_t>(value[i] == 0 ? 0.0f : value[i])) * 1099511628211u;
-    return hash;
+    return static_cast<std::size_t>(hash);
 }
 
 template <class Index>
@@ -162,7 +162,7 @@ std::size_t FXVectorMap::SlotOf(const Triple& triple) const {
         hash = hash * 0x9E3779B97F4A7C15u + static_cast<std::uint32_t>(number);
     hash *= 0x9E3779B97F4A7C15u;
     const std::size_t mask = slots_.size() - 1;
-    std::size_t slot = (hash >> 32) & mask;
+    std::size_t slot = static_cast<std::size_t>(hash >> 32) & mask;
     while (slots_[slot] != kFree && triples_[static_cast<std::size_t>(slots_[slot])] != triple)
         slot = (slot + 1) & mask;
     return slot;

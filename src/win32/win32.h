@@ -186,7 +186,7 @@ struct CRITICAL_SECTION {
 #define CSIDL_FONTS 0x0014
 #define CSIDL_SYSTEMX86 0x0029
 #define KEY_QUERY_VALUE 0x0001u
-#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000001u)))
+#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(std::intptr_t{static_cast<LONG>(0x80000001u)}))
 #define FORMAT_MESSAGE_IGNORE_INSERTS 0x0200u
 #define FORMAT_MESSAGE_FROM_SYSTEM 0x1000u
 
