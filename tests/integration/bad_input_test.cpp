@@ -22,7 +22,7 @@ protected:
     // The show runs (the desktop fades as it should) and ends with a key.
     void ExpectAShow(SaverProcess& saver, const std::string& what) {
         saver.Start(&display, {"/s"});
-        ASSERT_NE(display.WaitForWindow(), 0u) << what;
+        ASSERT_TRUE(saver.WaitUntilShown(display)) << what;
         EXPECT_TRUE(saver.SeeFrames(display)) << what;
         EXPECT_TRUE(saver.Running()) << what;
         display.PressKey(XK_space);
@@ -94,7 +94,7 @@ TEST_F(BadInput, OpenGLWithoutMultitextureShowsTheErrorPictureOverTheShow) {
     SaverProcess saver;
     saver.environment["MESA_EXTENSION_OVERRIDE"] = "-GL_ARB_multitexture";
     saver.Start(&display, {"/s"});
-    ASSERT_NE(display.WaitForWindow(), 0u);
+    ASSERT_TRUE(saver.WaitUntilShown(display));
     // At a standing clock all is desktop but for the picture at the top left.
     EXPECT_TRUE(display.WaitForPixel(40, 40, display.DesktopPixel(40, 40), 40, true));
     const ScreenPicture picture = display.Photograph();
@@ -114,7 +114,7 @@ TEST_F(BadInput, WithoutADisplayItSaysSoAndEnds) {
 TEST_F(BadInput, TheServerGoingAwayEndsItCleanly) {
     SaverProcess saver;
     saver.Start(&display, {"/s"});
-    ASSERT_NE(display.WaitForWindow(), 0u);
+    ASSERT_TRUE(saver.WaitUntilShown(display));
     display.Kill();
     EXPECT_EQ(saver.WaitForExit(), 0);
 }

@@ -30,7 +30,7 @@ TEST(Cycles, TheDesktopBurnsAndReturnsThreeTimes) {
     ASSERT_TRUE(display.Ok());
     SaverProcess saver;
     saver.Start(&display, {"/s"});
-    ASSERT_NE(display.WaitForWindow(), 0u);
+    ASSERT_TRUE(saver.WaitUntilShown(display));
     int returns = 0;
     bool gone = false;
     for (std::uint32_t ms = 0; ms < kMost && returns < 3 && saver.Running(); ms += kStep) {

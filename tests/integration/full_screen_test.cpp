@@ -19,7 +19,7 @@ protected:
 
     void StartAndSeeFrames() {
         saver.Start(&display, {"/s"});
-        ASSERT_NE(display.WaitForWindow(), 0u);
+        ASSERT_TRUE(saver.WaitUntilShown(display));
         ASSERT_TRUE(saver.SeeFrames(display)) << "nothing was drawn";
     }
 
@@ -31,8 +31,8 @@ TEST_F(FullScreen, CoversTheScreenHidesThePointerAndEndsWithAnyKey) {
     for (const unsigned long key : {XK_space, XK_Shift_L, XK_F10, XK_Escape}) {
         SaverProcess one;
         one.Start(&display, {"/s"});
-        ASSERT_NE(display.WaitForWindow(), 0u);
-        EXPECT_TRUE(display.CursorIsHidden());
+        ASSERT_TRUE(one.WaitUntilShown(display));
+        EXPECT_TRUE(display.WaitForHiddenCursor());
         display.PressKey(key);
         EXPECT_EQ(one.WaitForExit(), 0) << "key " << key;
     }
@@ -99,7 +99,7 @@ double DesktopShare(const VirtualDisplay& display, double from, double to) {
 
 TEST_F(FullScreen, TheHoleGrowsFromTheCentreUntilTheDesktopIsGone) {
     saver.Start(&display, {"/s"});
-    ASSERT_NE(display.WaitForWindow(), 0u);
+    ASSERT_TRUE(saver.WaitUntilShown(display));
     // In steps of a tenth of a second, as a slow machine would draw it: one long jump would move nothing far.
     double inner = 1;
     double outer = 1;
@@ -127,7 +127,7 @@ TEST_F(FullScreen, TheHoleGrowsFromTheCentreUntilTheDesktopIsGone) {
 
 TEST_F(FullScreen, TheTraceFileHoldsTheStartUpFacts) {
     saver.Start(&display, {"/s"});
-    ASSERT_NE(display.WaitForWindow(), 0u);
+    ASSERT_TRUE(saver.WaitUntilShown(display));
     display.PressKey(XK_space);
     ASSERT_EQ(saver.WaitForExit(), 0);
     const std::string log = saver.Data().Read("tamb.log");

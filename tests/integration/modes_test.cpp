@@ -38,7 +38,7 @@ TEST(Modes, EveryFormOfTheSwitchRunsFullScreen) {
     for (const char* line : {"/s", "-S", "s"}) {
         SaverProcess saver;
         saver.Start(&display, {line});
-        EXPECT_NE(display.WaitForWindow(), 0u) << line;
+        EXPECT_TRUE(saver.WaitUntilShown(display)) << line;
         display.PressKey(' ');
         EXPECT_EQ(saver.WaitForExit(), 0) << line;
         EXPECT_TRUE(display.VisibleWindows().empty()) << line;

@@ -1,5 +1,7 @@
 #include "integration/saver_process.h"
 
+#include "integration/saver_command.h"
+
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
@@ -31,7 +33,9 @@ void ScratchFolder::Write(const char* name, const std::string& bytes) const {
 std::string ScratchFolder::Read(const char* name) const {
     std::ostringstream text;
     text << std::ifstream(path_ / name, std::ios::binary).rdbuf();
-    return text.str();
+    std::string read = text.str();
+    std::erase(read, '\r'); // of programs for Windows
+    return read;
 }
 
 SaverProcess::SaverProcess() {
@@ -47,9 +51,9 @@ SaverProcess::SaverProcess() {
     // The saver reads its clock from this file instead of the system.
     const std::string clock = (data_ / "clock").string();
     const int fd = open(clock.c_str(), O_RDWR | O_CREAT, 0600);
-    if (fd >= 0 && ftruncate(fd, sizeof(std::uint32_t)) == 0) {
-        void* page = mmap(nullptr, sizeof(std::uint32_t), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-        clock_ = page == MAP_FAILED ? nullptr : static_cast<std::uint32_t*>(page);
+    if (fd >= 0 && ftruncate(fd, sizeof(Clock)) == 0) {
+        void* page = mmap(nullptr, sizeof(Clock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+        clock_ = page == MAP_FAILED ? nullptr : static_cast<Clock*>(page);
     }
     close(fd);
     environment["TAMBLOR_CLOCK"] = clock;
@@ -62,11 +66,23 @@ SaverProcess::~SaverProcess() {
         waitpid(pid_, nullptr, 0);
     }
     if (clock_ != nullptr)
-        munmap(clock_, sizeof(std::uint32_t));
+        munmap(clock_, sizeof(Clock));
 }
 
 void SaverProcess::SetClock(std::uint32_t ms) const {
-    std::atomic_ref<std::uint32_t>(*clock_).store(ms);
+    std::atomic_ref<std::uint32_t>(clock_->tick).store(ms);
+}
+
+bool SaverProcess::WaitUntilShown(const VirtualDisplay& display) const {
+    constexpr int kPatienceMs = 40000;
+    if (display.WaitForWindow() == 0)
+        return false;
+    for (int waited = 0; waited < kPatienceMs; waited += 10) {
+        if (SaverDraws(std::atomic_ref<std::uint32_t>(clock_->reads).load()))
+            return true;
+        usleep(10000);
+    }
+    return false;
 }
 
 bool SaverProcess::SeeFrames(const VirtualDisplay& display) const {
@@ -87,7 +103,7 @@ void SaverProcess::Start(const VirtualDisplay* display, const std::vector<std::s
     environment.erase("DISPLAY");
     if (display != nullptr)
         environment["DISPLAY"] = display->Name();
-    std::vector<std::string> words = {TAMBLOR_EXE};
+    std::vector<std::string> words = SaverCommand(data_, &environment);
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<std::string> settings = {"HOME=" + data_.Path().string(), "PATH=/usr/bin:/bin"};
     for (const auto& [name, value] : environment)
@@ -107,7 +123,7 @@ void SaverProcess::Start(const VirtualDisplay* display, const std::vector<std::s
     if (pid_ == 0) {
         const int fd = open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(fd, STDERR_FILENO);
-        execve(TAMBLOR_EXE, argv.data(), envp.data());
+        execve(argv[0], argv.data(), envp.data());
         _exit(127);
     }
 }

@@ -41,6 +41,8 @@ public:
     void Start(const VirtualDisplay* display, const std::vector<std::string>& arguments);
     // The time on the saver's clock, in ms: it stands still until the test moves it.
     void SetClock(std::uint32_t ms) const;
+    // Waits until the saver's window is on the display and drawn. False when that does not come.
+    bool WaitUntilShown(const VirtualDisplay& display) const;
     // The exit code, or -1 when the process is still there after a generous while, or -2 when a signal ended
     // it.
     int WaitForExit();
@@ -54,7 +56,12 @@ public:
 
 private:
     ScratchFolder data_;
-    std::uint32_t* clock_ = nullptr;
+    struct Clock {
+        std::uint32_t tick;
+        std::uint32_t reads; // counted by a saver that can
+    };
+
+    Clock* clock_ = nullptr;
     int pid_ = -1;
     int status_ = 0;
     bool ended_ = false;

@@ -127,7 +127,11 @@ ScreenPicture VirtualDisplay::Photograph() const {
 }
 
 std::uint32_t VirtualDisplay::PixelAt(int x, int y) const {
-    XImage* image = XGetImage(display_, DefaultRootWindow(display_), x, y, 1, 1, AllPlanes, ZPixmap);
+    return PixelIn(DefaultRootWindow(display_), x, y);
+}
+
+std::uint32_t VirtualDisplay::PixelIn(unsigned long window, int x, int y) const {
+    XImage* image = XGetImage(display_, window, x, y, 1, 1, AllPlanes, ZPixmap);
     if (image == nullptr)
         return 0;
     const std::uint32_t pixel = static_cast<std::uint32_t>(XGetPixel(image, 0, 0)) & 0xFFFFFFu;
@@ -164,7 +168,26 @@ std::vector<unsigned long> VirtualDisplay::ChildrenOf(unsigned long window) cons
 }
 
 std::vector<unsigned long> VirtualDisplay::VisibleWindows() const {
-    return ChildrenOf(DefaultRootWindow(display_));
+    std::vector<unsigned long> windows = ChildrenOf(DefaultRootWindow(display_));
+    std::erase_if(windows, [this](Window window) {
+        XWindowAttributes attributes = {};
+        return XGetWindowAttributes(display_, window, &attributes) == 0 || attributes.width <= 1;
+    });
+    return windows;
+}
+
+unsigned long VirtualDisplay::WindowOfSize(int width, int height) const {
+    for (const Window outer : ChildrenOf(DefaultRootWindow(display_))) {
+        std::vector<unsigned long> windows = ChildrenOf(outer);
+        windows.push_back(outer);
+        for (const Window window : windows) {
+            XWindowAttributes attributes = {};
+            if (XGetWindowAttributes(display_, window, &attributes) != 0 && attributes.width == width &&
+                attributes.height == height)
+                return window;
+        }
+    }
+    return 0;
 }
 
 unsigned long VirtualDisplay::WaitForWindow() const {
@@ -198,6 +221,15 @@ bool VirtualDisplay::CursorIsHidden() const {
         hidden = hidden && (cursor->pixels[i] >> 24 & 255u) == 0;
     XFree(cursor);
     return hidden;
+}
+
+bool VirtualDisplay::WaitForHiddenCursor() const {
+    for (int waited = 0; waited < kPatienceMs; waited += kPollMs) {
+        if (CursorIsHidden())
+            return true;
+        usleep(kPollMs * 1000);
+    }
+    return false;
 }
 
 void VirtualDisplay::PressKey(unsigned long keysym) {

@@ -37,16 +37,21 @@ public:
 
     ScreenPicture Photograph() const;
     std::uint32_t PixelAt(int x, int y) const;
+    // Of a window's own picture, also where it lies outside of the screen.
+    std::uint32_t PixelIn(unsigned long window, int x, int y) const;
     // Polls until the screen's pixel comes within `tolerance` of (or, with `differ`, leaves) the colour.
     bool WaitForPixel(int x, int y, std::uint32_t colour, int tolerance, bool differ = false) const;
 
-    // Windows on the screen, direct children of the root that are visible.
+    // Windows on the screen: direct children of the root that are visible, and not just a pixel for messages.
     std::vector<unsigned long> VisibleWindows() const;
     unsigned long WaitForWindow() const;
     unsigned long CreateParent(int x, int y, int width, int height);
     void DestroyParent(unsigned long window);
     std::vector<unsigned long> ChildrenOf(unsigned long window) const;
+    // A visible window of that size on the screen or in a window there; 0 when there is none.
+    unsigned long WindowOfSize(int width, int height) const;
     bool CursorIsHidden() const;
+    bool WaitForHiddenCursor() const;
 
     void PressKey(unsigned long keysym);
     void MovePointer(int x, int y);

@@ -1,0 +1,20 @@
+// What every preview does with input, whichever system shows it.
+#pragma once
+
+#include "integration/saver_process.h"
+#include "integration/virtual_display.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+// The pointer passes over the preview and clicks, long after all times of grace; it must go on, with nothing
+// written.
+inline void ExpectInputIsIgnored(SaverProcess& saver, VirtualDisplay& display) {
+    EXPECT_FALSE(display.CursorIsHidden());
+    EXPECT_EQ(saver.Data().Read("tamb.log"), "") << "the preview writes no trace";
+    saver.SetClock(SaverProcess::kStartMs + 60000);
+    display.MovePointer(150, 120);
+    display.ClickButton(1);
+    usleep(300000); // time for a wrong close to happen
+    EXPECT_TRUE(saver.Running()) << "no input ends the preview";
+}

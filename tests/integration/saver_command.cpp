@@ -1,0 +1,9 @@
+#include "integration/saver_command.h"
+
+std::vector<std::string> SaverCommand(const ScratchFolder&, std::map<std::string, std::string>*) {
+    return {TAMBLOR_EXE};
+}
+
+bool SaverDraws(std::uint32_t) {
+    return true;
+}
