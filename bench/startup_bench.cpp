@@ -77,6 +77,8 @@ bool __real__ZN9FXPackage4LoadEPKc(FXPackage*, const char*);
 bool __wrap__ZN9FXPackage4LoadEPKc(FXPackage* pck, const char* file);
 bool __real__ZN8FXCanvas16CreateFromPictCNEP9FXPackagei(FXCanvas*, FXPackage*, int);
 bool __wrap__ZN8FXCanvas16CreateFromPictCNEP9FXPackagei(FXCanvas* canvas, FXPackage* pck, int id);
+bool __real__ZN8FXCanvas15CreateFromPictCEP9FXPackagePKc(FXCanvas*, FXPackage*, const char*);
+bool __wrap__ZN8FXCanvas15CreateFromPictCEP9FXPackagePKc(FXCanvas* canvas, FXPackage* pck, const char* id);
 bool __real__Z13fxDesktopCopyii(int w, int h);
 bool __wrap__Z13fxDesktopCopyii(int w, int h);
 bool __real__Z11fxLoadDevilv();
@@ -106,6 +108,10 @@ bool __wrap__ZN9FXPackage4LoadEPKc(FXPackage* pck, const char* file) {
 bool __wrap__ZN8FXCanvas16CreateFromPictCNEP9FXPackagei(FXCanvas* canvas, FXPackage* pck, int id) {
     const Timed timed(&decoding);
     return __real__ZN8FXCanvas16CreateFromPictCNEP9FXPackagei(canvas, pck, id);
+}
+bool __wrap__ZN8FXCanvas15CreateFromPictCEP9FXPackagePKc(FXCanvas* canvas, FXPackage* pck, const char* id) {
+    const Timed timed(&decoding);
+    return __real__ZN8FXCanvas15CreateFromPictCEP9FXPackagePKc(canvas, pck, id);
 }
 // NOLINTEND(bugprone-reserved-identifier)
 }

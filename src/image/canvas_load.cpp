@@ -71,7 +71,7 @@ bool FXCanvas::TakeDecodedPicture() {
     // the conversion of a palette that makes no sense.
     const bool converted = clone.Exists() && fxCodec.ilConvertImage(IL_RGBA, IL_UNSIGNED_BYTE) != 0 &&
                            fxCodec.ilGetInteger(IL_IMAGE_SIZE_OF_DATA) == std::int64_t{4} * w * h;
-    if (clearOnLoad)
+    if (clearOnLoad && (w < width || h < height)) // elsewhere the picture covers all of it
         Clear(backColor);
     const unsigned char* data = fxCodec.ilGetData();
     opaque = true;
