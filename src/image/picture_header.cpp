@@ -94,6 +94,24 @@ FXPictureSize JpegSize(HeaderReader& file) {
     return kBroken;
 }
 
+// All chunks, to the one that ends the picture: DevIL reads on behind the end of one that breaks off.
+FXPictureSize PngSize(HeaderReader& file) {
+    constexpr int kSignature = static_cast<int>(0x89504E47u);
+    constexpr int kEnd = 0x49454E44;
+    constexpr std::size_t kAroundData = 12; // length, kind and checksum
+    if (file.Big32(0) != kSignature)
+        return {};
+    for (std::size_t at = 8; file.Good();) {
+        if (file.Big32(at + 4) == kEnd)
+            return {file.Big32(16), file.Big32(20)};
+        const int length = file.Big32(at);
+        if (length < 0)
+            break;
+        at += kAroundData + static_cast<std::size_t>(length);
+    }
+    return kBroken;
+}
+
 // The blocks up to the first frame: its own size counts, not the screen's.
 FXPictureSize GifSize(HeaderReader& file) {
     constexpr int kHasColours = 0x80;
@@ -124,7 +142,7 @@ FXPictureSize SizeOf(HeaderReader& file, int type) {
     case kJpeg:
         return JpegSize(file);
     case kPng:
-        return {file.Big32(16), file.Big32(20)};
+        return PngSize(file);
     case kTga:
         return TgaSize(file);
     case kGif:

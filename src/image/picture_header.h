@@ -15,7 +15,7 @@ struct FXPictureSize {
 std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, int type);
 
 // Whether the codec may see the file: its size is one that so many bytes can make good and that a canvas can
-// hold, and nothing in it is known to make DevIL 1.7.8 hang (a JPEG that breaks off) or read beyond its
-// memory (TGA of 16 bits). Codecs believe a header: from 60 bytes they would fill gigabytes. A header of
+// hold, and nothing in it is known to make DevIL 1.7.8 hang (a JPEG or PNG that breaks off) or read beyond
+// its memory (TGA of 16 bits). Codecs believe a header: from 60 bytes they would fill gigabytes. A header of
 // another kind is left to it to refuse.
 bool fxPictureIsPlausible(std::span<const unsigned char> file, int type);

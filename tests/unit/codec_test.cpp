@@ -86,7 +86,8 @@ TEST_F(Codec, RefusesPicturesThatClaimMoreThanTheirBytesCanHold) {
                  {kBmp, forged(bmp, 22, std::string("\0\0\0\x80", 4))},
                  {kPng, forged(png, 16, std::string("\0\0\x3f\xff\0\0\x3f\xff", 8))},
                  {kJpeg, forged(jpg, frame, "\x3f\xff\x3f\xff")},
-                 {kJpeg, jpg.substr(0, jpg.size() - 2)},        // it would wait for the rest
+                 {kJpeg, jpg.substr(0, jpg.size() - 2)}, // it would wait for the rest
+                 {kPng, png.substr(0, png.size() - 12)},
                  {kTga, forged(Tga(2, 1, {1, 2}), 16, "\x10")}, // 16 bits: less memory than it says
                  {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")}};
     for (const auto& c : cases) {
