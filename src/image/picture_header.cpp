@@ -112,20 +112,40 @@ FXPictureSize PngSize(HeaderReader& file) {
     return kBroken;
 }
 
-// The blocks up to the first frame: its own size counts, not the screen's.
+// How far behind `at` a table of colours ends, if these flags say that there is one.
+std::size_t AfterColours(std::size_t at, int flags) {
+    return (flags & 0x80) != 0 ? at + (std::size_t{3} << ((flags & 7) + 1)) : at;
+}
+
+// Blocks of data, each after its size; the last is empty.
+std::size_t AfterData(HeaderReader& file, std::size_t at) {
+    while (const int size = file.Byte(at))
+        at += static_cast<std::size_t>(size) + 1;
+    return at + 1;
+}
+
+// All blocks, to the one that ends the picture; the first frame's own size counts, not the screen's. DevIL
+// does not look whether a frame lies on the screen, nor whether a block is of a kind that there is.
 FXPictureSize GifSize(HeaderReader& file) {
-    constexpr int kHasColours = 0x80;
-    std::size_t at = 13;
-    if (const int flags = file.Byte(10); (flags & kHasColours) != 0)
-        at += std::size_t{3} << ((flags & 7) + 1);
-    while (file.Good() && file.Byte(at) == '!') {
-        at += 2;
-        while (const int size = file.Byte(at))
-            at += static_cast<std::size_t>(size) + 1;
-        ++at;
+    constexpr int kLongestCode = 8; // a picture begins with codes of so many bits at most
+    FXPictureSize size;
+    std::size_t at = AfterColours(13, file.Byte(10));
+    while (file.Good() && file.Byte(at) != ';') {
+        if (file.Byte(at) == '!') {
+            at = AfterData(file, at + 2);
+            continue;
+        }
+        const FXPictureSize frame = {file.Little16(at + 5), file.Little16(at + 7)};
+        if (file.Byte(at) != ',' || file.Little16(at + 1) + frame.width > file.Little16(6) ||
+            file.Little16(at + 3) + frame.height > file.Little16(8))
+            return kBroken;
+        size = size.width == 0 ? frame : size;
+        at = AfterColours(at + 10, file.Byte(at + 9));
+        if (file.Byte(at) > kLongestCode)
+            return kBroken;
+        at = AfterData(file, at + 1);
     }
-    return file.Byte(at) == ',' ? FXPictureSize{file.Little16(at + 5), file.Little16(at + 7)}
-                                : FXPictureSize{};
+    return file.Good() ? size : kBroken;
 }
 
 // DevIL 1.7.8 gives less memory to TGA pixels of 15 and 16 bits than it then says there is.

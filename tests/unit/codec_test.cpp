@@ -89,6 +89,8 @@ TEST_F(Codec, RefusesPicturesThatClaimMoreThanTheirBytesCanHold) {
                  {kJpeg, jpg.substr(0, jpg.size() - 2)}, // it would wait for the rest
                  {kPng, png.substr(0, png.size() - 12)},
                  {kTga, forged(Tga(2, 1, {1, 2}), 16, "\x10")}, // 16 bits: less memory than it says
+                 {kGif, forged(kGifFile, 20, "\1")},            // beside the screen
+                 {kGif, forged(kGifFile, 19, "\x11")},          // a block of no kind
                  {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")}};
     for (const auto& c : cases) {
         Load({{1, c.type, c.file}});
