@@ -83,6 +83,11 @@ bool StaysWithBird(int ember) {
     return ember % 3 == 0;
 }
 
+// When it begins to glow.
+float BirthOf(int ember) {
+    return Between(0.0f, 1.1f, ember, 1, kEmberSeed);
+}
+
 // When the opening wings throw it off.
 float BurstOf(int ember) {
     return Between(4.6f, 5.6f, ember, 8, kEmberSeed);
@@ -95,10 +100,10 @@ float SizeOf(int ember) {
 }
 
 Vec3 EmberPlace(int ember, float seconds) {
-    const float start = Between(0.0f, 1.1f, ember, 1, kEmberSeed);
     const float wide = Between(0.3f, 1.9f, ember, 2, kEmberSeed);
     const float gathered = Between(0.32f, 0.85f, ember, 3, kEmberSeed);
-    float radius = Mix(wide, gathered, Smooth(start, Between(2.2f, 3.6f, ember, 4, kEmberSeed), seconds));
+    float radius =
+        Mix(wide, gathered, Smooth(BirthOf(ember), Between(2.2f, 3.6f, ember, 4, kEmberSeed), seconds));
     float height = Between(-0.4f, 0.4f, ember, 5, kEmberSeed) * radius;
     const float turn = 2 * kPi * Chance(ember, 7, kEmberSeed) + seconds * (0.9f + 0.6f / (0.5f + radius));
     const float since = std::max(0.0f, seconds - BurstOf(ember));
@@ -108,11 +113,11 @@ Vec3 EmberPlace(int ember, float seconds) {
 }
 
 Ember EmberAt(int ember, float seconds) {
-    const float start = Between(0.0f, 1.1f, ember, 1, kEmberSeed);
+    const float birth = BirthOf(ember);
     const float last =
         StaysWithBird(ember) ? Between(8.2f, 10.2f, ember, 9, kEmberSeed) : BurstOf(ember) + 1.6f;
     const float size =
-        SizeOf(ember) * Smooth(start, start + 0.7f, seconds) * Smooth(last, last - 1.2f, seconds);
+        SizeOf(ember) * Smooth(birth, birth + 0.7f, seconds) * Smooth(last, last - 1.2f, seconds);
     constexpr float kMoment = 0.05f;
     const Vec3 at = EmberPlace(ember, seconds);
     return {at, size, (EmberPlace(ember, seconds + kMoment) - at) * (1 / kMoment)};
