@@ -45,8 +45,9 @@ TEST(Film, IsTheSameTwice) {
 TEST(Film, TakesItsOptions) {
     FilmOptions options;
     std::string error;
-    ASSERT_TRUE(Parse("--sheet s.png --frames f --at 0,2.5,8 --size 640x360 --columns 3 --preview --quiet",
-                      &options, &error))
+    ASSERT_TRUE(
+        Parse("--sheet s.png --frames f --at 0,2.5,8 --size 640x360 --columns 3 --preview --smooth --quiet",
+              &options, &error))
         << error;
     EXPECT_EQ(options.sheet, "s.png");
     EXPECT_EQ(options.framesFolder, "f");
@@ -54,7 +55,7 @@ TEST(Film, TakesItsOptions) {
     EXPECT_EQ(options.width, 640);
     EXPECT_EQ(options.height, 360);
     EXPECT_EQ(options.columns, 3);
-    EXPECT_TRUE(options.preview && options.quiet);
+    EXPECT_TRUE(options.preview && options.smooth && options.quiet);
 }
 
 TEST(Film, NamesTheOptionItCannotTake) {
@@ -69,6 +70,7 @@ TEST(Film, NamesTheOptionItCannotTake) {
         {"--sheet s.png --size 640", "--size"},
         {"--sheet s.png --size 9000x10", "--size"},
         {"--sheet s.png --size 0x10", "--size"},
+        {"--sheet s.png --smooth --size 5000x10", "--smooth"},
         {"--sheet s.png --at 3,1", "--at"},
         {"--sheet s.png --at 3,,4", "--at"},
         {"--sheet s.png --at nan", "--at"},

@@ -18,6 +18,7 @@ struct FilmOptions {
     std::string video;
     int columns = 0;
     bool preview = false;
+    bool smooth = false; // drawn twice as wide and high, then averaged
     bool quiet = false;
     bool help = false;
 };

@@ -46,8 +46,9 @@ void MakeAbsolute(std::string* name) {
 
 bool OpenShow(const FilmOptions& options, ShowDriver* driver, std::string* error) {
     ShowDriver::Settings settings;
-    settings.width = options.width;
-    settings.height = options.height;
+    const int finer = options.smooth ? 2 : 1;
+    settings.width = options.width * finer;
+    settings.height = options.height * finer;
     settings.preview = options.preview;
     settings.dataFolder = options.dataFolder;
     settings.step = std::min(settings.step, 1.0 / options.framesPerSecond);
@@ -72,7 +73,7 @@ int Shoot(const FilmOptions& options) {
     ContactSheet sheet;
     Progress progress("frame", moments.size(), !options.quiet);
     for (std::size_t i = 0; i < moments.size(); ++i) {
-        const Picture frame = driver.FrameAt(moments[i]);
+        const Picture frame = Scaled(driver.FrameAt(moments[i]), options.width, options.height);
         if ((!options.framesFolder.empty() && !WritePng(FrameName(options, i, moments[i]), frame, &error)) ||
             (!options.video.empty() && !video.Add(frame, &error))) {
             progress.Clear();
