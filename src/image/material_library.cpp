@@ -74,11 +74,14 @@ bool FXMatlib::Load(const char* path) {
 
 bool FXMatlib::Save(const char* path) const {
     FXFile file = fxOpenFile(path, "wb");
+    return file && Save(file.get()) && fxCloseWritten(std::move(file));
+}
+
+bool FXMatlib::Save(std::FILE* file) const {
     const std::int32_t count = materials.count;
-    bool ok = file && name.Save(file.get()) && std::fwrite(&count, sizeof count, 1, file.get()) == 1;
-    for (const FXMaterial* material : materials)
-        ok = ok && material->Save(file.get());
-    return ok && fxCloseWritten(std::move(file));
+    return name.Save(file) && fxWrite(&count, sizeof count, 1, file) &&
+           std::all_of(materials.begin(), materials.end(),
+                       [&](const FXMaterial* material) { return material->Save(file); });
 }
 
 void FXMatlib::Release() {

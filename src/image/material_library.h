@@ -4,6 +4,8 @@
 #include "base/arrays.h"
 #include "base/str.h"
 
+#include <cstdio>
+
 class FXMaterial;
 class FXPackage;
 
@@ -25,6 +27,7 @@ public:
     bool LoadC(FXPackage* pkg, const char* text);
     bool Load(const char* path); // the same record in a file, pictures by file name
     bool Save(const char* path) const;
+    bool Save(std::FILE* file) const;
     bool LoadFromMtl(const char* path); // a Wavefront MTL file
     // Gives up one reference. The last one destroys the library, unless autoDelete is off.
     void Release();

@@ -73,7 +73,9 @@ int Shoot(const FilmOptions& options) {
     ContactSheet sheet;
     Progress progress("frame", moments.size(), !options.quiet);
     for (std::size_t i = 0; i < moments.size(); ++i) {
-        const Picture frame = Scaled(driver.FrameAt(moments[i]), options.width, options.height);
+        Picture frame = driver.FrameAt(moments[i]);
+        if (options.smooth)
+            frame = Scaled(frame, options.width, options.height);
         if ((!options.framesFolder.empty() && !WritePng(FrameName(options, i, moments[i]), frame, &error)) ||
             (!options.video.empty() && !video.Add(frame, &error))) {
             progress.Clear();

@@ -21,13 +21,6 @@ namespace {
 // A library as a model needs it: with the extents of its pictures.
 using Libraries = std::map<int, std::shared_ptr<FXMatlib>>;
 
-bool SaveLibrary(const FXMatlib& library, std::FILE* file) {
-    const std::int32_t count = library.materials.count;
-    return library.name.Save(file) && fxWrite(&count, sizeof count, 1, file) &&
-           std::all_of(library.materials.begin(), library.materials.end(),
-                       [&](const FXMaterial* material) { return material->Save(file); });
-}
-
 class Maker {
 public:
     Maker(const Manifest& manifest, const Plan& plan, std::string* error)
@@ -71,7 +64,7 @@ private:
         case EntryKind::Raw:
             return ReadWhole(entry.file, &bytes_[i], &problem) || Fail(entry, problem);
         case EntryKind::Library:
-            return Record(i, [&](std::FILE* file) { return SaveLibrary(*planned.library, file); });
+            return Record(i, [&](std::FILE* file) { return planned.library->Save(file); });
         case EntryKind::Model:
             return MakeModelEntry(i);
         case EntryKind::Animation:

@@ -63,10 +63,12 @@ public:
         return id >= 0 && package_->ids.Findpos(id) >= 0 ? FileName(id, EntryKind::Library) : "";
     }
 
-    std::string ModelText(int id) const {
-        FXModel model;
-        model.LoadCN(package_, id);
-        model.UpdateMeshes();
+    void LoadModel(int id, FXModel* model) const {
+        model->LoadCN(package_, id);
+        model->UpdateMeshes();
+    }
+
+    std::string ModelText(const FXModel& model) const {
         return ObjText(model, LibraryFile(model.matlibName));
     }
 
@@ -134,9 +136,8 @@ private:
 
     void TakeModel(int id, const EntryFacts& facts) {
         FXModel model;
-        model.LoadCN(package_, id);
-        model.UpdateMeshes();
-        Add(FileName(id, EntryKind::Model), ModelText(id));
+        LoadModel(id, &model);
+        Add(FileName(id, EntryKind::Model), ModelText(model));
         result_.manifest += "model = " + Quoted(FileName(id, EntryKind::Model)) + "\n";
         if (facts.version != 3)
             result_.manifest += Text("version = %d\n", facts.version);
@@ -167,7 +168,7 @@ private:
         animation.LoadCN(package_, id);
         const auto frameFile = [&](int f) { return Text("%d-%02d.obj", id, f); };
         for (int f = 0; f < animation.models.count; ++f)
-            Add(frameFile(f), ObjText(*animation.models[f], LibraryFile(animation.models[f]->matlibName)));
+            Add(frameFile(f), ModelText(*animation.models[f]));
         const auto flag = [](bool value) { return value ? "true" : "false"; };
         const FXBezierGraph& graph = animation.graph;
         result_.manifest +=
@@ -219,9 +220,11 @@ bool ExtractOne(FXPackage* package, int id, bool asWavefront, std::string* bytes
     CheckEntry(kind, data, &faults, &facts);
     if (!faults.Good())
         *error = Text("entry %d is damaged (tamb-pack verify says how); without --obj it comes as it is", id);
-    else if (kind == EntryKind::Model)
-        *bytes = extractor.ModelText(id);
-    else if (kind == EntryKind::Library)
+    else if (kind == EntryKind::Model) {
+        FXModel model;
+        extractor.LoadModel(id, &model);
+        *bytes = extractor.ModelText(model);
+    } else if (kind == EntryKind::Library)
         *bytes = extractor.LibraryText(id);
     else
         *error = Text("entry %d is a %s: --obj takes models and libraries alone, and with a whole package "

@@ -32,12 +32,11 @@ int Run(const Arguments& arguments) {
     FXPackage package;
     if (!package.Load(arguments.words[0].c_str()))
         return Fail(arguments.words[0] + ": is not a package, or cannot be read (tamb-pack verify says why)");
+    if (OverlapsTooMuch(package))
+        return Fail(arguments.words[0] + ": its entries lie over each other (tamb-pack verify says where)");
     std::vector<Description> rows(static_cast<std::size_t>(package.ids.count));
     Progress progress("entry", rows.size(), !arguments.Has("--quiet"));
     std::size_t done = 0;
-    // Materials would decode their pictures too, so the codec comes after them.
-    if (OverlapsTooMuch(package))
-        return Fail(arguments.words[0] + ": its entries lie over each other (tamb-pack verify says where)");
     const auto describe = [&](bool pictures) {
         for (int i = 0; i < package.ids.count; ++i)
             if ((FindPictureType(package.types[i]) != nullptr) == pictures) {
@@ -45,6 +44,7 @@ int Run(const Arguments& arguments) {
                 progress.Done(++done);
             }
     };
+    // Materials would decode their pictures too, so the codec comes after them.
     describe(false);
     const PictureCodec codec;
     describe(true);

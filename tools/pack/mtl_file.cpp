@@ -46,11 +46,6 @@ void SetColor(const tinyobj::real_t* from, float alpha, float* color) {
     color[3] = alpha;
 }
 
-std::string ColorLine(const char* keyword, const float* color) {
-    return std::string(keyword) + " " + NumberText(color[0]) + " " + NumberText(color[1]) + " " +
-           NumberText(color[2]) + "\n";
-}
-
 } // namespace
 
 bool ReadMtl(const std::string& file, FXMatlib* library, std::string* error) {
@@ -84,8 +79,8 @@ std::string MtlText(const FXMatlib& library, const std::function<std::string(con
     std::string text;
     for (const FXMaterial* material : library.materials) {
         text += std::string(text.empty() ? "" : "\n") + "newmtl " + material->name.text + "\n";
-        text += ColorLine("Ka", material->ambient) + ColorLine("Kd", material->diffuse) +
-                ColorLine("Ks", material->specular) + ColorLine("Ke", material->emission);
+        text += Line3("Ka", material->ambient) + Line3("Kd", material->diffuse) +
+                Line3("Ks", material->specular) + Line3("Ke", material->emission);
         text += "Ns " + NumberText(material->shininess) + "\nd " + NumberText(material->diffuse[3]) + "\n";
         if (!material->texRef.IsEmpty())
             text += "map_Kd " + pictureOf(material->texRef.text) + "\n";

@@ -3,6 +3,7 @@
 #include "geometry/mesh.h"
 #include "image/material.h"
 #include "pack/text.h"
+#include "pack/wavefront_lines.h"
 
 #include <algorithm>
 #include <cstring>
@@ -37,11 +38,7 @@ public:
 
 private:
     FXMaterial* FindMaterial() const {
-        if (looks_.library != nullptr)
-            for (FXMaterial* material : looks_.library->materials)
-                if (material->name.Compare(source_.material.c_str()))
-                    return material;
-        return nullptr;
+        return looks_.library != nullptr ? looks_.library->FindMaterial(source_.material.c_str()) : nullptr;
     }
 
     int DrawClass(const FXMaterial* material) const {
@@ -98,11 +95,6 @@ public:
 private:
     std::unordered_map<std::string, int> numbers_;
 };
-
-std::string Line3(const char* keyword, const float* v) {
-    return std::string(keyword) + " " + NumberText(v[0]) + " " + NumberText(v[1]) + " " + NumberText(v[2]) +
-           "\n";
-}
 
 std::string TexLine(const FXMesh& mesh, const float* tex) {
     const double u = mesh.loadedU > 0 ? static_cast<double>(mesh.loadedU) : 1;

@@ -9,7 +9,7 @@
 #include <string>
 
 struct ModelLooks {
-    const FXMatlib* library =
+    FXMatlib* library =
         nullptr;             // gives each mesh its material, and so the extents of its picture; may be null
     std::string libraryName; // as the model stores it
     std::map<std::string, int> draw; // class by material; "": all others; else by the material's alpha

@@ -52,22 +52,21 @@ bool RecordReader::Int(const std::string& what, int* value) {
     return true;
 }
 
-bool RecordReader::Float(const std::string& what, float* value) {
+template <class T> bool RecordReader::Finite(const std::string& what, T (FXPackageData::*read)(), T* value) {
     const int at = Offset();
-    if (!Need(what, 4))
+    if (!Need(what, sizeof *value))
         return false;
-    *value = data_.ReadFloat();
-    Tell(4, what + ": " + NumberText(*value));
+    *value = (data_.*read)();
+    Tell(sizeof *value, what + ": " + NumberText(*value));
     return std::isfinite(*value) || Fail(at, what + " is no finite number");
 }
 
+bool RecordReader::Float(const std::string& what, float* value) {
+    return Finite(what, &FXPackageData::ReadFloat, value);
+}
+
 bool RecordReader::Double(const std::string& what, double* value) {
-    const int at = Offset();
-    if (!Need(what, 8))
-        return false;
-    *value = data_.ReadDouble();
-    Tell(8, what + ": " + NumberText(*value));
-    return std::isfinite(*value) || Fail(at, what + " is no finite number");
+    return Finite(what, &FXPackageData::ReadDouble, value);
 }
 
 bool RecordReader::Flag(const std::string& what) {

@@ -47,6 +47,7 @@ public:
     void Tell(int size, const std::string& what);
 
 private:
+    template <class T> bool Finite(const std::string& what, T (FXPackageData::*read)(), T* value);
     bool Need(const std::string& what, int size);
 
     FXPackageData data_;

@@ -35,6 +35,11 @@ void ForEachLine(const std::string& text, const std::function<void(const Wavefro
     }
 }
 
+std::string Line3(const char* keyword, const float* numbers) {
+    return std::string(keyword) + " " + NumberText(numbers[0]) + " " + NumberText(numbers[1]) + " " +
+           NumberText(numbers[2]) + "\n";
+}
+
 bool HasNumbers(const WavefrontLine& line, std::size_t count) {
     if (line.words.size() < count)
         return false;

@@ -1,5 +1,5 @@
-// The lines of Wavefront files, looked at before the reader takes them: the reader passes over what it does
-// not understand, and a person wants to know the line.
+// The lines of Wavefront files, written, and looked at before the reader takes them: the reader passes over
+// what it does not understand, and a person wants to know the line.
 #pragma once
 
 #include <functional>
@@ -18,3 +18,6 @@ struct WavefrontLine {
 void ForEachLine(const std::string& text, const std::function<void(const WavefrontLine&)>& take);
 // The words `from` .. `from + count - 1` are finite numbers.
 bool HasNumbers(const WavefrontLine& line, std::size_t count);
+
+// "v 1 2 3" and a line feed: a position, a normal, a colour.
+std::string Line3(const char* keyword, const float* numbers);
