@@ -23,7 +23,8 @@ public:
     FXArray(const FXArray&) = delete;
     FXArray& operator=(const FXArray&) = delete;
 
-    // Room for n elements at least; what is in use stays, new room is zero. False when there is no memory.
+    // Room for n elements at least. When the block grows, what is in use stays and the rest is zero. False
+    // when there is no memory.
     bool Realloc(int n) {
         if (capacity >= n)
             return true;
@@ -32,7 +33,7 @@ public:
         T* block = static_cast<T*>(fxRealloc(items, static_cast<std::size_t>(n) * kElement));
         if (block == nullptr)
             return false;
-        std::fill(block + capacity, block + n, T{});
+        std::fill(block + std::min(count, capacity), block + n, T{});
         items = block;
         capacity = n;
         return true;

@@ -23,6 +23,13 @@ TEST(Array, GrowsByItsStep) {
         a.DestroyBuf();
         EXPECT_EQ(a.Pop() + a.First() + a.Last() + a.capacity, 0);
     }
+    FXArray<int> shrunk(4);
+    for (const int v : {7, 8, 9})
+        shrunk.Push(v);
+    shrunk.Pop();
+    ASSERT_TRUE(shrunk.Realloc(6));
+    EXPECT_EQ(std::vector<int>(shrunk.items, shrunk.items + 6), (std::vector<int>{7, 8, 0, 0, 0, 0}))
+        << "what is not in use";
     EXPECT_EQ(fxPower2(-3) + fxPower2(1), 2);
     EXPECT_EQ(fxPower2(1024) + fxPower2(1025), 1024 + 2048);
 }
