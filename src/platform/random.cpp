@@ -1,12 +1,34 @@
 #include "platform/random.h"
 
 #include "platform/clock.h"
-#include "win32/win32.h"
+
+#include <atomic>
+
+namespace {
+
+std::atomic<std::uint32_t> state = 1;
+
+// The generator of the C library that the effects were tuned with (a linear congruential one modulo 2^32, of
+// which 15 bits are given out), so that a show burns alike on every platform: 0..32767.
+int localRand() {
+    std::uint32_t before = state.load(std::memory_order_relaxed);
+    std::uint32_t after = 0;
+    do
+        after = before * 214013u + 2531011u;
+    while (!state.compare_exchange_weak(before, after, std::memory_order_relaxed));
+    return static_cast<int>(after >> 16 & 0x7FFFu);
+}
+
+} // namespace
+
+void fxSeedRandom(std::uint32_t seed) {
+    state = seed;
+}
 
 void fxResetRandom() {
-    crt_srand(static_cast<unsigned>(crt_rand()) * fxGetTicks());
+    fxSeedRandom(static_cast<std::uint32_t>(localRand()) * fxGetTicks());
 }
 
 float fxGetRandom() {
-    return static_cast<float>(crt_rand() / 32767.0);
+    return static_cast<float>(localRand() / 32767.0);
 }

@@ -17,18 +17,9 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
-#include <cstdlib>
-
 #ifndef CSIDL_SYSTEMX86
 #define CSIDL_SYSTEMX86 0x0029
 #endif
-
-inline int crt_rand() {
-    return std::rand();
-}
-inline void crt_srand(unsigned seed) {
-    std::srand(seed);
-}
 
 #else
 
@@ -286,9 +277,5 @@ BOOL WINAPI SwapBuffers(HDC dc);
 // The process entry, which the product supplies.
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, char* commandLine, int show);
 }
-
-// The C library's generator as the product relies on it: 0..32767, a sequence per thread.
-int crt_rand();
-void crt_srand(unsigned seed);
 
 #endif

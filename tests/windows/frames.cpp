@@ -4,6 +4,7 @@
 // "seen-N" stands beside "shown-N", which this program writes into the current folder; N counts from 1.
 #include "platform/clock.h"
 #include "platform/configuration.h"
+#include "platform/random.h"
 #include "render/gl.h"
 #include "scene/scene.h"
 #include "scene/show.h"
@@ -76,7 +77,7 @@ int main(int count, char** words) {
     const double step = std::atof(words[2]);
     showTicks = static_cast<DWORD>(kFirstFrame * 1000);
     fxSetTickSource([]() -> std::uint32_t { return showTicks; });
-    crt_srand(kSeed);
+    fxSeedRandom(kSeed);
     WNDCLASSA windowClass = {};
     windowClass.lpfnWndProc = FramesProc;
     windowClass.lpszClassName = "TamblorTestFrames";

@@ -2,6 +2,7 @@
 
 #include "platform/clock.h"
 #include "platform/configuration.h"
+#include "platform/random.h"
 #include "render/gl.h"
 #include "scene/scene.h"
 #include "scene/show.h"
@@ -78,7 +79,7 @@ bool ShowDriver::Open(const Settings& settings, std::string* error) {
     show::logsFile = ""; // a film leaves no trace in the show's folder
     showTicks = static_cast<std::uint32_t>(kFirstFrame * 1000);
     fxSetTickSource([] { return showTicks; });
-    crt_srand(kSeed);
+    fxSeedRandom(kSeed);
     BuildScene(window, settings.preview);
     open_ = true;
     if (!CanDraw()) {
