@@ -8,7 +8,6 @@
 namespace {
 
 constexpr double kNoLimit = 100000.0; // seconds from which a wait has no limit
-constexpr double kTerminated = 1.0;   // seconds that a terminated thread gets to be gone
 
 struct ThreadRecord {
     void (*proc)(void*);
@@ -81,10 +80,8 @@ void fxTerminateThread(void* thread) {
     ThreadRecord* record = static_cast<ThreadRecord*>(thread);
     if (record == nullptr || !record->Alive())
         return;
-    if (!fxWaitThread(record, 0.0)) {
+    if (!fxWaitThread(record, 0.0))
         TerminateThread(record->handle, 0);
-        fxWaitThread(record, kTerminated); // ending is only asked for, and the record may be freed next
-    }
     CloseHandle(record->handle);
     record->handle = nullptr;
     record->id = 0;

@@ -29,5 +29,6 @@ void fxDesktopUnlock() {
 
 void fxDesktopRelease() {
     Note("release");
+    fakeDesktop.atRelease();
     fakeDesktop.held = false;
 }

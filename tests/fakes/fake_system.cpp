@@ -76,6 +76,18 @@ DWORD FormatMessageA(DWORD, const void*, DWORD message, DWORD, char* buffer, DWO
     return static_cast<DWORD>(std::snprintf(buffer, size, "status %u", message));
 }
 
+HANDLE GetCurrentProcess() {
+    return nullptr;
+}
+
+BOOL SetPriorityClass(HANDLE, DWORD priorityClass) {
+    return NoteFakeCall("SetPriorityClass(0x%x)", priorityClass), TRUE;
+}
+
+BOOL SetThreadPriority(HANDLE, int) {
+    return TRUE;
+}
+
 HMODULE LoadLibraryA(const char* name) {
     const auto module = fakeWin32.modules.find(name);
     NoteFakeCall("LoadLibraryA(%s)", name);

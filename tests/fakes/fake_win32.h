@@ -1,5 +1,5 @@
 // A scripted stand-in for the platform: it says what the test tells it to say and writes down what it was
-// asked to do. Threads, locks, the clock and the random numbers are real (the Linux layer's own).
+// asked to do. Threads, locks and the clock are real (the Linux layer's own).
 #pragma once
 
 #include "win32/win32.h"

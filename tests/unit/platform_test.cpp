@@ -4,6 +4,7 @@
 #include "platform/random.h"
 #include "platform/threads.h"
 #include "unit/temp_folder.h"
+#include "win32/win32.h"
 
 #include <atomic>
 #include <chrono>
@@ -11,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <set>
+#include <string>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -33,11 +36,30 @@ TEST(Clock, CountsAndSleepsInMilliseconds) {
 TEST(Random, RunsFromZeroToOneBothIncluded) {
     std::set<float> values;
     for (unsigned seed = 0; seed < 1u << 16; ++seed) {
-        crt_srand(seed << 16);
+        fxSeedRandom(seed << 16);
         values.insert(fxGetRandom());
     }
     EXPECT_EQ(*values.begin(), 0.0f);
     EXPECT_EQ(*values.rbegin(), 1.0f);
+}
+
+TEST(Random, IsOneSequenceForAllThreads) {
+    fxSeedRandom(3);
+    const float drawn[] = {fxGetRandom(), fxGetRandom()};
+    float elsewhere = -1;
+    fxSeedRandom(3);
+    std::thread([&] { elsewhere = fxGetRandom(); }).join();
+    EXPECT_EQ(elsewhere, drawn[0]);
+    EXPECT_EQ(fxGetRandom(), drawn[1]);
+    std::set<float> both[2];
+    const auto draw = [](std::set<float>* values) {
+        for (int i = 0; i < 1000; ++i)
+            values->insert(fxGetRandom());
+    };
+    std::thread other(draw, &both[0]);
+    draw(&both[1]);
+    other.join();
+    EXPECT_GT(both[0].size() + both[1].size(), 1800u);
 }
 
 TEST(Threads, AreWaitedFor) {
@@ -57,6 +79,43 @@ TEST(Threads, AreWaitedFor) {
     fxDestroyThread(thread);
     EXPECT_TRUE(fxWaitThread(nullptr, 1.0));
     fxDestroyThread(nullptr);
+}
+
+// Forced ends, as the platform is asked for them.
+std::string endCalls;
+std::atomic<bool> endNow;
+extern "C" {
+DWORD WINAPI __real_WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+BOOL WINAPI __real_CloseHandle(HANDLE handle);
+DWORD WINAPI __wrap_WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+    endCalls += "wait " + std::to_string(milliseconds) + ", ";
+    return __real_WaitForSingleObject(handle, milliseconds);
+}
+BOOL WINAPI __wrap_TerminateThread(HANDLE handle, DWORD exitCode) {
+    endCalls += "terminate " + std::to_string(exitCode) + ", ";
+    endNow = true; // not by force, so that the sanitizers can follow
+    return __real_WaitForSingleObject(handle, INFINITE) == WAIT_OBJECT_0;
+}
+BOOL WINAPI __wrap_CloseHandle(HANDLE handle) {
+    endCalls += "close";
+    return __real_CloseHandle(handle);
+}
+}
+
+TEST(Threads, AreEndedByForceOnlyWhenTheyHaveNotEnded) {
+    for (const bool runs : {true, false}) {
+        endNow = !runs;
+        void* thread = fxCreateThread(
+            [](void*) {
+                while (!endNow)
+                    fxSleep(0.001);
+            },
+            nullptr);
+        EXPECT_TRUE(runs || fxWaitThread(thread, 100000.0));
+        endCalls.clear();
+        fxDestroyThread(thread);
+        EXPECT_EQ(endCalls, runs ? "wait 0, terminate 0, close" : "wait 0, close");
+    }
 }
 
 TEST(Paths, EndWithTheSeparatorTheyUse) {
