@@ -4,6 +4,7 @@
 #include "platform/threads.h"
 #include "win32/win32.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
@@ -17,15 +18,23 @@ std::atomic<bool> trcOn = false;
 std::FILE* trcFile = nullptr;
 void* trcMutex = nullptr; // made before the flag is first set, and kept
 
-// Shared by all callers under the mutex.
+// The message and what stands in front of it, with their lengths. Shared by all callers under the mutex.
 char trcTrcText[kMessage + 1];
+int trcTrcTextSize = 0;
 char trcTimeStr[1024];
+int trcTimeStrSize = 0;
 char trcThreadStr[1024];
+int trcThreadStrSize = 0;
 
 void localPrefixes() {
-    std::snprintf(trcThreadStr, sizeof trcThreadStr, "%08x: ", static_cast<unsigned>(GetCurrentThreadId()));
+    trcThreadStrSize = std::snprintf(trcThreadStr, sizeof trcThreadStr,
+                                     "%08x: ", static_cast<unsigned>(GetCurrentThreadId()));
     const float seconds = static_cast<float>(fxGetTime());
-    std::snprintf(trcTimeStr, sizeof trcTimeStr, "[%.3f] ", static_cast<double>(seconds));
+    trcTimeStrSize = std::snprintf(trcTimeStr, sizeof trcTimeStr, "[%.3f] ", static_cast<double>(seconds));
+}
+
+void localPut(const char* text, int size) {
+    std::fwrite(text, 1, static_cast<std::size_t>(size), trcFile);
 }
 
 struct Locked {
@@ -43,15 +52,16 @@ void localWrite(Prefix prefix, const char* format, va_list arguments) {
     const Locked locked;
     if (!trcOn || trcFile == nullptr)
         return;
-    std::vsnprintf(trcTrcText, sizeof trcTrcText, format, arguments);
+    trcTrcTextSize =
+        std::clamp(std::vsnprintf(trcTrcText, sizeof trcTrcText, format, arguments), 0, kMessage);
     if (prefix == Prefix::Error)
         std::fputs("#ERROR: ", trcFile);
     if (prefix != Prefix::None) {
         localPrefixes();
-        std::fputs(trcThreadStr, trcFile);
-        std::fputs(trcTimeStr, trcFile);
+        localPut(trcThreadStr, trcThreadStrSize);
+        localPut(trcTimeStr, trcTimeStrSize);
     }
-    std::fputs(trcTrcText, trcFile);
+    localPut(trcTrcText, trcTrcTextSize);
     std::fflush(trcFile);
 }
 
