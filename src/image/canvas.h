@@ -5,8 +5,9 @@
 
 class FXPackage;
 
-// Loaders leave the canvas as it was when there is no picture to be had, and say so. A picture is never
-// resampled: the storage beyond it holds backColor.
+// Loaders leave the canvas as it was when there is no picture to be had, and say so; of one that the codec
+// cannot convert, a cleared canvas of its size remains. A picture is never resampled: the storage beyond it
+// holds backColor.
 class FXCanvas : public FXPixmap {
 public:
     void Clear(const float* rgba);
@@ -29,7 +30,4 @@ public:
     bool alphaFromRed = false; // loading gives a white picture whose alpha is the source's red
     bool clearOnLoad = true;   // loading fills the whole storage with backColor first
     float backColor[4] = {0, 0, 0, 0};
-
-private:
-    bool TakeDecodedPicture();
 };

@@ -3,6 +3,7 @@
 #include "image/canvas.h"
 #include "image/codec.h"
 #include "image/picture_header.h"
+#include "package/file_block.h"
 #include "package/package.h"
 
 #include <cstdio>
@@ -10,27 +11,83 @@
 
 namespace {
 
-// One image of the codec, bound for as long as this lives.
-class CodecImage {
+// The codec's image of a picture and the converted clone of it, deleted in this order.
+class CodecImages {
 public:
-    CodecImage() {
-        fxCodec.ilGenImages(1, &name_);
-        fxCodec.ilBindImage(name_);
+    CodecImages() {
+        fxCodec.ilGenImages(1, &image_);
+        fxCodec.ilBindImage(image_);
     }
-    explicit CodecImage(ILuint name) : name_(name) { fxCodec.ilBindImage(name_); }
-    ~CodecImage() { fxCodec.ilDeleteImages(1, &name_); }
-    bool Exists() const { return name_ != 0; }
-    CodecImage(const CodecImage&) = delete;
-    CodecImage& operator=(const CodecImage&) = delete;
+    ~CodecImages() {
+        fxCodec.ilDeleteImages(1, &image_);
+        if (clone_ != 0)
+            fxCodec.ilDeleteImages(1, &clone_);
+    }
+    CodecImages(const CodecImages&) = delete;
+    CodecImages& operator=(const CodecImages&) = delete;
+
+    // The clone becomes the current image. False when there is none.
+    bool Clone() {
+        clone_ = fxCodec.ilCloneCurImage();
+        fxCodec.ilBindImage(clone_);
+        return clone_ != 0;
+    }
 
 private:
-    ILuint name_ = 0;
+    ILuint image_ = 0;
+    ILuint clone_ = 0;
 };
 
 bool localDetectTransFilename(const char* fileName) {
     FXStr name(fileName);
     name.ToLower();
     return std::strstr(name.text, "tran") != nullptr;
+}
+
+// The codec goes by the name's ending first, then by the bytes: the file must be fit to be taken for either.
+bool localFileIsPlausible(const char* fileName) {
+    FXFileBlock file;
+    int size = 0;
+    int type = kRaw;
+    if (!file.Load(fileName) || !FXPackage::CheckFile(fileName, &size, &type))
+        return false;
+    const std::span bytes(file.data.start, static_cast<std::size_t>(file.data.size));
+    return fxPictureIsPlausible(bytes, type) && fxPictureIsPlausible(bytes, fxPictureType(bytes));
+}
+
+void localCopyRow(FXCanvas* canvas, int y, const unsigned char* from) {
+    std::uint32_t* row = canvas->pixels + static_cast<std::ptrdiff_t>(y) * canvas->width;
+    std::memcpy(row, from, static_cast<std::size_t>(canvas->usedWidth) * sizeof *row);
+    for (int x = 0; x < canvas->usedWidth; ++x) {
+        if (canvas->alphaFromRed)
+            row[x] = row[x] << 24 | 0x00FFFFFFu;
+        else if (row[x] >> 24 != 255u)
+            canvas->opaque = false;
+    }
+}
+
+// The codec's current image becomes the canvas. Sizes come from a file and are not trusted.
+bool localTakePicture(FXCanvas* canvas, CodecImages* images) {
+    const int w = fxCodec.ilGetInteger(IL_IMAGE_WIDTH);
+    const int h = fxCodec.ilGetInteger(IL_IMAGE_HEIGHT);
+    if (!canvas->Realloc(w, h))
+        return false;
+    // Without the clone or its conversion the rows would be shorter than what is copied; so they are after
+    // the conversion of a palette that makes no sense.
+    const bool converted = images->Clone() && fxCodec.ilConvertImage(IL_RGBA, IL_UNSIGNED_BYTE) != 0 &&
+                           fxCodec.ilGetInteger(IL_IMAGE_SIZE_OF_DATA) == std::int64_t{4} * w * h;
+    const unsigned char* data = converted ? fxCodec.ilGetData() : nullptr;
+    // A picture that covers the whole storage needs no clearing first.
+    if (canvas->clearOnLoad && (data == nullptr || w < canvas->width || h < canvas->height))
+        canvas->Clear(canvas->backColor);
+    canvas->opaque = true;
+    if (data == nullptr)
+        return false;
+    for (int y = 0; y < h; ++y)
+        localCopyRow(canvas, y, data + static_cast<std::ptrdiff_t>(y) * w * 4);
+    if (canvas->alphaFromRed)
+        canvas->opaque = false;
+    return true;
 }
 
 } // namespace
@@ -42,9 +99,9 @@ bool FXCanvas::CreateFromPictCN(FXPackage* pkg, int entry) {
         return false;
     if (!fxPictureIsPlausible({data->start, static_cast<std::size_t>(data->size)}, type))
         return false;
-    const CodecImage image;
+    CodecImages images;
     return fxCodec.ilLoadL(static_cast<ILenum>(type), data->start, static_cast<ILuint>(data->size)) != 0 &&
-           TakeDecodedPicture();
+           localTakePicture(this, &images);
 }
 
 bool FXCanvas::CreateFromPictC(FXPackage* pkg, const char* text) {
@@ -56,38 +113,8 @@ bool FXCanvas::CreateFromPict(const char* fileName) {
     if (fileName == nullptr || *fileName == '\0' || !fxDevilLoaded())
         return false;
     alphaFromRed = detectTrans && localDetectTransFilename(fileName);
-    const CodecImage image;
-    return fxCodec.ilLoadImage(fileName) != 0 && TakeDecodedPicture();
-}
-
-// The codec's current image becomes this canvas. Sizes come from a file and are not trusted.
-bool FXCanvas::TakeDecodedPicture() {
-    const int w = fxCodec.ilGetInteger(IL_IMAGE_WIDTH);
-    const int h = fxCodec.ilGetInteger(IL_IMAGE_HEIGHT);
-    if (w <= 0 || h <= 0 || !Realloc(w, h))
+    if (!localFileIsPlausible(fileName))
         return false;
-    const CodecImage clone(fxCodec.ilCloneCurImage());
-    // Without the clone or its conversion the rows would be shorter than what is copied; so they are after
-    // the conversion of a palette that makes no sense.
-    const bool converted = clone.Exists() && fxCodec.ilConvertImage(IL_RGBA, IL_UNSIGNED_BYTE) != 0 &&
-                           fxCodec.ilGetInteger(IL_IMAGE_SIZE_OF_DATA) == std::int64_t{4} * w * h;
-    if (clearOnLoad && (w < width || h < height)) // elsewhere the picture covers all of it
-        Clear(backColor);
-    const unsigned char* data = fxCodec.ilGetData();
-    opaque = true;
-    if (data == nullptr || !converted)
-        return false;
-    for (int y = 0; y < h; ++y) {
-        std::uint32_t* row = pixels + static_cast<std::ptrdiff_t>(y) * width;
-        std::memcpy(row, data + static_cast<std::ptrdiff_t>(y) * w * 4, static_cast<std::size_t>(w) * 4);
-        for (int x = 0; x < w; ++x) {
-            if (alphaFromRed)
-                row[x] = row[x] << 24 | 0x00FFFFFFu;
-            else if (row[x] >> 24 != 255u)
-                opaque = false;
-        }
-    }
-    if (alphaFromRed)
-        opaque = false;
-    return true;
+    CodecImages images;
+    return fxCodec.ilLoadImage(fileName) != 0 && localTakePicture(this, &images);
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <string_view>
 
 namespace {
 
@@ -148,11 +149,35 @@ FXPictureSize GifSize(HeaderReader& file) {
     return file.Good() ? size : kBroken;
 }
 
-// DevIL 1.7.8 gives less memory to TGA pixels of 15 and 16 bits than it then says there is.
+// Where the TGA's pixels begin: behind the text and the colours that may stand before them.
+std::size_t TgaPixels(HeaderReader& file) {
+    constexpr std::size_t kHeader = 18;
+    const int colours = file.Byte(1) != 0 ? file.Little16(5) * ((file.Byte(7) + 7) / 8) : 0;
+    return kHeader + static_cast<std::size_t>(file.Byte(0) + colours);
+}
+
+// Whether that many pixels of two bytes each stand there, plain or in runs.
+bool TgaHolds(HeaderReader& file, std::int64_t pixels) {
+    constexpr int kFirstWithRuns = 9; // of the kinds
+    constexpr std::size_t kPixel = 2;
+    const bool runs = file.Byte(2) >= kFirstWithRuns;
+    std::size_t at = TgaPixels(file);
+    while (pixels > 0 && file.Good()) {
+        const int head = runs ? file.Byte(at++) : 0;
+        const std::int64_t count = runs ? (head & 127) + 1 : pixels;
+        at += (head & 128) != 0 ? kPixel : kPixel * static_cast<std::size_t>(count);
+        file.Byte(at - 1);
+        pixels -= count;
+    }
+    return file.Good();
+}
+
+// Of 15 or 16 bits whose pixels are not all there, DevIL keeps less memory than it then reads.
 FXPictureSize TgaSize(HeaderReader& file) {
+    const FXPictureSize size = {file.Little16(12), file.Little16(14)};
     const int bits = file.Byte(16);
-    return bits == 15 || bits == 16 ? FXPictureSize{-1, -1}
-                                    : FXPictureSize{file.Little16(12), file.Little16(14)};
+    const bool taken = (bits != 15 && bits != 16) || TgaHolds(file, std::int64_t{size.width} * size.height);
+    return taken ? size : kBroken;
 }
 
 FXPictureSize SizeOf(HeaderReader& file, int type) {
@@ -173,6 +198,18 @@ FXPictureSize SizeOf(HeaderReader& file, int type) {
 }
 
 } // namespace
+
+int fxPictureType(std::span<const unsigned char> file) {
+    constexpr struct {
+        std::string_view start;
+        int type;
+    } kSignatures[] = {{"\x89PNG", kPng}, {"\xFF\xD8", kJpeg}, {"GIF8", kGif}, {"BM", kBmp}};
+    const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
+    for (const auto& signature : kSignatures)
+        if (text.starts_with(signature.start))
+            return signature.type;
+    return kRaw;
+}
 
 std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, int type) {
     HeaderReader reader(file);

@@ -14,8 +14,12 @@ struct FXPictureSize {
 // trusted with it.
 std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, int type);
 
+// What the first bytes tell of the kind: PNG, JPEG, GIF, BMP, as the package numbers them; -1 for all others,
+// TGA among them, which begins with nothing of its own.
+int fxPictureType(std::span<const unsigned char> file);
+
 // Whether the codec may see the file: its size is one that so many bytes can make good and that a canvas can
 // hold, and nothing in it is known to make DevIL 1.7.8 hang (a JPEG or PNG that breaks off) or read beyond
-// its memory (TGA of 16 bits). Codecs believe a header: from 60 bytes they would fill gigabytes. A header of
-// another kind is left to it to refuse.
+// its memory (a TGA of 15 or 16 bits that breaks off). Codecs believe a header: from 60 bytes they would fill
+// gigabytes. A header of another kind is left to it to refuse.
 bool fxPictureIsPlausible(std::span<const unsigned char> file, int type);

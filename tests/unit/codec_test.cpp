@@ -25,6 +25,16 @@ std::string SavedByTheLibrary(const TempFolder& folder, const std::string& name,
     return folder.Read(name);
 }
 
+// A TGA of 16 bits per pixel, magenta, plain or in runs of 128.
+std::string Tga16(int w, int h, bool runs) {
+    std::string file = Tga(w, h, {});
+    file[2] = runs ? 10 : 2;
+    file[16] = 16;
+    for (int left = w * h; left > 0; left -= runs ? 128 : 1)
+        file += (runs ? "\xff" : "") + std::string("\x1f\x7c");
+    return file;
+}
+
 std::span<const unsigned char> Bytes(const std::string& text) {
     return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
@@ -88,19 +98,83 @@ TEST_F(Codec, RefusesPicturesThatClaimMoreThanTheirBytesCanHold) {
                  {kJpeg, forged(jpg, frame, "\x3f\xff\x3f\xff")},
                  {kJpeg, jpg.substr(0, jpg.size() - 2)}, // it would wait for the rest
                  {kPng, png.substr(0, png.size() - 12)},
-                 {kTga, forged(Tga(2, 1, {1, 2}), 16, "\x10")}, // 16 bits: less memory than it says
-                 {kGif, forged(kGifFile, 20, "\1")},            // beside the screen
-                 {kGif, forged(kGifFile, 19, "\x11")},          // a block of no kind
+                 {kTga, Tga16(2, 100, false).substr(0, 18 + 399)}, // it would read on behind its memory
+                 {kTga, Tga16(10, 40, true).substr(0, 18 + 11)},
+                 {kGif, forged(kGifFile, 20, "\1")},   // beside the screen
+                 {kGif, forged(kGifFile, 19, "\x11")}, // a block of no kind
                  {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")}};
     for (const auto& c : cases) {
         Load({{1, c.type, c.file}});
         FXCanvas canvas;
         EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1)) << std::hex << c.type;
         EXPECT_FALSE(fxPictureIsPlausible(Bytes(c.file), c.type)) << std::hex << c.type;
+        for (const char* name : {"x.tga", "x.bmp", "x.jpg", "x.png", "x.gif", "x"}) {
+            const int kind = fxPictureType(Bytes(c.file));
+            int size = 0;
+            int ending = kRaw;
+            const std::string path = folder_.Write(name, c.file);
+            EXPECT_TRUE(FXPackage::CheckFile(path.c_str(), &size, &ending));
+            if (ending == c.type || kind == c.type) {
+                EXPECT_FALSE(canvas.CreateFromPict(path.c_str())) << name << std::hex << c.type;
+            }
+        }
     }
     for (const auto& [type, file] : {std::pair{kJpeg, jpg}, {kGif, kGifFile}, {kPng, png}, {kBmp, bmp}})
         for (std::size_t size = 0; size < 12; ++size)
             EXPECT_FALSE(fxPictureSize(Bytes(file.substr(0, size)), type)) << type << " " << size;
+}
+
+TEST_F(Codec, IsHandedTheTgaOf15And16BitsThatIsAllThere) {
+    for (const bool runs : {false, true})
+        for (const char bits : {'\x0f', '\x10'}) {
+            std::string file = Tga16(10, 40, runs);
+            file[16] = bits;
+            file.insert(18, "words");
+            file[0] = '\5';
+            Load({{1, kTga, file}});
+            FXCanvas canvas;
+            ASSERT_TRUE(canvas.CreateFromPictCN(&package_, 1)) << runs << " " << static_cast<int>(bits);
+            EXPECT_EQ(canvas.pixels[0] & 0xFFFFFF, 0xF800F8u);
+            EXPECT_EQ(canvas.pixels[39 * 16 + 9] & 0xFFFFFF, 0xF800F8u);
+            EXPECT_FALSE(fxPictureIsPlausible(Bytes(file.substr(0, file.size() - 1)), kTga));
+        }
+}
+
+std::string codecCalls;
+
+TEST_F(Codec, IsAskedForWhatIsNeededAndGivenItBack) {
+    Load({{1, kTga, Tga(4, 2, std::vector<std::uint32_t>(8, 0xFF112233u))}});
+    const FXCodec real = fxCodec;
+    static const FXCodec& behind = real;
+    fxCodec.ilGenImages = [](std::size_t n, ILuint* names) {
+        behind.ilGenImages(n, names);
+        codecCalls += "gen ";
+    };
+    fxCodec.ilCloneCurImage = [] {
+        codecCalls += "clone ";
+        return behind.ilCloneCurImage();
+    };
+    fxCodec.ilGetData = [] {
+        codecCalls += "data ";
+        return behind.ilGetData();
+    };
+    fxCodec.ilDeleteImages = [](std::size_t n, const ILuint* names) {
+        codecCalls += "delete " + std::to_string(*names) + " ";
+        behind.ilDeleteImages(n, names);
+    };
+    FXCanvas canvas;
+    EXPECT_TRUE(canvas.CreateFromPictCN(&package_, 1));
+    const std::string all = std::exchange(codecCalls, "");
+    int image = 0, clone = 0;
+    ASSERT_EQ(std::sscanf(all.c_str(), "gen clone data delete %d delete %d", &image, &clone), 2) << all;
+    EXPECT_LT(image, clone) << "in the order in which they came";
+    fxCodec.ilCloneCurImage = []() -> ILuint { return 0; };
+    static_cast<FXPixmap&>(canvas).Clear(9);
+    EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1));
+    EXPECT_TRUE(codecCalls.starts_with("gen delete ") && codecCalls.find("delete", 11) == std::string::npos)
+        << codecCalls << "though there is no clone";
+    EXPECT_EQ(canvas.pixels[7], 0u) << "cleared, though the picture would have covered all of it";
+    fxCodec = real;
 }
 
 TEST_F(Codec, FillsTheUpperLeftOfTheStorageAndClearsTheRest) {
