@@ -46,6 +46,10 @@ void FXEnv::Destroy() {
 bool FXEnv::StartLoop(PRender* target) {
     stop = false;
     render = target;
+    if (thread != nullptr && fxWaitThread(thread, 0.0)) { // a loop that has ended by itself
+        fxDestroyThread(thread);
+        thread = nullptr;
+    }
     if (thread == nullptr)
         thread = fxCreateThread(localRunLoop, this);
     return thread != nullptr;

@@ -27,8 +27,8 @@ public:
     // runs already changes its target. False when no thread can be had.
     bool StartLoop(PRender* target) override;
     // Returns when the frame that is being drawn is done. A loop that does not end in time is ended by force.
-    void StopLoop(double timeout) final;
-    void Lock(bool on) final;
+    void StopLoop(double timeout) override;
+    void Lock(bool on) override;
     void RenderLoop() override;
 
     bool RegisterLight(FXLight* light) override;

@@ -139,6 +139,42 @@ TEST_F(Loop, ThatDoesNotEndIsEndedAndLeavesALockBehindThatWorks) {
     EXPECT_TRUE(env_.thread == nullptr && !env_.running && Locks());
 }
 
+// A device whose slots say that they were used, and whose loop may end at once.
+struct WatchedDevice : FXGL {
+    void StopLoop(double timeout) override {
+        calls += "stop " + std::to_string(static_cast<int>(timeout * 10)) + " ";
+        FXGL::StopLoop(timeout);
+    }
+    void Lock(bool on) override {
+        calls += on ? "lock " : "unlock ";
+        FXGL::Lock(on);
+    }
+    void RenderLoop() override {
+        if (++loops > 1)
+            FXGL::RenderLoop();
+    }
+
+    std::string calls;
+    std::atomic<int> loops = 0;
+};
+
+TEST_F(Loop, ThatEndedByItselfIsStartedAgain) {
+    WatchedDevice device;
+    ASSERT_TRUE(device.CreateChild(kFakeWindow));
+    ASSERT_TRUE(device.StartLoop(&target_));
+    ASSERT_TRUE(fxWaitThread(device.thread, 10));
+    EXPECT_TRUE(device.StartLoop(&target_));
+    EXPECT_TRUE(target_.WaitFor(1));
+    device.StopLoop(100000);
+    EXPECT_EQ(device.loops, 2);
+}
+
+TEST_F(Loop, IsStoppedAndLockedThroughItsSlots) {
+    WatchedDevice device;
+    device.Destroy();
+    EXPECT_EQ(device.calls, "stop 5 lock unlock ");
+}
+
 TEST_F(Loop, DoesNotStartWithoutAThread) {
     fxSetAllocLimit(1);
     EXPECT_FALSE(env_.StartLoop(&target_));
