@@ -147,7 +147,7 @@ void FXGL::PlaceWindow(int x, int y, int w, int h) {
 }
 
 void FXGL::Enlarge(bool on) {
-    const FXGRAutoAct act(this);
+    const FXGRAutoAct act(fxglobalEnv);
     if (on) {
         if (!enlarged) {
             GetWindowRect(glWindow, &savedRect);
@@ -188,8 +188,7 @@ void FXGL::EnableLights(bool on) {
 
 void FXGL::EnableLight(bool on, FXLight* light) {
     light->disabled = !on;
-    if (light->glLight != 0) // one that was never loaded has no number yet
-        localSwitch(on, static_cast<GLenum>(light->glLight));
+    localSwitch(on, static_cast<GLenum>(light->glLight));
 }
 
 void FXGL::DisableAllLights() {

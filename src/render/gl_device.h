@@ -22,12 +22,13 @@ public:
 
     void SetClrColor(const float* rgba) override;
     void Clrscr(bool color, bool depth, bool stencil) override;
-    // Takes the window out of its parent to cover the screen, and puts it back.
+    // Takes the window out of its parent to cover the screen, and puts it back. Locks the global environment
+    // and makes its context current meanwhile.
     void Enlarge(bool on) override;
 
     void UpdateLights() override; // positions are turned by the matrix in force
     void EnableLights(bool on) override;
-    void EnableLight(bool on, FXLight* light) override;
+    void EnableLight(bool on, FXLight* light) override; // by the number that UpdateLights gave it last
     void DisableAllLights() override;
     void SetAmbient(const float* rgba) override;
 
@@ -78,13 +79,18 @@ private:
 };
 
 // Locks an environment and makes its device current for as long as it lives: for code outside the loop.
+// Without an environment it does nothing.
 class FXGRAutoAct {
 public:
     explicit FXGRAutoAct(PEnv* env) : env_(env) {
+        if (env_ == nullptr)
+            return;
         env_->Lock(true);
         env_->SetAct(true);
     }
     ~FXGRAutoAct() {
+        if (env_ == nullptr)
+            return;
         env_->SetAct(false);
         env_->Lock(false);
     }

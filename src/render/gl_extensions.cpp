@@ -10,9 +10,14 @@ FXMultitexture fxMultitexture = {};
 
 namespace {
 
+// Null where the driver has no answer.
 const char* localGLString(GLenum name) {
-    const auto* text = reinterpret_cast<const char*>(glGetString(name));
-    return text != nullptr ? text : "";
+    return reinterpret_cast<const char*>(glGetString(name));
+}
+
+// What printf writes for a null string where it allows one.
+const char* localPrintable(const char* text) {
+    return text != nullptr ? text : "(null)";
 }
 
 template <class Function> void localFetch(Function*& function, const char* name) {
@@ -36,9 +41,9 @@ bool FXGL::TestExtensionString(const char* extensions, const char* name) {
 
 bool FXGL::InitExtensions() {
     trc("OpenGL info:\n");
-    trc("vendor: %s\n", localGLString(GL_VENDOR));
-    trc("renderer: %s\n", localGLString(GL_RENDERER));
-    trc("version: %s\n", localGLString(GL_VERSION));
+    trc("vendor: %s\n", localPrintable(localGLString(GL_VENDOR)));
+    trc("renderer: %s\n", localPrintable(localGLString(GL_RENDERER)));
+    trc("version: %s\n", localPrintable(localGLString(GL_VERSION)));
 
     const char* list = localGLString(GL_EXTENSIONS);
     const auto has = [list](const char* name) { return TestExtensionString(list, name); };

@@ -3,6 +3,8 @@
 #include "render/gl.h"
 #include "render/gl_device.h"
 
+#include <algorithm>
+
 namespace {
 
 // What is sent for a vertex is decided once for a mesh: each combination is a loop of its own.
@@ -60,6 +62,12 @@ void localApplyColorMode(int mode) {
     }
 }
 
+// Has the second mesh room for every vertex that the first one's triangles name? What it draws itself is its
+// own business.
+bool localHoldsCorners(const FXMesh* second, const FXMesh* mesh) {
+    return *std::max_element(mesh->indices, mesh->indices + mesh->indexCount) < second->vertexCapacity;
+}
+
 } // namespace
 
 void FXGL::RenderMesh(FXMesh* mesh) {
@@ -76,7 +84,7 @@ void FXGL::RenderMesh(FXMesh* mesh) {
         ApplyMaterial2(nullptr);
         localRawRender(this, mesh);
     } else if (hasMultitexture && fxMultitexture.glMultiTexCoord2fv != nullptr &&
-               second->vertexCount >= mesh->vertexCount) {
+               localHoldsCorners(second, mesh)) {
         ApplyMaterial2(second->material);
         localRawRender2(this, mesh, second);
     }

@@ -123,8 +123,12 @@ TEST_F(Device, KnowsWhatTheDriverOffers) {
             EXPECT_EQ(flag, std::ranges::count(c.found, name) > 0) << name;
         EXPECT_NE(gl_.rc, nullptr) << "in use, whatever is missing";
     }
-    GLRecorder::SetDriver({.vendor = nullptr, .renderer = nullptr, .version = nullptr});
-    EXPECT_TRUE(Create());
+    GLRecorder::SetDriver(
+        {.vendor = nullptr, .renderer = nullptr, .version = nullptr, .extensions = nullptr});
+    const TraceLines trace(folder);
+    EXPECT_FALSE(Create());
+    EXPECT_EQ(trace.Lines(), (std::vector<std::string>{"OpenGL info:", "vendor: (null)", "renderer: (null)",
+                                                       "version: (null)"}));
 }
 
 TEST_F(Device, FindsWholeExtensionNames) {
@@ -234,6 +238,9 @@ TEST_F(Device, LoadsTheLightsThatAreOn) {
         "glLightfv(GL_LIGHT2,GL_QUADRATIC_ATTENUATION,0.25) glEnable(GL_LIGHT2) glDisable(GL_LIGHT3) "
         "glDisable(GL_LIGHT4) glDisable(GL_LIGHT5) glDisable(GL_LIGHT6) glDisable(GL_LIGHT7)");
     EXPECT_EQ(off.glLight, 0) << "no number for one that is off";
+    gl_.EnableLight(true, &off);
+    EXPECT_EQ(GLRecorder::TakeText(), "glEnable(0x0)") << "switched all the same";
+    off.disabled = true;
     gl_.EnableLight(false, &on);
     EXPECT_TRUE(on.disabled);
     gl_.EnableLight(true, &on);
@@ -251,6 +258,9 @@ TEST_F(Device, LeavesItsParentForTheWholeScreenAndComesBack) {
     fakeWin32.parent = parent;
     fakeWin32.windowAreas = {{kFakeWindow, {110, 220, 262, 332}}, {parent, {100, 200, 500, 600}}};
     ASSERT_TRUE(Create());
+    gl_.Enlarge(false);
+    EXPECT_EQ(TakeFakeCalls(), Calls{}) << "there is no environment to lock yet";
+    fxSetEnv(&gl_);
     const auto step = [&](bool on, RECT client) {
         fakeWin32.clientArea = client;
         gl_.Enlarge(on);
@@ -266,6 +276,7 @@ TEST_F(Device, LeavesItsParentForTheWholeScreenAndComesBack) {
     EXPECT_EQ(step(true, {0, 0, 1280, 1024}), Calls{"SetWindowPos(0, 0, 1280, 1024, 0)"});
     EXPECT_EQ(step(false, {0, 0, 152, 112}), (Calls{"SetParent(0xab)", "SetWindowPos(10, 20, 152, 112, 0)"}));
     EXPECT_TRUE(gl_.width == 152 && gl_.height == 112);
+    fxSetEnv(nullptr);
 }
 
 } // namespace

@@ -201,6 +201,12 @@ TEST_F(MeshDrawing, WithoutMaterialUsesTheDefaultOne) {
 TEST_F(MeshDrawing, OfTwoLayersNeedsMultitexture) {
     mesh_.secondMesh = &layer_;
     EXPECT_EQ(Draws(), 1);
+    layer_.vertexCount = layer_.indexCount = 0;
+    EXPECT_EQ(Draws(), 1) << "what it draws itself does not matter";
+    layer_.vertexCapacity = *std::max_element(mesh_.indices, mesh_.indices + mesh_.indexCount);
+    EXPECT_EQ(Draws(), 0) << "a vertex that it has no room for";
+    ++layer_.vertexCapacity;
+    EXPECT_EQ(Draws(), 1);
     Create("");
     EXPECT_EQ(Draws(), 0);
     fakeWin32.glEntryPoints.erase("glMultiTexCoord2fv");
