@@ -98,8 +98,6 @@ FXMesh* FXModel::DoubleMesh(const char* newName, const char* srcName) {
     if (src == nullptr)
         return nullptr;
     FXMesh* target = FindMesh(newName);
-    if (target == src)
-        return target; // a copy of itself
     if (target != nullptr)
         RemoveMesh(target);
     else

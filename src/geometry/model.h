@@ -48,8 +48,9 @@ public:
     FXMesh* FindMesh(const char* meshName) const; // stops at the first mesh without a material
     void DisableMesh(int i, bool disable);
     void RemoveMesh(FXMesh* mesh); // from the model; it becomes the caller's
-    // Copies the mesh srcName under the material newName, replacing a mesh that has it. Null when there is no
-    // such mesh or material.
+    // Copies the mesh srcName under the material newName, replacing a mesh that has it; the copy is the last
+    // mesh. Null when there is no such mesh, and, with the mesh that had the name deleted, when there is no
+    // such material.
     FXMesh* DoubleMesh(const char* newName, const char* srcName);
     int GetTotalVertices() const;
 

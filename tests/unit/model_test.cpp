@@ -208,8 +208,18 @@ TEST_F(Model, DoublesAMeshUnderAnotherMaterial) {
     EXPECT_EQ(CornersOf(*twin), CornersOf(*model.meshes[0]));
     Drop(&model, 1);
     EXPECT_EQ(model.DoubleMesh("wood", "glass"), model.meshes[2]) << "replaces the first that has it";
-    EXPECT_EQ(model.DoubleMesh("glass", "glass"), model.meshes[0]);
+    const FXMesh* glass = model.FindMesh("glass");
+    const auto corners = CornersOf(*glass);
+    EXPECT_EQ(model.DoubleMesh("glass", "glass"), glass);
+    EXPECT_EQ(model.meshes[2], glass) << "the last one, like any copy";
+    EXPECT_EQ(CornersOf(*glass), corners);
     EXPECT_EQ(model.meshes.count, 3);
+    FXModel holder; // of the library that the meshes' materials are in
+    holder.ShareMatlib(model.matlib);
+    model.ShareMatlib(nullptr);
+    EXPECT_EQ(model.DoubleMesh("glass", "glass"), nullptr);
+    EXPECT_EQ(model.meshes.count, 2) << "gone, as nothing has its name";
+    model.Destroy();
 }
 
 TEST_F(Model, CopyHoldsAReferenceOfItsOwn) {
