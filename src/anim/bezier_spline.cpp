@@ -12,6 +12,17 @@ float localDistance(const float* a, const float* b) {
     return std::sqrt(x * x + y * y + z * z);
 }
 
+// From a to b.
+void localDelta(float* delta, const float* a, const float* b) {
+    for (int axis = 0; axis < 3; ++axis)
+        delta[axis] = b[axis] - a[axis];
+}
+
+void localAlong(float* out, const float* from, const float* delta, float t) {
+    for (int axis = 0; axis < 3; ++axis)
+        out[axis] = from[axis] + delta[axis] * t;
+}
+
 // e scaled to a length; a direction that is none stays none.
 void localScaleTo(float* e, float length) {
     const float now = std::sqrt(e[0] * e[0] + e[1] * e[1] + e[2] * e[2]);
@@ -47,8 +58,16 @@ void FXBezierSpline::Destroy() {
     beziers.clear();
     phases.DestroyBuf();
     actIndex = 0;
-    actKind_ = Kind::Point;
-    std::fill_n(actPoint_, 3, 0.0f);
+    ForgetSegment();
+}
+
+void FXBezierSpline::ForgetSegment() {
+    constant = onLine_ = false;
+    actKind = 0;
+    actQuadratic = nullptr;
+    actCubic = nullptr;
+    for (float* place : {actPoint, actDelta})
+        std::fill_n(place, 3, 0.0f);
 }
 
 void FXBezierSpline::Precompute() {
@@ -60,7 +79,10 @@ void FXBezierSpline::Precompute() {
 
 void FXBezierSpline::PrecomputeCtrlPoints() {
     const int n = GetCnt();
+    ForgetSegment();
     ctrlPoints.RemoveAll();
+    if (n == 2)
+        localDelta(lineDelta, PointAt(0), PointAt(1));
     if (n <= 2 || !ctrlPoints.Realloc(6 * n))
         return;
     ctrlPoints.count = 6 * n;
@@ -71,7 +93,7 @@ void FXBezierSpline::PrecomputeCtrlPoints() {
 
 void FXBezierSpline::PrecomputeBeziers() {
     const int n = GetCnt();
-    actKind_ = Kind::Point; // the active segment is gone
+    ForgetSegment();
     beziers.clear();
     if (n <= 2 || ctrlPoints.count < 6 * n)
         return;
@@ -94,21 +116,29 @@ void FXBezierSpline::PrecomputeBeziers() {
 }
 
 void FXBezierSpline::UseLine(const float* a, const float* b) {
-    actKind_ = std::equal(a, a + 3, b) ? Kind::Point : Kind::Line;
-    for (int axis = 0; axis < 3; ++axis) {
-        actPoint_[axis] = a[axis];
-        actDelta_[axis] = b[axis] - a[axis];
-    }
+    std::copy_n(a, 3, actPoint);
+    localDelta(actDelta, a, b);
+    onLine_ = true;
+    constant = std::equal(a, a + 3, b);
+}
+
+template <class Bezier>
+void FXBezierSpline::UseBezier(int kind, const Bezier* bezier, const Bezier** active) {
+    const float* first = std::begin(bezier->p)[0];
+    *active = bezier;
+    actKind = kind;
+    onLine_ = false;
+    std::copy_n(first, 3, actPoint);
+    constant = std::equal(first, first + 3, *std::rbegin(bezier->p));
 }
 
 void FXBezierSpline::SetActPoints(int a, int b) {
     const int n = GetCnt();
-    if (n == 2)
-        return UseLine(PointAt(0), PointAt(1));
-    if (n < 2) {
-        actKind_ = Kind::Point;
-        if (n == 1)
-            std::copy_n(PointAt(0), 3, actPoint_);
+    if (n < 2)
+        return ForgetSegment();
+    if (n == 2) {
+        UseLine(PointAt(0), PointAt(1));
+        actKind = 2;
         return;
     }
     a = a == -1 ? n - 1 : a;
@@ -116,24 +146,14 @@ void FXBezierSpline::SetActPoints(int a, int b) {
     if (a < 0 || a >= n || b < 0 || b >= n)
         return;
     actIndex = a;
-    if (linear || beziers.empty())
-        return UseLine(PointAt(a), PointAt(b));
-    const float* first = nullptr;
-    const float* last = nullptr;
-    if (!closed && (a == 0 || b == n - 1)) {
-        actQuadratic_ = a == 0 ? &startBezier : &endBezier;
-        actKind_ = Kind::Quadratic;
-        first = actQuadratic_->p[0];
-        last = actQuadratic_->p[2];
-    } else {
-        actCubic_ = &beziers[static_cast<std::size_t>(a)];
-        actKind_ = Kind::Cubic;
-        first = actCubic_->p[0];
-        last = actCubic_->p[3];
-    }
-    std::copy_n(first, 3, actPoint_);
-    if (std::equal(first, first + 3, last))
-        actKind_ = Kind::Point;
+    if (linear)
+        UseLine(PointAt(a), PointAt(b));
+    else if (beziers.empty()) // there was no memory for them
+        ForgetSegment();
+    else if (closed || (a != 0 && b != n - 1))
+        UseBezier(4, &beziers[static_cast<std::size_t>(a)], &actCubic);
+    else
+        UseBezier(3, a == 0 ? &startBezier : &endBezier, &actQuadratic);
 }
 
 void FXBezierSpline::Get(float* out, float t) const {
@@ -143,20 +163,18 @@ void FXBezierSpline::Get(float* out, float t) const {
 }
 
 void FXBezierSpline::GetH(float* out, const FXBezierPhaseH* h) const {
-    switch (actKind_) {
-    case Kind::Point:
-        std::copy_n(actPoint_, 3, out);
-        break;
-    case Kind::Line:
-        for (int axis = 0; axis < 3; ++axis)
-            out[axis] = actPoint_[axis] + actDelta_[axis] * h->t;
-        break;
-    case Kind::Quadratic:
-        actQuadratic_->GetH(out, h);
-        break;
-    case Kind::Cubic:
-        actCubic_->GetH(out, h);
-        break;
+    if (constant) {
+        std::copy_n(actPoint, 3, out);
+    } else if (linear && onLine_) {
+        localAlong(out, actPoint, actDelta, h->t);
+    } else if (actKind == 4) {
+        actCubic->GetH(out, h);
+    } else if (actKind == 3) {
+        actQuadratic->GetH(out, h);
+    } else if (points.count >= 3) {
+        localAlong(out, PointAt(0), lineDelta, actKind == 2 ? h->t : 0.0f);
+    } else {
+        std::fill_n(out, 3, 0.0f);
     }
 }
 

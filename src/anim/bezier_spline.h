@@ -19,7 +19,8 @@ public:
     // The segment that Get evaluates: the one that starts at point a; -1 stands for the last point, b tells
     // the last segment of an open curve apart. Beyond the points: nothing changes.
     void SetActPoints(int a, int b);
-    void Get(float* out, float t) const; // t in 0..1 along the segment
+    // t in 0..1 along the segment. Where none is aimed at: the first point, or the origin without points.
+    void Get(float* out, float t) const;
     void GetH(float* out, const FXBezierPhaseH* h) const;
 
     // The phase of each point on the whole curve: even steps, or by the length of the chords.
@@ -40,21 +41,26 @@ public:
     FXBezier3 endBezier;
     std::vector<FXBezier4> beziers; // from point i to i + 1, the last one back to the first
     FXFloatArray phases;
-    int actIndex = 0; // where the active segment starts
     float length = 0; // of all chords
     float avgSegment = 0;
 
+    // The active segment. SetActPoints chooses it; whatever makes the segments anew forgets it.
+    bool constant = false;   // all of it is the point actPoint
+    int actKind = 0;         // 0 none, 2 the line between two points, 3 quadratic, 4 cubic
+    int actIndex = 0;        // the point where it starts
+    float actPoint[3] = {};  // where it starts, as linear and constant need it
+    float actDelta[3] = {};  // where it ends, seen from there, as linear needs it
+    float lineDelta[3] = {}; // of a curve of two points: the second, seen from the first
+    const FXBezier3* actQuadratic = nullptr;
+    const FXBezier4* actCubic = nullptr;
+
 private:
-    enum class Kind { Point, Line, Quadratic, Cubic }; // what the active segment is
-
     const float* PointAt(int i) const { return &points.items[3 * i]; }
+    void ForgetSegment();
     void UseLine(const float* a, const float* b);
+    template <class Bezier> void UseBezier(int kind, const Bezier* bezier, const Bezier** active);
 
-    Kind actKind_ = Kind::Point;
-    float actPoint_[3] = {};
-    float actDelta_[3] = {};
-    const FXBezier3* actQuadratic_ = nullptr;
-    const FXBezier4* actCubic_ = nullptr;
+    bool onLine_ = false; // actPoint and actDelta are those of a line
 };
 
 // The two control points of a point between its neighbours: in (towards the previous), out (towards the

@@ -43,6 +43,8 @@ bool FXAnim::BuildSplines() {
                 normSplines.SetPoint(spline, f, mesh->vertices[v].normal);
             }
     }
+    for (FXSplineSet* splines : {&posSplines, &normSplines})
+        splines->SetActPoints(0, 1); // until something else is aimed at
     return true;
 }
 

@@ -24,6 +24,7 @@ void FXSplineSet::Destroy() {
     segments_.DestroyBuf();
     splines_ = count_ = lineFrom_ = lineTo_ = 0;
     kind_ = Kind::Line;
+    closed = linear = false;
 }
 
 void FXSplineSet::SetPoint(int spline, int point, const float* xyz) {
@@ -36,7 +37,7 @@ void FXSplineSet::SetActPoints(int a, int b) {
     const auto inside = [this](int i) { return i == -1 ? count_ - 1 : std::clamp(i, 0, count_ - 1); };
     a = count_ == 2 ? 0 : inside(a); // two points are a line whichever way it is aimed
     b = count_ == 2 ? 1 : inside(b);
-    if (count_ <= 2 || linear || a == b) {
+    if (count_ <= 2 || linear) {
         kind_ = Kind::Line;
         lineFrom_ = a;
         lineTo_ = b;

@@ -15,7 +15,8 @@ public:
     int GetCnt() const { return splines_; }
 
     void SetPoint(int spline, int point, const float* xyz);
-    // The active segment, as FXBezierSpline::SetActPoints. Beyond the points: the last one.
+    // The active segment, as FXBezierSpline::SetActPoints. Beyond the points: the last one. To be called once
+    // the points stand, and when one of the settings below has changed.
     void SetActPoints(int a, int b);
     // Splines first .. first + count - 1; their values go to out, out + stride, ... (in floats).
     void GetH(int first, int count, float* out, int stride, const FXBezierPhaseH* h) const;

@@ -118,6 +118,9 @@ TEST(Spline, OfFewPoints) {
                 ExpectNear(At(spline, 0.25f), c.atQuarter);
             }
             EXPECT_TRUE(std::isfinite(AtAll(&spline, 0.4f)[0]));
+            spline.PrecomputeCtrlPoints(); // aims at nothing
+            ExpectNear(At(spline, 0.25f), c.points.empty() ? Point{0, 0, 0} : c.points[0]);
+            EXPECT_EQ(spline.actKind, 0);
             spline.Destroy();
             ExpectNear(AtAll(&spline, 0.5f), {0, 0, 0});
         }

@@ -169,6 +169,38 @@ TEST_F(Morph, IsAimedByHand) {
     }
 }
 
+TEST_F(Morph, DrawsTheSegmentFromWhereItIsAimed) {
+    Make(&anim_, {1000, 1000, 1000, 1000});
+    First(1).pos[1] = First(3).pos[1] = 6; // no straight line
+    FXBezierSpline spline;
+    for (int f = 0; f < 4; ++f)
+        for (const float x : First(f).pos)
+            spline.points.Push(x);
+    anim_.frameTimes.RemoveAll(); // which else are aimed by
+    const auto expectAimed = [&](int a, int b) {
+        for (const float p : {0.25f, 1.0f}) {
+            float at[3];
+            spline.SetActPoints(a, b);
+            spline.Get(at, p);
+            anim_.SetActPhase(p);
+            for (int axis = 0; axis < 3; ++axis)
+                EXPECT_NEAR(anim_.imodel.meshes[0]->vertices[0].pos[axis], at[axis], 1e-5) << a << " " << b;
+        }
+    };
+    for (const bool closed : {true, false}) {
+        spline.closed = false;
+        spline.Precompute();
+        anim_.pingPong = !closed;
+        anim_.UpdateInterpolation(true, true);
+        expectAimed(0, 1);
+        spline.closed = closed;
+        for (int a = 0; a < 4; ++a) {
+            anim_.SetActFrames(a, a);
+            expectAimed(a, a);
+        }
+    }
+}
+
 TEST_F(Morph, ThatDoesNotAddUpEndsAllTheSame) {
     using Spoil = void (*)(FXAnim & a);
     const struct {
