@@ -46,8 +46,7 @@ void FXPhaser::EndRun(double time) {
     wrapped = true;
     // The next run begins where the last one ended, so that loops do not drift.
     const float late = static_cast<float>(time - start);
-    const double tooLate = duration == 0 ? 2.0 : 2 * duration;
-    start = late > tooLate ? time : start + duration;
+    start = late > 2 * duration ? time : start + duration;
 }
 
 float FXPhaser::Shaped(float p) const {
@@ -97,11 +96,11 @@ bool FXPhaser::Load(std::FILE* file) {
         return false;
     FXPackageData d;
     d.InitData(record, kRecord);
-    LoadC(&d);
+    LoadC(nullptr, &d);
     return true;
 }
 
-void FXPhaser::LoadC(FXPackageData* d) {
+void FXPhaser::LoadC(FXPackage*, FXPackageData* d) {
     phase = d->ReadFloat();
     duration = d->ReadDouble();
     for (bool* flag : {&running, &reverse, &loop, &pingPong, &smooth, &smoothHalf})

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+class FXPackage;
 class FXPackageData;
 class PEnv;
 
@@ -21,7 +22,7 @@ public:
     // The phaser record, 18 bytes: phase, duration and the first six flags below.
     bool Save(std::FILE* file) const;
     bool Load(std::FILE* file); // false, with nothing changed, when the file ends first
-    void LoadC(FXPackageData* d);
+    void LoadC(FXPackage* pck, FXPackageData* d);
 
     // Once, or over and over, of that length and without any shaping.
     void SetPlain(double seconds, bool looping);

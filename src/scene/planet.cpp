@@ -74,7 +74,6 @@ void FXPlanet::SetLayerFluid(bool fluidLayer) {
         fluid[curLayer] = fluidLayer ? 1 : 0;
 }
 
-// The phasers keep their durations and start over.
 void FXPlanet::Destroy() {
     for (FXModel* model : models)
         delete model;
@@ -83,9 +82,6 @@ void FXPlanet::Destroy() {
         settings->DestroyBuf();
     layerCount = 0;
     curLayer = -1;
-    for (auto* phasers : {&rot1, &rot2, &pulse})
-        for (FXPhaser& phaser : *phasers)
-            phaser.Restart(0);
 }
 
 void FXPlanet::Color(FXModel* model, const float* rgba) const {

@@ -30,7 +30,7 @@ public:
     void SetLayerScale(int axis, double seconds);
     void SetLayerTransp(int bit, double seconds); // kTransparencyPulse, or 0
     void SetLayerFluid(bool fluidLayer);          // drawn without writing depth
-    void Destroy();
+    void Destroy();                               // the phasers stay as they are
     // On top of the environment's matrix; leaves the last layer's matrix and depth writing in force.
     void OnRender(PEnv* env, double time) override;
 

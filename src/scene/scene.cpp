@@ -50,6 +50,9 @@ void localResetState(bool asPreview) {
     light = light1 = light2 = FXLight();
     for (FXPhaser* phaser : {&delay_phaser, &scr_phaser, &phase_sun_rot})
         *phaser = FXPhaser();
+    for (auto* phasers : {&planet.rot1, &planet.rot2, &planet.pulse})
+        for (FXPhaser& phaser : *phasers)
+            phaser.Restart(0);
 }
 
 void localChooseFolder() {
@@ -145,17 +148,15 @@ void localCreateShow(FXScrShot* shot) {
     demo.CreateCN(&pck, kCubeReflection, kCubeSkin);
 }
 
-} // namespace
-
-void BuildScene(HWND window, bool asPreview) {
+// Everything but the loop; the context stays current.
+void localBuild(HWND window, bool asPreview, FXScrShot* shot) {
     localResetState(asPreview);
     localChooseFolder();
     if (!isPreview)
         localOpenTrace();
     fxLoadDevil();
-    FXScrShot shot;
     if (!isPreview)
-        shot.Update(); // now, before anything of the saver is drawn
+        shot->Update(); // now, before anything of the saver is drawn
     gr.CreateChild(window);
     if (!isPreview && !gr.TestGL(false))
         hasError = true;
@@ -169,15 +170,24 @@ void BuildScene(HWND window, bool asPreview) {
         preview.Create(1, 1);
         preview.SetMaterial(&preview_mat);
     } else {
-        localCreateShow(&shot);
+        localCreateShow(shot);
     }
+}
+
+} // namespace
+
+void BuildScene(HWND window, bool asPreview) {
+    FXScrShot shot;
+    localBuild(window, asPreview, &shot);
     gr.SetAct(false);
 }
 
 void InitScene(HWND window, bool asPreview) {
-    BuildScene(window, asPreview);
+    FXScrShot shot; // lives until the loop has started
+    localBuild(window, asPreview, &shot);
     if (!isPreview)
         fxSetAppPriority(1);
+    gr.SetAct(false);
     gr.StartLoop(&sc);
 }
 
@@ -188,10 +198,14 @@ void DestroyScene() {
     planet.Destroy();
     scr_mat.Destroy();
     fire.Destroy();
-    for (const FlatPicture& flat : kFlatPictures) {
-        flat.material.Destroy();
-        flat.desk.Destroy();
-    }
+    desk0_mat.Destroy();
+    desk0.Destroy();
+    desk1_mat.Destroy();
+    desk1.Destroy();
+    desk2_mat.Destroy();
+    desk2.Destroy();
+    desk_lens.Destroy();
+    desk_lens_mat.Destroy();
     reopen.Destroy();
     scr_desk.Destroy();
     demo.Destroy();

@@ -17,10 +17,14 @@ void localDepth(bool on) {
     gr.EnableDepthWrite(on);
 }
 
-// Flat pictures: no depth, no lights, the whole screen.
-void localFlat() {
+void localUnlit() {
     localDepth(false);
     gr.EnableLights(false);
+}
+
+// Flat pictures: no depth, no lights, the whole screen.
+void localFlat() {
+    localUnlit();
     gr.ApplyMatrixIdentity();
 }
 
@@ -66,8 +70,7 @@ void localDrawSun(PEnv* env, double t) {
 }
 
 void localAdvanceFade(PEnv* env, double t) {
-    localDepth(false);
-    gr.EnableLights(false);
+    localUnlit();
     scr_phaser.OnRender(env, t);
 }
 
@@ -128,6 +131,7 @@ void localRebuild(PEnv* env, double t) {
 
 void localReturn(PEnv* env, double t) {
     localDrawMorph(env, t);
+    localUnlit(); // the fade does it again by itself
     localAdvanceFade(env, t);
     localDrawDesktop(env, t, scr_phaser.phase);
     if (scr_phaser.phase >= 1) {

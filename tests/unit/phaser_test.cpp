@@ -80,6 +80,11 @@ TEST(Phaser, IsShaped) {
             EXPECT_NEAR(phaser.phase, phase, 1e-6) << &c - kCases << " at " << time;
         }
     }
+    FXPhaser none; // without a length, it never waits for a run to be over
+    none.SetPlain(0, true);
+    none.Restart(10);
+    none.OnRender(nullptr, 10.5);
+    EXPECT_EQ(none.start, 10.5);
     FXPhaser back; // shaped first, then turned
     back.smooth = back.pingPong = true;
     back.OnRender(nullptr, 1.25);
@@ -107,7 +112,7 @@ TEST(Phaser, IsARecordOf18Bytes) {
         EXPECT_TRUE(loaded.Load(fxOpenFile(folder.Write("phaser", record).c_str(), "rb").get()));
         FXPackageData d;
         d.InitData(record.data(), 18);
-        fromPackage.LoadC(&d);
+        fromPackage.LoadC(nullptr, &d);
         EXPECT_FALSE(loaded.Load(fxOpenFile(folder.Write("phaser", record.substr(1)).c_str(), "rb").get()));
         EXPECT_TRUE(loaded.phase == 0.25f && fromPackage.duration == 12.5 && loaded.smooth == (flag == 16));
         for (const FXPhaser* phaser : {&loaded, &fromPackage}) {

@@ -122,8 +122,10 @@ TEST_F(Planet, SettersNeedALayerAndTheEleventhIsRefused) {
     Add(11);
     EXPECT_TRUE(planet_.layerCount == 10 && planet_.curLayer == 9 && planet_.models.count == 10);
     EXPECT_EQ(Draw(0).size(), 9u);
+    planet_.pulse[9].Restart(7);
     planet_.Destroy();
     EXPECT_TRUE(planet_.layerCount == 0 && planet_.curLayer == -1 && Draw(0).empty());
+    EXPECT_EQ(planet_.pulse[9].start, 7) << "goes on from there";
 }
 
 } // namespace

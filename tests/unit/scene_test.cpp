@@ -198,6 +198,32 @@ TEST_F(Show, GoesThroughItsCycle) {
     fxSetAllocLimit(0);
 }
 
+TEST_F(Show, SwitchesAsOftenAsEachStageSays) {
+    WritePackage();
+    Build();
+    const std::string unlit = "glDisable(GL_DEPTH_TEST) glDepthMask(GL_FALSE) glDisable(GL_LIGHTING) ";
+    for (const auto& [stage, times] : {std::pair<int, int>{show::kDissolving, 1},
+                                       {show::kBurning, 0},
+                                       {show::kPause, 0},
+                                       {show::kRebuilding, 0},
+                                       {show::kReturning, 2}}) {
+        show::stage = stage;
+        Frame(kStart + stage);
+        // What stands before the cycle ends with the label, what comes behind begins with the cube's lights.
+        std::string text;
+        for (const std::string& call : frame_)
+            text += call + " ";
+        std::size_t at = text.rfind("glLoadIdentity() glEnable(GL_LIGHTING)");
+        ASSERT_NE(at, std::string::npos);
+        text.resize(at);
+        text.erase(0, text.find("glDisable(GL_DEPTH_TEST) glDepthMask(GL_FALSE) glLoadIdentity()"));
+        int found = 0;
+        for (at = text.find(unlit); at != std::string::npos; at = text.find(unlit, at + 1))
+            ++found;
+        EXPECT_EQ(found, times) << stage;
+    }
+}
+
 TEST_F(Show, FirstFrameKeepsWhatIsOnTheScreen) {
     WritePackage();
     Build();
@@ -281,7 +307,14 @@ TEST_F(Show, IsTakenDownAndBuiltAgain) {
         Frame(kStart + 16);
         Frame(kStart + 17);
         EXPECT_TRUE(show::stage != show::kDissolving && !cube_.empty()) << "of which nothing is left";
+        std::string textures;
+        for (const FXMaterial* material :
+             {&show::scr_mat, &show::desk0_mat, &show::desk1_mat, &show::desk2_mat, &show::desk_lens_mat,
+              &show::demo.envMat, &show::demo.skinMat, &show::gad.labelMat, &show::err_gad.errMat})
+            textures += "glDeleteTextures(1," + std::to_string(material->texName) + ") ";
+        GLRecorder::Take();
         DestroyScene();
+        EXPECT_EQ(GLRecorder::TakeText() + " ", textures);
         EXPECT_EQ(GLRecorder::LiveTextures(), 0);
         EXPECT_FALSE(fxDevilLoaded());
         EXPECT_TRUE(show::gr.rc == nullptr && show::pck.ids.IsEmpty());
@@ -291,7 +324,17 @@ TEST_F(Show, IsTakenDownAndBuiltAgain) {
 TEST_F(Show, IsDrawnByALoopUntilItIsTakenDown) {
     WritePackage();
     fxSetTickSource(nullptr);
+    static bool loopRuns;
+    loopRuns = false;
+    fakeDesktop.atRelease = [] { loopRuns = show::gr.thread != nullptr; };
     InitScene(kFakeWindow, false);
+    EXPECT_TRUE(loopRuns) << "the photograph is given back after that";
+    fakeDesktop.atRelease = [] {};
+    Calls calls = TakeFakeCalls();
+    const auto raised = std::ranges::find(calls, "SetPriorityClass(0x100)");
+    EXPECT_EQ(std::count(raised, calls.end(), "wglMakeCurrent(off)"),
+              1 + std::count(raised, calls.end(), "SwapBuffers()"))
+        << "the context is current on the building thread until then";
     const auto frames = [] { return std::ranges::count(TakeFakeCalls(), "SwapBuffers()"); };
     std::ptrdiff_t drawn = 0;
     for (int i = 0; i < 1000 && drawn < 3; ++i) {
