@@ -21,27 +21,30 @@ bool localIsWindows95() {
     return GetVersionExA(&version) != FALSE && version.dwPlatformId == VER_PLATFORM_WIN32_WINDOWS;
 }
 
-bool localPasswordIsSet() {
-    HKEY key = nullptr;
-    if (RegOpenKeyA(HKEY_CURRENT_USER, "Control Panel\\Desktop", &key) != ERROR_SUCCESS)
-        return false;
+bool localPasswordIsSet(HKEY desktop) {
     DWORD value = 0;
     DWORD size = sizeof value;
-    const LSTATUS read = RegQueryValueExA(key, "ScreenSaveUsePassword", nullptr, nullptr,
+    const LSTATUS read = RegQueryValueExA(desktop, "ScreenSaveUsePassword", nullptr, nullptr,
                                           reinterpret_cast<BYTE*>(&value), &size);
-    RegCloseKey(key);
     return read == ERROR_SUCCESS && value != 0;
+}
+
+void localLoadVerification() {
+    hPwdLib = LoadLibraryA("PASSWORD.CPL");
+    if (hPwdLib != nullptr)
+        VerifyScreenSavePwd = localEntry<BOOL(WINAPI*)(HWND)>(hPwdLib, "VerifyScreenSavePwd");
 }
 
 } // namespace
 
 void LoadSaverPassword() {
     w95 = localIsWindows95() ? 1 : 0;
-    if (w95 == 0 || !localPasswordIsSet())
+    HKEY desktop = nullptr;
+    if (w95 == 0 || RegOpenKeyA(HKEY_CURRENT_USER, "Control Panel\\Desktop", &desktop) != ERROR_SUCCESS)
         return;
-    hPwdLib = LoadLibraryA("PASSWORD.CPL");
-    if (hPwdLib != nullptr)
-        VerifyScreenSavePwd = localEntry<BOOL(WINAPI*)(HWND)>(hPwdLib, "VerifyScreenSavePwd");
+    if (localPasswordIsSet(desktop))
+        localLoadVerification();
+    RegCloseKey(desktop);
 }
 
 void FreeSaverPassword() {

@@ -307,7 +307,10 @@ TEST_F(Host, OnTheWindows95FamilyTheSaverIsAnnouncedAndThePasswordModuleLoaded) 
     fakeWin32.registry[value] = set;
     Run("/s");
     Calls calls = TakeFakeCalls();
-    EXPECT_TRUE(Called(calls, "LoadLibraryA(PASSWORD.CPL)"));
+    const auto load = std::find(calls.begin(), calls.end(), "LoadLibraryA(PASSWORD.CPL)");
+    ASSERT_NE(load, calls.end());
+    EXPECT_EQ(std::count(calls.begin(), load, "RegCloseKey()"), 0) << "the key is open until then";
+    EXPECT_EQ(std::count(load, calls.end(), "RegCloseKey()"), 1);
     EXPECT_TRUE(Called(calls, "SystemParametersInfoA(97, 1)"));
     EXPECT_TRUE(Called(calls, "SystemParametersInfoA(97, 0)"));
     EXPECT_EQ(calls.back(), "FreeLibrary(module)");
