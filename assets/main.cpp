@@ -14,12 +14,12 @@ namespace {
 // Writes one file; empty when well, else what went wrong.
 using Maker = std::string (*)(const std::string& file);
 
-template <Raster (*Draw)()> std::string Picture(const std::string& file) {
+template <Raster (*Draw)()> std::string localPicture(const std::string& file) {
     return Draw().WritePng(file);
 }
 
 // As a photograph: what is all detail shows no trace of the packing at this quality.
-template <Raster (*Draw)()> std::string Photograph(const std::string& file) {
+template <Raster (*Draw)()> std::string localPhotograph(const std::string& file) {
     return Draw().WriteJpeg(file, 92);
 }
 
@@ -29,36 +29,36 @@ struct Output {
 };
 
 constexpr Output kOutputs[] = {
-    {"00-error.png", Picture<DrawErrorNotice>},
-    {"01-preview.png", Picture<DrawPreview>},
+    {"00-error.png", localPicture<DrawErrorNotice>},
+    {"01-preview.png", localPicture<DrawPreview>},
     {"04-medallion.om", WriteMedallion},
-    {"05-label.png", Picture<DrawLabel>},
+    {"05-label.png", localPicture<DrawLabel>},
     {"11-sun-core.om", WriteSunCore},
     {"13-shell-1.om", WriteSunShell1},
     {"15-shell-2.om", WriteSunShell2},
     {"17-shell-3.om", WriteSunShell3},
-    {"18-space.png", Picture<DrawSpace>},
-    {"19-halo.png", Picture<DrawHalo>},
-    {"20-rays.png", Picture<DrawRays>},
-    {"21-lens.png", Picture<DrawLens>},
-    {"30-sun-core.jpg", Photograph<DrawSunCore>},
-    {"31-plasma-a.png", Picture<DrawPlasmaA>},
-    {"32-plasma-b.png", Picture<DrawPlasmaB>},
-    {"33-plasma-c.png", Picture<DrawPlasmaC>},
-    {"34-gold.jpg", Photograph<DrawGold>},
-    {"35-emblem.jpg", Photograph<DrawEmblem>},
-    {"36-ember.png", Picture<DrawEmber>},
+    {"18-space.png", localPicture<DrawSpace>},
+    {"19-halo.png", localPicture<DrawHalo>},
+    {"20-rays.png", localPicture<DrawRays>},
+    {"21-lens.png", localPicture<DrawLens>},
+    {"30-sun-core.jpg", localPhotograph<DrawSunCore>},
+    {"31-plasma-a.png", localPicture<DrawPlasmaA>},
+    {"32-plasma-b.png", localPicture<DrawPlasmaB>},
+    {"33-plasma-c.png", localPicture<DrawPlasmaC>},
+    {"34-gold.jpg", localPhotograph<DrawGold>},
+    {"35-emblem.jpg", localPhotograph<DrawEmblem>},
+    {"36-ember.png", localPicture<DrawEmber>},
     {"40-sun.lib", WriteSunLibrary},
     {"41-medallion.lib", WriteMedallionLibrary},
     {"42-morph.lib", WriteMorphLibrary},
     {"72-morph.oa", WriteMorph},
-    {"73-studio.jpg", Photograph<DrawStudio>},
-    {"74-skin.png", Picture<DrawSkin>},
-    {"desktop.png", Picture<DrawDesktop>},
+    {"73-studio.jpg", localPhotograph<DrawStudio>},
+    {"74-skin.png", localPicture<DrawSkin>},
+    {"desktop.png", localPicture<DrawDesktop>},
     {"tamb.ico", WriteIcons},
 };
 
-int Usage() {
+int localUsage() {
     std::fputs("usage: tamb-make-show OUTFOLDER [--only NAME]\n"
                "Makes the show's pictures and models in OUTFOLDER, which is made when it is missing.\n"
                "--only NAME   makes that file alone, for instance 18-space.png\n",
@@ -66,7 +66,7 @@ int Usage() {
     return 1;
 }
 
-int MakeAll(const std::filesystem::path& folder, std::string_view only) {
+int localMakeAll(const std::filesystem::path& folder, std::string_view only) {
     std::error_code problem;
     std::filesystem::create_directories(folder, problem);
     if (problem) {
@@ -106,11 +106,11 @@ int main(int argc, char** argv) {
         else if (!argument.empty() && argument.front() != '-' && folder == nullptr)
             folder = argv[i];
         else
-            return Usage();
+            return localUsage();
     }
     if (folder == nullptr)
-        return Usage();
-    const int result = MakeAll(folder, only);
+        return localUsage();
+    const int result = localMakeAll(folder, only);
     ReleaseFonts();
     return result;
 }

@@ -11,16 +11,16 @@ constexpr float kLacunarity = 2.03f;
 // Each octave looks at another place of the lattice: its zeros would otherwise meet at the origin.
 constexpr Vec3 kOctaveShift = {17.31f, 9.73f, 5.17f};
 
-int Floor(float v) {
+int localFloor(float v) {
     const int whole = static_cast<int>(v);
     return v < static_cast<float>(whole) ? whole - 1 : whole;
 }
 
-float Fade(float t) {
+float localFade(float t) {
     return t * t * t * (t * (t * 6 - 15) + 10);
 }
 
-float Lerp(float a, float b, float t) {
+float localLerp(float a, float b, float t) {
     return a + (b - a) * t;
 }
 
@@ -38,7 +38,7 @@ constexpr std::uint32_t kPrimeY = 19349663u;
 constexpr std::uint32_t kPrimeZ = 83492791u;
 constexpr std::uint32_t kPrimeSeed = 0x9E3779B9u;
 
-constexpr std::uint32_t Mixed(std::uint32_t h) {
+constexpr std::uint32_t localMixed(std::uint32_t h) {
     h = (h ^ (h >> 16)) * 0x85EBCA6Bu;
     h = (h ^ (h >> 13)) * 0xC2B2AE35u;
     return h ^ (h >> 16);
@@ -47,7 +47,7 @@ constexpr std::uint32_t Mixed(std::uint32_t h) {
 } // namespace
 
 std::uint32_t Hash(std::uint32_t x, std::uint32_t y, std::uint32_t z, std::uint32_t seed) {
-    return Mixed((x * kPrimeX) ^ (y * kPrimeY) ^ (z * kPrimeZ) ^ (seed * kPrimeSeed));
+    return localMixed((x * kPrimeX) ^ (y * kPrimeY) ^ (z * kPrimeZ) ^ (seed * kPrimeSeed));
 }
 
 float HashUnit(std::uint32_t x, std::uint32_t y, std::uint32_t z, std::uint32_t seed) {
@@ -56,29 +56,30 @@ float HashUnit(std::uint32_t x, std::uint32_t y, std::uint32_t z, std::uint32_t 
 
 // K. Perlin, "Improving noise" (2002), with a hash in place of the permutation table.
 float GradientNoise(Vec3 p, std::uint32_t seed) {
-    const int ix = Floor(p.x);
-    const int iy = Floor(p.y);
-    const int iz = Floor(p.z);
+    const int ix = localFloor(p.x);
+    const int iy = localFloor(p.y);
+    const int iz = localFloor(p.z);
     const float x = p.x - static_cast<float>(ix);
     const float y = p.y - static_cast<float>(iy);
     const float z = p.z - static_cast<float>(iz);
-    const float u = Fade(x);
-    const float v = Fade(y);
+    const float u = localFade(x);
+    const float v = localFade(y);
 
     const std::uint32_t hx = static_cast<std::uint32_t>(ix) * kPrimeX;
     const std::uint32_t hy = static_cast<std::uint32_t>(iy) * kPrimeY;
     const std::uint32_t hz = static_cast<std::uint32_t>(iz) * kPrimeZ ^ seed * kPrimeSeed;
     const std::uint32_t hz1 = (static_cast<std::uint32_t>(iz) + 1) * kPrimeZ ^ seed * kPrimeSeed;
     const auto at = [](std::uint32_t hash, float dx, float dy, float dz) {
-        return Dot(kSlopes[Mixed(hash) >> 28], {dx, dy, dz});
+        return Dot(kSlopes[localMixed(hash) >> 28], {dx, dy, dz});
     };
     const auto plane = [&](std::uint32_t h, float dz) {
         const std::uint32_t hx1 = hx + kPrimeX;
         const std::uint32_t hy1 = hy + kPrimeY;
-        return Lerp(Lerp(at(hx ^ hy ^ h, x, y, dz), at(hx1 ^ hy ^ h, x - 1, y, dz), u),
-                    Lerp(at(hx ^ hy1 ^ h, x, y - 1, dz), at(hx1 ^ hy1 ^ h, x - 1, y - 1, dz), u), v);
+        return localLerp(localLerp(at(hx ^ hy ^ h, x, y, dz), at(hx1 ^ hy ^ h, x - 1, y, dz), u),
+                         localLerp(at(hx ^ hy1 ^ h, x, y - 1, dz), at(hx1 ^ hy1 ^ h, x - 1, y - 1, dz), u),
+                         v);
     };
-    return Lerp(plane(hz, z), plane(hz1, z - 1), Fade(z));
+    return localLerp(plane(hz, z), plane(hz1, z - 1), localFade(z));
 }
 
 float Fbm(Vec3 p, int octaves, std::uint32_t seed) {
@@ -118,9 +119,9 @@ Vec3 Warped(Vec3 p, float frequency, float step, int octaves, std::uint32_t seed
 
 // S. Worley, "A cellular texture basis function" (1996), one point per cube.
 Cell CellNoise(Vec3 p, std::uint32_t seed) {
-    const int ix = Floor(p.x);
-    const int iy = Floor(p.y);
-    const int iz = Floor(p.z);
+    const int ix = localFloor(p.x);
+    const int iy = localFloor(p.y);
+    const int iz = localFloor(p.z);
     float nearest = 8;
     float second = 8;
     std::uint32_t id = 0;

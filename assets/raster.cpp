@@ -15,13 +15,13 @@
 
 namespace {
 
-Rgba Mixed(const Rgba& a, const Rgba& b, float t) {
+Rgba localMixed(const Rgba& a, const Rgba& b, float t) {
     return {a.colour * (1 - t) + b.colour * t, a.alpha * (1 - t) + b.alpha * t};
 }
 
 // Ordered dithering after Bayer, in squares of 8 pixels, apart for each channel. It hides bands as well as
 // noise does, and packs better.
-unsigned char Dithered(float value, int x, int y, unsigned channel) {
+unsigned char localDithered(float value, int x, int y, unsigned channel) {
     const unsigned column = static_cast<unsigned>(x) + 3 * channel;
     const unsigned row = static_cast<unsigned>(y) + 5 * channel;
     unsigned rank = 0;
@@ -35,7 +35,7 @@ unsigned char Dithered(float value, int x, int y, unsigned channel) {
 }
 
 // Rows of RGBA on their way through libpng, which reports an error by jumping back here.
-bool WriteRows(std::FILE* file, const unsigned char* rgba, int width, int height, bool withAlpha) {
+bool localWriteRows(std::FILE* file, const unsigned char* rgba, int width, int height, bool withAlpha) {
     png_structp png = png_create_write_struct(
         PNG_LIBPNG_VER_STRING, nullptr, [](png_structp p, png_const_charp) { png_longjmp(p, 1); },
         [](png_structp, png_const_charp) {});
@@ -66,7 +66,7 @@ struct JpegTrouble {
 };
 
 // The same through libjpeg, which reports an error in the same way. Colours keep their full resolution.
-bool WriteJpegRows(std::FILE* file, const unsigned char* rgba, int width, int height, int quality) {
+bool localWriteJpegRows(std::FILE* file, const unsigned char* rgba, int width, int height, int quality) {
     jpeg_compress_struct jpeg;
     JpegTrouble trouble;
     jpeg.err = jpeg_std_error(&trouble.manager);
@@ -100,7 +100,7 @@ bool WriteJpegRows(std::FILE* file, const unsigned char* rgba, int width, int he
 
 // Opens the file, lets `write` fill it, and sees that all of it got there; empty when well, else what went
 // wrong.
-std::string WriteFile(const std::string& file, const std::function<bool(std::FILE*)>& write) {
+std::string localWriteFile(const std::string& file, const std::function<bool(std::FILE*)>& write) {
     errno = 0;
     std::FILE* out = std::fopen(file.c_str(), "wb");
     bool well = out != nullptr && write(out);
@@ -130,7 +130,7 @@ Rgba Raster::Sample(float x, float y) const {
     const int y1 = std::min(y0 + 1, height_ - 1);
     const float tx = fx - static_cast<float>(x0);
     const float ty = fy - static_cast<float>(y0);
-    return Mixed(Mixed(At(x0, y0), At(x1, y0), tx), Mixed(At(x0, y1), At(x1, y1), tx), ty);
+    return localMixed(localMixed(At(x0, y0), At(x1, y0), tx), localMixed(At(x0, y1), At(x1, y1), tx), ty);
 }
 
 Raster Raster::Shrunk(int width, int height) const {
@@ -162,10 +162,10 @@ std::vector<unsigned char> Raster::Bytes() const {
     for (int y = 0; y < height_; ++y) {
         for (int x = 0; x < width_; ++x) {
             const Rgba& pixel = At(x, y);
-            bytes.push_back(Dithered(pixel.colour.r, x, y, 0));
-            bytes.push_back(Dithered(pixel.colour.g, x, y, 1));
-            bytes.push_back(Dithered(pixel.colour.b, x, y, 2));
-            bytes.push_back(Dithered(pixel.alpha, x, y, 3));
+            bytes.push_back(localDithered(pixel.colour.r, x, y, 0));
+            bytes.push_back(localDithered(pixel.colour.g, x, y, 1));
+            bytes.push_back(localDithered(pixel.colour.b, x, y, 2));
+            bytes.push_back(localDithered(pixel.alpha, x, y, 3));
         }
     }
     return bytes;
@@ -175,14 +175,15 @@ std::string Raster::WritePng(const std::string& file) const {
     const bool opaque =
         std::all_of(pixels_.begin(), pixels_.end(), [](const Rgba& p) { return p.alpha >= 1; });
     const std::vector<unsigned char> bytes = Bytes();
-    return WriteFile(file,
-                     [&](std::FILE* out) { return WriteRows(out, bytes.data(), width_, height_, !opaque); });
+    return localWriteFile(
+        file, [&](std::FILE* out) { return localWriteRows(out, bytes.data(), width_, height_, !opaque); });
 }
 
 std::string Raster::WriteJpeg(const std::string& file, int quality) const {
     const std::vector<unsigned char> bytes = Bytes();
-    return WriteFile(
-        file, [&](std::FILE* out) { return WriteJpegRows(out, bytes.data(), width_, height_, quality); });
+    return localWriteFile(file, [&](std::FILE* out) {
+        return localWriteJpegRows(out, bytes.data(), width_, height_, quality);
+    });
 }
 
 void ForEachRow(int rows, const std::function<void(int)>& work) {

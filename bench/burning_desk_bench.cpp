@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kDirections = 1024;
 
-void CopyOfItsVertices(benchmark::State& state) {
+void localCopyOfItsVertices(benchmark::State& state) {
     FXFireDesk fire;
     fire.Create(kDirections);
     const FXMesh& mesh = fire.desk.mesh;
@@ -22,9 +22,9 @@ void CopyOfItsVertices(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
 }
-BENCHMARK(CopyOfItsVertices);
+BENCHMARK(localCopyOfItsVertices);
 
-void PositionUpdate(benchmark::State& state) {
+void localPositionUpdate(benchmark::State& state) {
     FXFireDesk fire;
     fire.Create(kDirections);
     double time = 1000;
@@ -34,9 +34,9 @@ void PositionUpdate(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
 }
-BENCHMARK(PositionUpdate);
+BENCHMARK(localPositionUpdate);
 
-void BurningFrame(benchmark::State& state) {
+void localBurningFrame(benchmark::State& state) {
     GLRecorder::SetNullMode(true);
     FXGL device;
     FXFireDesk fire;
@@ -48,6 +48,6 @@ void BurningFrame(benchmark::State& state) {
     }
     GLRecorder::SetNullMode(false);
 }
-BENCHMARK(BurningFrame);
+BENCHMARK(localBurningFrame);
 
 } // namespace

@@ -10,7 +10,7 @@
 
 namespace {
 
-void BuildOnce() {
+void localBuildOnce() {
     static const bool built = [] {
         GLRecorder::SetNullMode(true);
         show::logsFile = "";
@@ -21,14 +21,14 @@ void BuildOnce() {
     static_cast<void>(built);
 }
 
-void OwnWorkInAFrame(benchmark::State& state) {
-    BuildOnce();
+void localOwnWorkInAFrame(benchmark::State& state) {
+    localBuildOnce();
     double time = EnterStage(static_cast<int>(state.range(0)));
     for (auto _ : state)
         show::sc.OnRender(&show::gr, time += kBenchStep);
     if (show::stage != state.range(0))
         state.SkipWithError("the stage ended");
 }
-BENCHMARK(OwnWorkInAFrame)->ArgName("stage")->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
+BENCHMARK(localOwnWorkInAFrame)->ArgName("stage")->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -11,7 +11,7 @@
 namespace {
 
 // A sheet of squares with about that many indices; neighbours share their corners.
-void MakeSheet(FXMesh* mesh, int indices, bool onePosition) {
+void localMakeSheet(FXMesh* mesh, int indices, bool onePosition) {
     const int side = static_cast<int>(std::sqrt(indices / 6.0));
     mesh->Realloc((side + 1) * (side + 1), side * side * 6);
     for (int v = 0; v < mesh->vertexCount; ++v) {
@@ -36,9 +36,9 @@ void MakeSheet(FXMesh* mesh, int indices, bool onePosition) {
         }
 }
 
-void Unpack(benchmark::State& state, bool onePosition) {
+void localUnpack(benchmark::State& state, bool onePosition) {
     FXMesh sheet;
-    MakeSheet(&sheet, static_cast<int>(state.range(0)), onePosition);
+    localMakeSheet(&sheet, static_cast<int>(state.range(0)), onePosition);
     FXVectorMap map;
     FXNumPool pool(800000);
     sheet.ToVMap(&map, &pool, nullptr, 0, nullptr);
@@ -52,13 +52,13 @@ void Unpack(benchmark::State& state, bool onePosition) {
     state.SetItemsProcessed(state.iterations() * sheet.indexCount);
 }
 
-void UnpackSheet(benchmark::State& state) {
-    Unpack(state, false);
+void localUnpackSheet(benchmark::State& state) {
+    localUnpack(state, false);
 }
-void UnpackOnePosition(benchmark::State& state) {
-    Unpack(state, true);
+void localUnpackOnePosition(benchmark::State& state) {
+    localUnpack(state, true);
 }
-BENCHMARK(UnpackSheet)->RangeMultiplier(10)->Range(10000, 10000000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(UnpackOnePosition)->RangeMultiplier(10)->Range(10000, 10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(localUnpackSheet)->RangeMultiplier(10)->Range(10000, 10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(localUnpackOnePosition)->RangeMultiplier(10)->Range(10000, 10000000)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -13,7 +13,7 @@ namespace {
 constexpr int kFrames = 5;
 
 // Key frames of one mesh with moving vertices, prepared as the scene prepares them.
-void Prepare(FXAnim& animation, int vertices, bool linear) {
+void localPrepare(FXAnim& animation, int vertices, bool linear) {
     for (int f = 0; f < kFrames; ++f) {
         auto* model = new FXModel;
         auto* mesh = new FXMesh;
@@ -41,9 +41,9 @@ void Prepare(FXAnim& animation, int vertices, bool linear) {
     animation.UpdateIFrame();
 }
 
-void CopyOfTheVertices(benchmark::State& state) {
+void localCopyOfTheVertices(benchmark::State& state) {
     FXAnim animation;
-    Prepare(animation, static_cast<int>(state.range(0)), true);
+    localPrepare(animation, static_cast<int>(state.range(0)), true);
     const FXMesh& mesh = *animation.imodel.EnumMeshes(0);
     std::vector<tagFXVertex> copy(static_cast<std::size_t>(mesh.vertexCount));
     for (auto _ : state) {
@@ -54,9 +54,9 @@ void CopyOfTheVertices(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void Morph(benchmark::State& state, bool linear) {
+void localMorph(benchmark::State& state, bool linear) {
     FXAnim animation;
-    Prepare(animation, static_cast<int>(state.range(0)), linear);
+    localPrepare(animation, static_cast<int>(state.range(0)), linear);
     double time = 1000;
     for (auto _ : state) {
         animation.UpdateIPos(time += 0.01);
@@ -65,14 +65,14 @@ void Morph(benchmark::State& state, bool linear) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void MorphLinear(benchmark::State& state) {
-    Morph(state, true);
+void localMorphLinear(benchmark::State& state) {
+    localMorph(state, true);
 }
-void MorphSpline(benchmark::State& state) {
-    Morph(state, false);
+void localMorphSpline(benchmark::State& state) {
+    localMorph(state, false);
 }
-BENCHMARK(CopyOfTheVertices)->Arg(10000)->Arg(100000)->Arg(1000000);
-BENCHMARK(MorphLinear)->Arg(10000)->Arg(100000)->Arg(1000000);
-BENCHMARK(MorphSpline)->Arg(10000)->Arg(100000)->Arg(1000000);
+BENCHMARK(localCopyOfTheVertices)->Arg(10000)->Arg(100000)->Arg(1000000);
+BENCHMARK(localMorphLinear)->Arg(10000)->Arg(100000)->Arg(1000000);
+BENCHMARK(localMorphSpline)->Arg(10000)->Arg(100000)->Arg(1000000);
 
 } // namespace

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // A package of about the given size, with a hundred entries of bytes that do not repeat.
-std::string MakePackage(int megabytes, int flags) {
+std::string localMakePackage(int megabytes, int flags) {
     const fs::path folder = fs::temp_directory_path();
     const fs::path part = folder / "tamblor-bench-entry";
     std::string bytes(static_cast<std::size_t>(megabytes) * 10486, '\0');
@@ -33,8 +33,8 @@ std::string MakePackage(int megabytes, int flags) {
     return file;
 }
 
-void Measured(benchmark::State& state, int flags, bool load) {
-    const std::string file = MakePackage(static_cast<int>(state.range(0)), flags);
+void localMeasured(benchmark::State& state, int flags, bool load) {
+    const std::string file = localMakePackage(static_cast<int>(state.range(0)), flags);
     const std::size_t size = fs::file_size(file);
     for (auto _ : state) {
         if (load) {
@@ -52,17 +52,17 @@ void Measured(benchmark::State& state, int flags, bool load) {
     fs::remove(file);
 }
 
-void PlainRead(benchmark::State& state) {
-    Measured(state, 0, false);
+void localPlainRead(benchmark::State& state) {
+    localMeasured(state, 0, false);
 }
-void LoadPlainPackage(benchmark::State& state) {
-    Measured(state, 0, true);
+void localLoadPlainPackage(benchmark::State& state) {
+    localMeasured(state, 0, true);
 }
-void LoadScrambledPackage(benchmark::State& state) {
-    Measured(state, 1, true);
+void localLoadScrambledPackage(benchmark::State& state) {
+    localMeasured(state, 1, true);
 }
-BENCHMARK(PlainRead)->Arg(4)->Arg(24);
-BENCHMARK(LoadPlainPackage)->Arg(4)->Arg(24);
-BENCHMARK(LoadScrambledPackage)->Arg(4)->Arg(24);
+BENCHMARK(localPlainRead)->Arg(4)->Arg(24);
+BENCHMARK(localLoadPlainPackage)->Arg(4)->Arg(24);
+BENCHMARK(localLoadScrambledPackage)->Arg(4)->Arg(24);
 
 } // namespace

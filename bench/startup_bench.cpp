@@ -17,12 +17,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-double SecondsSince(Clock::time_point start) {
+double localSecondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 // Seconds since this process was started, loading of its libraries included.
-double SinceProcessStart() {
+double localSinceProcessStart() {
     std::ifstream stat("/proc/self/stat");
     std::string field;
     for (int i = 0; i < 22; ++i)
@@ -34,7 +34,7 @@ double SinceProcessStart() {
            std::stod(field) / ticks;
 }
 
-double ResidentMegabytes() {
+double localResidentMegabytes() {
     std::ifstream statm("/proc/self/statm");
     double pages = 0;
     statm >> pages >> pages;
@@ -55,7 +55,7 @@ Step upload{"textures uploaded"};
 class Timed {
 public:
     explicit Timed(Step* step) : step_(step), start_(Clock::now()) {}
-    ~Timed() { step_->seconds += SecondsSince(start_); }
+    ~Timed() { step_->seconds += localSecondsSince(start_); }
     Timed(const Timed&) = delete;
     Timed& operator=(const Timed&) = delete;
 
@@ -120,11 +120,11 @@ namespace {
 
 double building = 0;
 
-LRESULT CALLBACK Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CALLBACK localProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_CREATE) {
         const auto start = Clock::now();
         BuildScene(window, false);
-        building = SecondsSince(start);
+        building = localSecondsSince(start);
         return 0;
     }
     if (message == WM_DESTROY) {
@@ -134,7 +134,7 @@ LRESULT CALLBACK Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     return DefWindowProcA(window, message, wParam, lParam);
 }
 
-void Print(const char* what, double seconds, double total) {
+void localPrint(const char* what, double seconds, double total) {
     std::printf("  %-32s %8.1f ms  %5.1f %%\n", what, seconds * 1000, seconds / total * 100);
 }
 
@@ -142,12 +142,12 @@ void Print(const char* what, double seconds, double total) {
 
 // The words are the folder of the package; without one, the built show's.
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, char* words, int) {
-    const double starting = SinceProcessStart();
+    const double starting = localSinceProcessStart();
     show::logsFile = "";
     std::snprintf(orinPath, sizeof orinPath, "%s",
                   words != nullptr && *words != '\0' ? words : TAMBLOR_DATA_DIR);
     WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = Proc;
+    windowClass.lpfnWndProc = localProc;
     windowClass.lpszClassName = "startup";
     RegisterClassA(&windowClass);
     const auto start = Clock::now();
@@ -156,26 +156,26 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, char* words, int) {
                                   nullptr, instance, nullptr);
     if (window == nullptr)
         return 1;
-    const double creating = SecondsSince(start);
+    const double creating = localSecondsSince(start);
     const auto frameStart = Clock::now();
     show::gr.SetAct(true);
     show::sc.OnRender(&show::gr, 1000);
     glFinish();
-    const double drawing = SecondsSince(frameStart);
+    const double drawing = localSecondsSince(frameStart);
     show::gr.SetAct(false);
 
     const double total = starting + creating + drawing;
     double known = 0;
     std::printf("first frame after %.1f ms at %d x %d, %.0f MB resident\n", total * 1000, show::gr.width,
-                show::gr.height, ResidentMegabytes());
-    Print("process and libraries", starting, total);
-    Print("window", creating - building, total);
+                show::gr.height, localResidentMegabytes());
+    localPrint("process and libraries", starting, total);
+    localPrint("window", creating - building, total);
     for (const Step& step : {codec, capture, context, package, decoding, upload}) {
-        Print(step.name, step.seconds, total);
+        localPrint(step.name, step.seconds, total);
         known += step.seconds;
     }
-    Print("our own building", building - known, total);
-    Print("first frame drawn", drawing, total);
+    localPrint("our own building", building - known, total);
+    localPrint("first frame drawn", drawing, total);
     std::fflush(stdout);
     DestroyWindow(window);
     return 0;

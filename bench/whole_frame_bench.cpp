@@ -13,7 +13,7 @@ namespace {
 
 ShowDriver driver;
 
-void WholeFrame(benchmark::State& state) {
+void localWholeFrame(benchmark::State& state) {
     show::gr.SetAct(true);
     double time = EnterStage(static_cast<int>(state.range(0)));
     glFinish();
@@ -25,7 +25,7 @@ void WholeFrame(benchmark::State& state) {
         state.SkipWithError("the stage ended");
     show::gr.SetAct(false);
 }
-BENCHMARK(WholeFrame)->ArgName("stage")->DenseRange(0, 4)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(localWholeFrame)->ArgName("stage")->DenseRange(0, 4)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 } // namespace
 

@@ -46,7 +46,7 @@ constexpr Step kRim[] = {
 struct Direction {
     float x, y;
 };
-Direction DirectionOf(int sector) {
+Direction localDirectionOf(int sector) {
     const float turn = 2 * kPi * static_cast<float>(sector % kSectors) / static_cast<float>(kSectors);
     return {std::cos(turn), std::sin(turn)};
 }
@@ -61,11 +61,12 @@ constexpr Side kSides[] = {{-1, false}, {1, true}};
 
 // Rows run outwards and columns clockwise on the front, so that triangles run anticlockwise; on the back, the
 // other way round.
-template <class CornerAt> void AddRings(MeshBuilder* mesh, const Side& side, int rings, CornerAt cornerAt) {
+template <class CornerAt>
+void localAddRings(MeshBuilder* mesh, const Side& side, int rings, CornerAt cornerAt) {
     int first = -1;
     for (int ring = 0; ring < rings; ++ring)
         for (int sector = 0; sector <= kSectors; ++sector) {
-            const Direction d = DirectionOf(side.isBack ? sector : kSectors - sector);
+            const Direction d = localDirectionOf(side.isBack ? sector : kSectors - sector);
             const int number = mesh->Add(cornerAt(ring, d));
             first = first < 0 ? number : first;
         }
@@ -73,7 +74,7 @@ template <class CornerAt> void AddRings(MeshBuilder* mesh, const Side& side, int
 }
 
 // How far the emblem stands out at a place of the face.
-float RiseAt(float x, float y) {
+float localRiseAt(float x, float y) {
     const auto swell = [](float distance, float reach) {
         const float left = Clamp01(1 - distance * distance / (reach * reach));
         return left * left;
@@ -84,25 +85,25 @@ float RiseAt(float x, float y) {
     return kRise * (0.8f * gap * ring + 1.2f * swell(moon, kMoonRadius * 1.15f));
 }
 
-void AddFace(MeshBuilder* mesh, const Side& side) {
-    AddRings(mesh, side, static_cast<int>(std::size(kFaceRings)), [&](int ring, Direction d) {
+void localAddFace(MeshBuilder* mesh, const Side& side) {
+    localAddRings(mesh, side, static_cast<int>(std::size(kFaceRings)), [&](int ring, Direction d) {
         constexpr float kStep = 0.004f;
         const float r = kFaceRings[ring];
         const float across = side.isBack ? -d.x : d.x; // as the face's picture is seen
         const float x = across * r;
         const float y = d.y * r;
-        const float slopeX = (RiseAt(x + kStep, y) - RiseAt(x - kStep, y)) / (2 * kStep);
-        const float slopeY = (RiseAt(x, y + kStep) - RiseAt(x, y - kStep)) / (2 * kStep);
+        const float slopeX = (localRiseAt(x + kStep, y) - localRiseAt(x - kStep, y)) / (2 * kStep);
+        const float slopeY = (localRiseAt(x, y + kStep) - localRiseAt(x, y - kStep)) / (2 * kStep);
         const Vec3 at = {d.x * r * kFaceRadius, d.y * r * kFaceRadius,
-                         side.z * (kFaceHeight + kFaceRadius * RiseAt(x, y))};
+                         side.z * (kFaceHeight + kFaceRadius * localRiseAt(x, y))};
         const Vec3 normal = Unit({kDomeX * r * d.x - kFlatX * slopeX * (side.isBack ? -1 : 1),
                                   kDomeY * r * d.y - kFlatY * slopeY, side.z});
         return Corner{at, normal, (1 + x) / 2, (1 - y) / 2};
     });
 }
 
-void AddRim(MeshBuilder* mesh, const Side& side) {
-    AddRings(mesh, side, static_cast<int>(std::size(kRim)), [&](int ring, Direction d) {
+void localAddRim(MeshBuilder* mesh, const Side& side) {
+    localAddRings(mesh, side, static_cast<int>(std::size(kRim)), [&](int ring, Direction d) {
         const Step& step = kRim[ring];
         const Vec3 at = {d.x * step.radius, d.y * step.radius, side.z * step.height};
         const Vec3 normal = Unit({kFlatX * step.out * d.x, kFlatY * step.out * d.y, side.z * step.up});
@@ -116,8 +117,8 @@ std::string WriteMedallion(const std::string& file) {
     MeshBuilder faces("Emblem");
     MeshBuilder rim("Gold");
     for (const Side& side : kSides) {
-        AddFace(&faces, side);
-        AddRim(&rim, side);
+        localAddFace(&faces, side);
+        localAddRim(&rim, side);
     }
     return WriteModel(file, "medallion", kLibrary, {&faces, &rim});
 }

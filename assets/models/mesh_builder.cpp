@@ -7,7 +7,7 @@
 
 namespace {
 
-bool SamePlace(Vec3 a, Vec3 b) {
+bool localSamePlace(Vec3 a, Vec3 b) {
     return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
@@ -26,9 +26,9 @@ void MeshBuilder::JoinGrid(int first, int columns, int rows) {
             const int b = a + 1;
             const int c = a + columns;
             const int d = c + 1;
-            if (!SamePlace(at(a), at(b)))
+            if (!localSamePlace(at(a), at(b)))
                 Triangle(a, c, b);
-            if (!SamePlace(at(c), at(d)))
+            if (!localSamePlace(at(c), at(d)))
                 Triangle(b, c, d);
         }
 }

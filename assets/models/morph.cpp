@@ -46,7 +46,7 @@ constexpr float kMoments[] = {0.0f,   0.35f, 0.7f,   1.05f, 1.4f,   1.75f, 2.1f,
 constexpr float kFlatAt = 13.3f;
 constexpr int kTextureMilliseconds = 80;
 
-BirdPose PoseAt(float seconds) {
+BirdPose localPoseAt(float seconds) {
     BirdPose pose;
     pose.yaw = CurveAt(kYaw, seconds);
     pose.elevation = CurveAt(kElevation, seconds);
@@ -65,7 +65,7 @@ BirdPose PoseAt(float seconds) {
 }
 
 // A key frame and how long the way from it to the next one takes.
-void AddFrame(FXAnim* anim, const MeshBuilder& sheet, const MeshBuilder& embers, int milliseconds) {
+void localAddFrame(FXAnim* anim, const MeshBuilder& sheet, const MeshBuilder& embers, int milliseconds) {
     auto* model = new FXModel;
     model->matlibName.Set(kLibrary);
     GiveMesh(model, sheet.Build());
@@ -77,8 +77,8 @@ void AddFrame(FXAnim* anim, const MeshBuilder& sheet, const MeshBuilder& embers,
     anim->frameTimes.Push(milliseconds);
 }
 
-void AddBirdFrame(FXAnim* anim, float seconds, float next) {
-    const BirdPose pose = PoseAt(seconds);
+void localAddBirdFrame(FXAnim* anim, float seconds, float next) {
+    const BirdPose pose = localPoseAt(seconds);
     const Vec3 centre = {pose.x, pose.y, 0};
     SheetCorners corners;
     for (int i = 0; i < kPatches * kPatchCorners; ++i)
@@ -88,15 +88,15 @@ void AddBirdFrame(FXAnim* anim, float seconds, float next) {
     MeshBuilder embers("Ember", kGlowing);
     AddSheet(&sheet, corners);
     AddEmbers(&embers, seconds, centre);
-    AddFrame(anim, sheet, embers, static_cast<int>(std::lround((next - seconds) * 1000)));
+    localAddFrame(anim, sheet, embers, static_cast<int>(std::lround((next - seconds) * 1000)));
 }
 
-void AddFlatFrame(FXAnim* anim, void (*addEmbers)(MeshBuilder*)) {
+void localAddFlatFrame(FXAnim* anim, void (*addEmbers)(MeshBuilder*)) {
     MeshBuilder sheet(kDesktop);
     MeshBuilder embers("Ember", kGlowing);
     AddFlatSheet(&sheet);
     addEmbers(&embers);
-    AddFrame(anim, sheet, embers, kTextureMilliseconds);
+    localAddFrame(anim, sheet, embers, kTextureMilliseconds);
 }
 
 } // namespace
@@ -105,8 +105,8 @@ std::string WriteMorph(const std::string& file) {
     FXAnim anim;
     anim.loop = false;
     for (std::size_t i = 0; i < std::size(kMoments); ++i)
-        AddBirdFrame(&anim, kMoments[i], i + 1 < std::size(kMoments) ? kMoments[i + 1] : kFlatAt);
-    AddFlatFrame(&anim, AddSpentEmbers);
-    AddFlatFrame(&anim, AddEmbersForTexture);
+        localAddBirdFrame(&anim, kMoments[i], i + 1 < std::size(kMoments) ? kMoments[i + 1] : kFlatAt);
+    localAddFlatFrame(&anim, AddSpentEmbers);
+    localAddFlatFrame(&anim, AddEmbersForTexture);
     return anim.Save(file.c_str()) ? "" : file + ": cannot be written";
 }

@@ -52,7 +52,7 @@ constexpr float kSweep = 30; // how much the foremost rays turn backwards on the
 constexpr float kFoldedDihedral = -48;
 constexpr float kFoldedLift = 0.13f; // how much the tips of the folded wings rise
 
-float RowEdge(int row) {
+float localRowEdge(int row) {
     return -1 + kPleat * static_cast<float>(row);
 }
 
@@ -62,7 +62,7 @@ struct WingPoint {
     float tilt; // of the wing's plane here
 };
 
-WingPoint SmoothWing(float along, float t, float notch, const BirdPose& pose) {
+WingPoint localSmoothWing(float along, float t, float notch, const BirdPose& pose) {
     const float share = (1 - t) / 2;
     const float lead = Mix(kFoldedLead, kSpreadLead, pose.open);
     const float trail = Mix(kFoldedTrail, kSpreadTrail, pose.open);
@@ -83,13 +83,13 @@ WingPoint SmoothWing(float along, float t, float notch, const BirdPose& pose) {
 }
 
 // Paper does not shrink: what a pleat has lost in width it stands up.
-Vec3 Crease(float along, int edge, const BirdPose& pose) {
+Vec3 localCrease(float along, int edge, const BirdPose& pose) {
     const bool isValley = (edge & 1) != 0;
-    const float t = RowEdge(edge);
+    const float t = localRowEdge(edge);
     const float notch = isValley ? kFeatherNotch : 1;
-    const WingPoint here = SmoothWing(along, t, Mix(notch, 1, pose.wingSheet), pose);
-    const Vec3 across =
-        SmoothWing(along, t + kPleat / 2, 1, pose).at - SmoothWing(along, t - kPleat / 2, 1, pose).at;
+    const WingPoint here = localSmoothWing(along, t, Mix(notch, 1, pose.wingSheet), pose);
+    const Vec3 across = localSmoothWing(along, t + kPleat / 2, 1, pose).at -
+                        localSmoothWing(along, t - kPleat / 2, 1, pose).at;
     const float lost = std::max(0.0f, kPleat * kPleat - Dot(across, across));
     const float height =
         std::min(0.045f, 0.5f * std::sqrt(lost)) * Smooth(0, 0.22f, along) * Mix(0.45f, 1, pose.open);
@@ -97,15 +97,16 @@ Vec3 Crease(float along, int edge, const BirdPose& pose) {
     return here.at + up * (isValley ? -height : height);
 }
 
-Vec3 Spine(float t, float neck) {
+Vec3 localSpine(float t, float neck) {
     return Mix(Vec3{CurveAt(kSpineX, t), 0, CurveAt(kSpineZ, t)},
                Vec3{CurveAt(kRaisedX, t), 0, CurveAt(kRaisedZ, t)}, neck);
 }
 
-Vec3 BodyPlace(const SheetPlace& place, const BirdPose& pose) {
+Vec3 localBodyPlace(const SheetPlace& place, const BirdPose& pose) {
     const float across = place.s / kBodyShare;
-    const Vec3 ridge = Spine(place.t, pose.neck);
-    const Vec3 forward = Unit(Spine(place.t + 0.02f, pose.neck) - Spine(place.t - 0.02f, pose.neck));
+    const Vec3 ridge = localSpine(place.t, pose.neck);
+    const Vec3 forward =
+        Unit(localSpine(place.t + 0.02f, pose.neck) - localSpine(place.t - 0.02f, pose.neck));
     const Vec3 up = {-forward.z, 0, forward.x};
 
     // The tail is a fan too: its folds are columns, and its middle reaches farther back.
@@ -120,27 +121,27 @@ Vec3 BodyPlace(const SheetPlace& place, const BirdPose& pose) {
 
 // Once the sheet unfolds, the wings' roots, which lay under the bird's back, are drawn out to where the
 // body's edge is, so that body and wings are one sheet again; less so farther out.
-Vec3 DrawnToBody(const SheetPlace& place, float along, const BirdPose& pose) {
+Vec3 localDrawnToBody(const SheetPlace& place, float along, const BirdPose& pose) {
     const float drawn = Smooth(0, 0.24f, pose.wingSheet) * (1 - along);
     if (drawn <= 0)
         return {};
     SheetPlace edge = place;
     edge.s = place.s > 0 ? kBodyShare : -kBodyShare;
-    const Vec3 body = BodyPlace(edge, pose);
-    const Vec3 root = SmoothWing(0, place.t, 1, pose).at;
+    const Vec3 body = localBodyPlace(edge, pose);
+    const Vec3 root = localSmoothWing(0, place.t, 1, pose).at;
     return (body - Vec3{root.x, place.s > 0 ? -root.y : root.y, root.z}) * drawn;
 }
 
-Vec3 WingPlace(const SheetPlace& place, const BirdPose& pose) {
+Vec3 localWingPlace(const SheetPlace& place, const BirdPose& pose) {
     const float along = (std::fabs(place.s) - kBodyShare) / (1 - kBodyShare);
-    const float between = (place.t - RowEdge(place.row)) / kPleat;
-    Vec3 at = Mix(Crease(along, place.row, pose), Crease(along, place.row + 1, pose), between);
+    const float between = (place.t - localRowEdge(place.row)) / kPleat;
+    Vec3 at = Mix(localCrease(along, place.row, pose), localCrease(along, place.row + 1, pose), between);
     at.y = place.s > 0 ? -at.y : at.y;
-    return at + DrawnToBody(place, along, pose);
+    return at + localDrawnToBody(place, along, pose);
 }
 
 // Turns the pair (a, b) by degrees, a towards b.
-void Turn(float* a, float* b, float degrees) {
+void localTurn(float* a, float* b, float degrees) {
     const float c = std::cos(degrees * kDegree);
     const float s = std::sin(degrees * kDegree);
     const float turned = *a * c - *b * s;
@@ -155,12 +156,12 @@ bool IsBodyPatch(int column) {
 }
 
 Vec3 BirdPoint(const SheetPlace& place, const BirdPose& pose) {
-    Vec3 own = IsBodyPatch(place.column) ? BodyPlace(place, pose) : WingPlace(place, pose);
+    Vec3 own = IsBodyPatch(place.column) ? localBodyPlace(place, pose) : localWingPlace(place, pose);
     own.z += pose.curl * (place.s * place.s * 0.55f + place.t * place.t * 0.22f - 0.2f);
-    Turn(&own.y, &own.z, pose.roll);
+    localTurn(&own.y, &own.z, pose.roll);
     // Seen from its right: forwards is to the right, left is away from the viewer.
     Vec3 at = {own.x, own.z, -own.y};
-    Turn(&at.x, &at.z, pose.yaw);
-    Turn(&at.y, &at.z, pose.elevation);
+    localTurn(&at.x, &at.z, pose.yaw);
+    localTurn(&at.y, &at.z, pose.elevation);
     return at * pose.size + Vec3{pose.x, pose.y, 0};
 }

@@ -4,16 +4,16 @@
 
 namespace {
 
-float Slope(const CurveKey& a, const CurveKey& b) {
+float localSlope(const CurveKey& a, const CurveKey& b) {
     return (b.value - a.value) / (b.at - a.at);
 }
 
 // The harmonic mean of the slopes at both sides, which is what keeps the curve from overshooting.
-float Tangent(std::span<const CurveKey> keys, std::size_t i) {
+float localTangent(std::span<const CurveKey> keys, std::size_t i) {
     if (i == 0 || i + 1 == keys.size())
         return 0;
-    const float before = Slope(keys[i - 1], keys[i]);
-    const float after = Slope(keys[i], keys[i + 1]);
+    const float before = localSlope(keys[i - 1], keys[i]);
+    const float after = localSlope(keys[i], keys[i + 1]);
     return before * after <= 0 ? 0 : 2 * before * after / (before + after);
 }
 
@@ -30,8 +30,8 @@ float CurveAt(std::span<const CurveKey> keys, float at) {
         const float span = b.at - a.at;
         const float t = (at - a.at) / span;
         const float rise = t * t * (3 - 2 * t);
-        return a.value + (b.value - a.value) * rise + span * t * (1 - t) * (1 - t) * Tangent(keys, i) -
-               span * t * t * (1 - t) * Tangent(keys, i + 1);
+        return a.value + (b.value - a.value) * rise + span * t * (1 - t) * (1 - t) * localTangent(keys, i) -
+               span * t * t * (1 - t) * localTangent(keys, i + 1);
     }
     return keys.back().value;
 }

@@ -19,17 +19,17 @@ struct GridPlace {
     int column, row;
 };
 
-GridPlace OnGrid(int patch, int corner) {
+GridPlace localOnGrid(int patch, int corner) {
     return {patch % kPatchColumns * kSteps + corner % kPatchSide,
             patch / kPatchColumns * kSteps + kSteps - corner / kPatchSide};
 }
 
-float Share(int number, int count) {
+float localShare(int number, int count) {
     return static_cast<float>(2 * number - (count - 1)) / static_cast<float>(count - 1);
 }
 
 // The patch's normal at each of its corners, from its own cells.
-std::array<Vec3, kPatchCorners> PatchNormals(const Vec3* corners) {
+std::array<Vec3, kPatchCorners> localPatchNormals(const Vec3* corners) {
     std::array<Vec3, kPatchCorners> normals;
     for (int corner = 0; corner < kPatchCorners; ++corner) {
         const int column = corner % kPatchSide;
@@ -43,24 +43,25 @@ std::array<Vec3, kPatchCorners> PatchNormals(const Vec3* corners) {
 }
 
 // For each place of the grid, the corners that belong there.
-std::vector<std::vector<int>> SharedPlaces() {
+std::vector<std::vector<int>> localSharedPlaces() {
     std::vector<std::vector<int>> shared(static_cast<std::size_t>(kGridColumns) * kGridRows);
     for (int patch = 0; patch < kPatches; ++patch)
         for (int corner = 0; corner < kPatchCorners; ++corner) {
-            const GridPlace at = OnGrid(patch, corner);
+            const GridPlace at = localOnGrid(patch, corner);
             const int place = at.row * kGridColumns + at.column;
             shared[static_cast<std::size_t>(place)].push_back(patch * kPatchCorners + corner);
         }
     return shared;
 }
 
-std::vector<Vec3> SheetNormals(const SheetCorners& corners) {
+std::vector<Vec3> localSheetNormals(const SheetCorners& corners) {
     std::vector<Vec3> own;
     for (int patch = 0; patch < kPatches; ++patch)
-        for (const Vec3& normal : PatchNormals(&corners[static_cast<std::size_t>(patch) * kPatchCorners]))
+        for (const Vec3& normal :
+             localPatchNormals(&corners[static_cast<std::size_t>(patch) * kPatchCorners]))
             own.push_back(normal);
     std::vector<Vec3> smooth = own;
-    for (const std::vector<int>& place : SharedPlaces())
+    for (const std::vector<int>& place : localSharedPlaces())
         for (const int a : place)
             for (const int b : place) {
                 const auto from = static_cast<std::size_t>(b);
@@ -73,16 +74,16 @@ std::vector<Vec3> SheetNormals(const SheetCorners& corners) {
     return smooth;
 }
 
-Vec3 Lit(Vec3 normal) {
+Vec3 localLit(Vec3 normal) {
     const Vec3 unit = Unit(normal);
     return Unit(unit + Vec3{0, 0, kTowardsViewer * unit.z / (std::fabs(unit.z) + 0.25f)});
 }
 
-Corner CornerAt(Vec3 position, Vec3 normal, const SheetPlace& place) {
+Corner localCornerAt(Vec3 position, Vec3 normal, const SheetPlace& place) {
     return {position, normal, (1 + place.s) / 2, (1 - place.t) / 2};
 }
 
-void JoinPatches(MeshBuilder* mesh) {
+void localJoinPatches(MeshBuilder* mesh) {
     for (int patch = 0; patch < kPatches; ++patch) {
         const int first = patch * kPatchCorners;
         for (int row = 0; row < kSteps; ++row)
@@ -98,25 +99,25 @@ void JoinPatches(MeshBuilder* mesh) {
 } // namespace
 
 SheetPlace PlaceOf(int patch, int corner) {
-    const GridPlace at = OnGrid(patch, corner);
-    return {Share(at.column, kGridColumns), Share(at.row, kGridRows), patch % kPatchColumns,
+    const GridPlace at = localOnGrid(patch, corner);
+    return {localShare(at.column, kGridColumns), localShare(at.row, kGridRows), patch % kPatchColumns,
             patch / kPatchColumns};
 }
 
 void AddSheet(MeshBuilder* mesh, const SheetCorners& corners) {
-    const std::vector<Vec3> normals = SheetNormals(corners);
+    const std::vector<Vec3> normals = localSheetNormals(corners);
     for (int i = 0; i < kPatches * kPatchCorners; ++i) {
         const Vec3 at = corners[static_cast<std::size_t>(i)];
-        mesh->Add(CornerAt({at.x / kAspect, at.y, at.z}, Lit(normals[static_cast<std::size_t>(i)]),
-                           PlaceOf(i / kPatchCorners, i % kPatchCorners)));
+        mesh->Add(localCornerAt({at.x / kAspect, at.y, at.z}, localLit(normals[static_cast<std::size_t>(i)]),
+                                PlaceOf(i / kPatchCorners, i % kPatchCorners)));
     }
-    JoinPatches(mesh);
+    localJoinPatches(mesh);
 }
 
 void AddFlatSheet(MeshBuilder* mesh) {
     for (int i = 0; i < kPatches * kPatchCorners; ++i) {
         const SheetPlace place = PlaceOf(i / kPatchCorners, i % kPatchCorners);
-        mesh->Add(CornerAt({place.s, place.t, 0}, {0, 0, 1}, place));
+        mesh->Add(localCornerAt({place.s, place.t, 0}, {0, 0, 1}, place));
     }
-    JoinPatches(mesh);
+    localJoinPatches(mesh);
 }

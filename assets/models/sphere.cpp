@@ -27,7 +27,7 @@ constexpr Sphere kShells[] = {{"sun shell 1", "PlasmaA", kTwoPasses, 1.01f, 1.15
 // The last column of corners is the first again with u = 1: textures end at their edges. At a pole every
 // column has a corner of its own, in the middle of the strip that it closes. On the side of -z, where the
 // viewer is, columns run to the right.
-std::string WriteSphere(const std::string& file, const Sphere& sphere) {
+std::string localWriteSphere(const std::string& file, const Sphere& sphere) {
     MeshBuilder mesh(sphere.material, sphere.transparency);
     for (int row = 0; row <= sphere.rows; ++row) {
         const bool isPole = row == 0 || row == sphere.rows;
@@ -50,14 +50,14 @@ std::string WriteSphere(const std::string& file, const Sphere& sphere) {
 } // namespace
 
 std::string WriteSunCore(const std::string& file) {
-    return WriteSphere(file, kCore);
+    return localWriteSphere(file, kCore);
 }
 std::string WriteSunShell1(const std::string& file) {
-    return WriteSphere(file, kShells[0]);
+    return localWriteSphere(file, kShells[0]);
 }
 std::string WriteSunShell2(const std::string& file) {
-    return WriteSphere(file, kShells[1]);
+    return localWriteSphere(file, kShells[1]);
 }
 std::string WriteSunShell3(const std::string& file) {
-    return WriteSphere(file, kShells[2]);
+    return localWriteSphere(file, kShells[2]);
 }

@@ -34,7 +34,7 @@ constexpr Stop kWalls[] = {
     {0.05f, Hex(0x6A5A78)},  {0.35f, Hex(0x28304C)},  {1.00f, Hex(0x0A0E1C)},
 };
 
-Rgb LampLight(Vec3 d) {
+Rgb localLampLight(Vec3 d) {
     Rgb light;
     for (const Softbox& box : kBoxes) {
         const Vec3 forward = Unit(box.toward);
@@ -53,16 +53,16 @@ Rgb LampLight(Vec3 d) {
 }
 
 // Walls and lamps, and a polished dark floor that mirrors the lamps faintly.
-Rgb StudioLight(Vec3 d) {
+Rgb localStudioLight(Vec3 d) {
     const Rgb walls = Ramp(kWalls, d.y + 0.02f * std::sin(d.x * 5));
     if (d.y > 0)
-        return walls + LampLight(d);
+        return walls + localLampLight(d);
     const float ripple = 0.05f * std::sin(d.x * 23 + d.z * 9);
-    return walls +
-           LampLight(Unit({d.x * (1 + ripple), -d.y * 1.15f, d.z})) * (0.30f * Smooth(-1.1f, -0.05f, d.y));
+    return walls + localLampLight(Unit({d.x * (1 + ripple), -d.y * 1.15f, d.z})) *
+                       (0.30f * Smooth(-1.1f, -0.05f, d.y));
 }
 
-Rgba StudioAt(float px, float py) {
+Rgba localStudioAt(float px, float py) {
     // The device's sphere map: the picture's circle holds every direction, the middle the one to the eye.
     float x = px * 2 / kSize - 1;
     float y = 1 - py * 2 / kSize;
@@ -73,11 +73,11 @@ Rgba StudioAt(float px, float py) {
         y *= std::sqrt(square) / r;
     }
     const float z = std::sqrt(1 - square);
-    return {StudioLight({2 * x * z, 2 * y * z, 2 * z * z - 1}), 1};
+    return {localStudioLight({2 * x * z, 2 * y * z, 2 * z * z - 1}), 1};
 }
 
 // A box with round corners: how far outside it a point is, negative inside; from the picture's middle.
-float BoxDistance(float x, float y, float half, float corner) {
+float localBoxDistance(float x, float y, float half, float corner) {
     const float dx = std::fabs(x) - half + corner;
     const float dy = std::fabs(y) - half + corner;
     return std::hypot(std::max(dx, 0.0f), std::max(dy, 0.0f)) + std::min(std::max(dx, dy), 0.0f) - corner;
@@ -93,20 +93,20 @@ struct Screw {
     float slot; // which way its slot lies
 };
 
-Screw ScrewNear(float x, float y) {
+Screw localScrewNear(float x, float y) {
     const float sx = x < 0 ? -kScrewAt : kScrewAt;
     const float sy = y < 0 ? -kScrewAt : kScrewAt;
     return {x - sx, y - sy, 0.6f + (x < 0 ? 1.1f : 0.0f) + (y < 0 ? 0.7f : 0.0f)};
 }
 
-float FrameHeight(float x, float y) {
-    const float outside = BoxDistance(x, y, kFrameOut, 26);
-    const float inside = BoxDistance(x, y, kFrameIn, 34);
+float localFrameHeight(float x, float y) {
+    const float outside = localBoxDistance(x, y, kFrameOut, 26);
+    const float inside = localBoxDistance(x, y, kFrameIn, 34);
     float height = 7 * Smooth(0, -7, outside) * Smooth(-1, 7, inside);
     // Two engraved lines run round the window.
     for (const float line : {20.0f, 26.0f})
         height -= 1.4f * Smooth(1.8f, 0.4f, std::fabs(inside - line));
-    const Screw screw = ScrewNear(x, y);
+    const Screw screw = localScrewNear(x, y);
     const float d = std::hypot(screw.x, screw.y);
     height -= 3 * Smooth(kScrewRadius + 5, kScrewRadius + 2, d);
     height += 6 * std::sqrt(std::max(0.0f, 1 - d * d / (kScrewRadius * kScrewRadius)));
@@ -117,7 +117,7 @@ float FrameHeight(float x, float y) {
 }
 
 // The path of a flame with a leaning tip, its foot on the origin, `size` high.
-void FlamePath(cairo_t* pen, double size) {
+void localFlamePath(cairo_t* pen, double size) {
     cairo_save(pen);
     cairo_scale(pen, size, size);
     cairo_move_to(pen, 0, 0);
@@ -132,27 +132,27 @@ void FlamePath(cairo_t* pen, double size) {
     cairo_restore(pen);
 }
 
-Drawing Canvas() {
+Drawing localCanvas() {
     Drawing canvas(kSize, kSize);
     cairo_scale(canvas.Pen(), kScale, kScale);
     return canvas;
 }
 
 // The outer flame and the smaller one in it, each drawn by what paint(pen, isInner) does with its path.
-template <class Paint> void DrawFlames(cairo_t* pen, Paint paint) {
+template <class Paint> void localDrawFlames(cairo_t* pen, Paint paint) {
     cairo_save(pen);
     cairo_translate(pen, kMiddle, kMiddle + 88);
-    FlamePath(pen, 188);
+    localFlamePath(pen, 188);
     paint(pen, false);
     cairo_translate(pen, 4, -14);
-    FlamePath(pen, 96);
+    localFlamePath(pen, 96);
     paint(pen, true);
     cairo_restore(pen);
 }
 
 // What is etched into the glass: a flame in a ring, with strokes as on a dial. Only its alpha counts.
-Raster Etching() {
-    const Drawing etching = Canvas();
+Raster localEtching() {
+    const Drawing etching = localCanvas();
     cairo_t* pen = etching.Pen();
     etching.Colour({});
     for (const auto& [radius, width] : {std::pair{138.0, 5.0}, {127.0, 1.8}, {168.0, 1.2}}) {
@@ -172,7 +172,7 @@ Raster Etching() {
     etching.Outline({kMiddle - 184, kMiddle - 184, 368, 368}, 26);
     cairo_set_line_width(pen, 2);
     cairo_stroke(pen);
-    DrawFlames(pen, [](cairo_t* p, bool isInner) {
+    localDrawFlames(pen, [](cairo_t* p, bool isInner) {
         cairo_set_line_width(p, isInner ? 2.5 : 4);
         cairo_stroke(p);
     });
@@ -180,9 +180,9 @@ Raster Etching() {
 }
 
 // How hot the glass glows: the flame, hottest in its heart. Only its alpha counts.
-Raster Fire() {
-    const Drawing fire = Canvas();
-    DrawFlames(fire.Pen(), [&](cairo_t* p, bool isInner) {
+Raster localFire() {
+    const Drawing fire = localCanvas();
+    localDrawFlames(fire.Pen(), [&](cairo_t* p, bool isInner) {
         fire.Colour({}, isInner ? 0.95 : 0.60);
         cairo_fill(p);
     });
@@ -190,9 +190,9 @@ Raster Fire() {
 }
 
 // Smoked glass, lit from within by the flame; x and y from its middle.
-Rgba GlassAt(float x, float y, float etch, float fire) {
+Rgba localGlassAt(float x, float y, float etch, float fire) {
     const float sheen = Smooth(60, -160, x + y) * 0.5f + 0.25f * Smooth(14, 0, std::fabs(x + y + 96) - 22);
-    const float edge = Smooth(-34, -2, BoxDistance(x, y, kFrameIn, 34));
+    const float edge = Smooth(-34, -2, localBoxDistance(x, y, kFrameIn, 34));
     const Rgb tint = Mix(Hex(0x6FA4D8), Hex(0xE8F4FF), Clamp01(sheen));
     const Rgb dark = Mix(tint, Hex(0x0A1420), 0.7f * edge);
     const float alpha = 0.15f + 0.10f * sheen + 0.35f * edge;
@@ -207,23 +207,24 @@ Rgba GlassAt(float x, float y, float etch, float fire) {
 
 Raster DrawStudio() {
     Raster studio(kSize, kSize);
-    studio.Fill(StudioAt);
+    studio.Fill(localStudioAt);
     return studio;
 }
 
 Raster DrawSkin() {
     Relief frame(kSize, kSize);
-    frame.Fill(
-        [](float x, float y) { return kScale * FrameHeight(x / kScale - kMiddle, y / kScale - kMiddle); });
+    frame.Fill([](float x, float y) {
+        return kScale * localFrameHeight(x / kScale - kMiddle, y / kScale - kMiddle);
+    });
     frame.Soften(kScale);
-    const Raster etching = Etching();
-    const Raster fire = Fire();
+    const Raster etching = localEtching();
+    const Raster fire = localFire();
     Raster skin(kSize, kSize);
     ForEachRow(kSize, [&](int y) {
         for (int x = 0; x < kSize; ++x) {
             const float fx = (static_cast<float>(x) + 0.5f) / kScale - kMiddle;
             const float fy = (static_cast<float>(y) + 0.5f) / kScale - kMiddle;
-            const float inside = BoxDistance(fx, fy, kFrameIn, 34);
+            const float inside = localBoxDistance(fx, fy, kFrameIn, 34);
             // Brushed along each bar of the frame, mitred at the corners.
             const bool upright = std::fabs(fx) > std::fabs(fy);
             const float grain = upright ? Brushed(fy, fx, 861) : Brushed(fx, fy, 867);
@@ -232,7 +233,7 @@ Raster DrawSkin() {
             const Rgb bare = Steel(0.02f + 0.95f * Shine(frame.Normal(x, y)) + sheen + 0.15f * grain);
             const float gilded = Smooth(1.9f, 0.6f, std::fabs(inside - 20));
             const Rgb metal = Mix(bare, Gold(0.35f + 0.6f * Shine(frame.Normal(x, y))), gilded);
-            const Rgba glass = GlassAt(fx, fy, etching.At(x, y).alpha, fire.At(x, y).alpha);
+            const Rgba glass = localGlassAt(fx, fy, etching.At(x, y).alpha, fire.At(x, y).alpha);
             const float cover = Smooth(-0.8f, 0.8f, inside);
             skin.At(x, y) = {Mix(glass.colour, metal, cover), Mix(glass.alpha, 1, cover)};
         }

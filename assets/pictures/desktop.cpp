@@ -32,7 +32,7 @@ constexpr Hill kHills[] = {
     {0.990f, 0.090f, 1.4f, Hex(0x123F4E), Hex(0x2C6468)},
 };
 
-Raster Wallpaper() {
+Raster localWallpaper() {
     Raster picture(kWidth, kHeight);
     picture.Fill([](float px, float py) {
         const float x = px / kWidth;
@@ -62,7 +62,7 @@ Raster Wallpaper() {
     return picture;
 }
 
-void DrawPanel(const Drawing& desktop) {
+void localDrawPanel(const Drawing& desktop) {
     desktop.Fill({0, 0, kWidth, kPanelHeight}, 0, Hex(0x16202C), 0.86);
     const TextStyle word = {.size = 13.5, .colour = Hex(0xE6ECF2)};
     TextStyle strong = word;
@@ -89,20 +89,20 @@ void DrawPanel(const Drawing& desktop) {
     desktop.Fill({kWidth - 133.5, 15, 2, 5}, 0, Hex(0xE6ECF2));
 }
 
-void DrawFolder(const Drawing& desktop, double x, double y, Rgb colour) {
+void localDrawFolder(const Drawing& desktop, double x, double y, Rgb colour) {
     desktop.Fill({x, y + 4, 26, 14}, 4, colour * 0.8f);
     desktop.Fill({x, y + 10, 60, 38}, 5, colour * 0.86f);
     desktop.Fill({x, y + 16, 60, 33}, 5, Mix(colour, Hex(0xFFFFFF), 0.28f), colour);
 }
 
-void DrawSheet(const Drawing& desktop, double x, double y, Rgb accent) {
+void localDrawSheet(const Drawing& desktop, double x, double y, Rgb accent) {
     desktop.Fill({x + 9, y, 42, 50}, 4, Hex(0xFFFFFF), Hex(0xE6EAEE));
     desktop.Fill({x + 16, y + 8, 28, 16}, 2, accent);
     for (int i = 0; i < 3; ++i)
         desktop.Fill({x + 16, y + 29.0 + 6 * i, i == 2 ? 18.0 : 28.0, 2}, 0, Hex(0x9AA7B4));
 }
 
-void DrawBin(const Drawing& desktop, double x, double y) {
+void localDrawBin(const Drawing& desktop, double x, double y) {
     desktop.Fill({x + 14, y + 12, 32, 38}, 5, Hex(0xC9D3DB), Hex(0x9DAAB6));
     desktop.Fill({x + 10, y + 6, 40, 5}, 2.5, Hex(0xDCE4EA));
     desktop.Fill({x + 24, y + 2, 12, 5}, 2, Hex(0xDCE4EA));
@@ -110,26 +110,26 @@ void DrawBin(const Drawing& desktop, double x, double y) {
         desktop.Fill({x + 21.0 + 8 * i, y + 18, 2, 26}, 1, Hex(0x7F8C98));
 }
 
-void DrawIcons(const Drawing& desktop) {
+void localDrawIcons(const Drawing& desktop) {
     constexpr double kX = 60;
     constexpr const char* kNames[] = {"Home", "Pictures", "Letters", "Lighthouse", "Bin"};
     for (int i = 0; i < 5; ++i) {
         const double y = 76 + 124 * i;
         switch (i) {
         case 0:
-            DrawFolder(desktop, kX, y, Hex(0x4F9AD8));
+            localDrawFolder(desktop, kX, y, Hex(0x4F9AD8));
             break;
         case 1:
-            DrawFolder(desktop, kX, y, Hex(0xE0A03C));
+            localDrawFolder(desktop, kX, y, Hex(0xE0A03C));
             break;
         case 2:
-            DrawFolder(desktop, kX, y, Hex(0x62B06A));
+            localDrawFolder(desktop, kX, y, Hex(0x62B06A));
             break;
         case 3:
-            DrawSheet(desktop, kX, y, Hex(0xE07A5A));
+            localDrawSheet(desktop, kX, y, Hex(0xE07A5A));
             break;
         default:
-            DrawBin(desktop, kX, y);
+            localDrawBin(desktop, kX, y);
             break;
         }
         const TextStyle shadow = {.size = 14, .colour = Hex(0x0C2233), .centred = true};
@@ -143,10 +143,10 @@ void DrawIcons(const Drawing& desktop) {
 } // namespace
 
 Raster DrawDesktop() {
-    const Drawing desktop(Wallpaper());
-    DrawIcons(desktop);
+    const Drawing desktop(localWallpaper());
+    localDrawIcons(desktop);
     DrawTerminalWindow(desktop, {1130, 130, 660, 420});
     DrawEditorWindow(desktop, {330, 250, 830, 570});
-    DrawPanel(desktop);
+    localDrawPanel(desktop);
     return desktop.Result();
 }

@@ -16,7 +16,7 @@ struct WindowLook {
     Rgb text;
 };
 
-void DrawButtons(const Drawing& desktop, const Box& frame) {
+void localDrawButtons(const Drawing& desktop, const Box& frame) {
     constexpr unsigned kColours[] = {0xFF6A5E, 0xF6BE4F, 0x62C655};
     double x = frame.x + 20;
     for (const unsigned colour : kColours) {
@@ -27,7 +27,7 @@ void DrawButtons(const Drawing& desktop, const Box& frame) {
     }
 }
 
-void DrawWindow(const Drawing& desktop, const Box& frame, const WindowLook& look) {
+void localDrawWindow(const Drawing& desktop, const Box& frame, const WindowLook& look) {
     desktop.Shadow({frame.x, frame.y + 10, frame.width, frame.height}, kCorner, 34, 0.30);
     desktop.Fill(frame, kCorner, look.body);
     cairo_save(desktop.Pen());
@@ -41,7 +41,7 @@ void DrawWindow(const Drawing& desktop, const Box& frame, const WindowLook& look
     desktop.Colour({}, 0.35);
     cairo_set_line_width(desktop.Pen(), 1);
     cairo_stroke(desktop.Pen());
-    DrawButtons(desktop, frame);
+    localDrawButtons(desktop, frame);
     desktop.Text(frame.x + frame.width / 2, frame.y + 10, look.title,
                  {.font = "DejaVu Sans Bold", .size = 13.5, .colour = look.text, .centred = true});
 }
@@ -85,7 +85,7 @@ constexpr const char* kLetter =
     "Yours, Ada";
 
 // A menu's words, side by side.
-void DrawMenu(const Drawing& desktop, const Box& frame) {
+void localDrawMenu(const Drawing& desktop, const Box& frame) {
     desktop.Fill({frame.x, frame.y + kTitleHeight, frame.width, 30}, 0, Hex(0xF1EEE8));
     desktop.Fill({frame.x, frame.y + kTitleHeight + 29, frame.width, 1}, 0, Hex(0xD5CFC4));
     double x = frame.x + 18;
@@ -98,7 +98,7 @@ void DrawMenu(const Drawing& desktop, const Box& frame) {
 } // namespace
 
 void DrawTerminalWindow(const Drawing& desktop, const Box& frame) {
-    DrawWindow(desktop, frame, {"Terminal", Hex(0x323A48), Hex(0x1A1F29), Hex(0xE4E8EF)});
+    localDrawWindow(desktop, frame, {"Terminal", Hex(0x323A48), Hex(0x1A1F29), Hex(0xE4E8EF)});
     double y = frame.y + kTitleHeight + 16;
     for (const TerminalLine& line : kTerminal) {
         desktop.Text(frame.x + 18, y, line.text,
@@ -109,8 +109,8 @@ void DrawTerminalWindow(const Drawing& desktop, const Box& frame) {
 }
 
 void DrawEditorWindow(const Drawing& desktop, const Box& frame) {
-    DrawWindow(desktop, frame, {"Letter to Clara", Hex(0xDDD7CC), Hex(0xFDFCF9), Hex(0x3A352E)});
-    DrawMenu(desktop, frame);
+    localDrawWindow(desktop, frame, {"Letter to Clara", Hex(0xDDD7CC), Hex(0xFDFCF9), Hex(0x3A352E)});
+    localDrawMenu(desktop, frame);
     desktop.Text(frame.x + 46, frame.y + kTitleHeight + 56, "A letter from the harbour",
                  {.font = "DejaVu Serif Bold", .size = 25, .colour = Hex(0x2B3A52)});
     desktop.Fill({frame.x + 46, frame.y + kTitleHeight + 96, 90, 3}, 0, Hex(0xE08A4A));

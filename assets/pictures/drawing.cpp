@@ -18,13 +18,13 @@ struct Unref {
 };
 
 // A row of Cairo's pixels: 0xAARRGGBB, alpha multiplied in.
-std::uint32_t* Row(cairo_surface_t* surface, int y) {
+std::uint32_t* localRow(cairo_surface_t* surface, int y) {
     unsigned char* rows = cairo_image_surface_get_data(surface);
     const int stride = cairo_image_surface_get_stride(surface);
     return reinterpret_cast<std::uint32_t*>(rows + static_cast<std::ptrdiff_t>(y) * stride);
 }
 
-Rgba FromPremultiplied(std::uint32_t pixel) {
+Rgba localFromPremultiplied(std::uint32_t pixel) {
     const auto part = [pixel](int shift) { return static_cast<float>(pixel >> shift & 255); };
     const float alpha = part(24);
     if (alpha <= 0)
@@ -33,7 +33,7 @@ Rgba FromPremultiplied(std::uint32_t pixel) {
 }
 
 // Colour creeps outwards by a pixel per round into what is fully transparent.
-void SpreadColour(Raster* picture, int rounds) {
+void localSpreadColour(Raster* picture, int rounds) {
     std::vector<bool> known(static_cast<std::size_t>(picture->Width()) * picture->Height());
     const auto index = [&](int x, int y) { return static_cast<std::size_t>(y) * picture->Width() + x; };
     for (int y = 0; y < picture->Height(); ++y)
@@ -75,7 +75,7 @@ Drawing::Drawing(const Raster& background) : Drawing(background.Width(), backgro
         return;
     const std::vector<unsigned char> bytes = background.Bytes();
     for (int y = 0; y < background.Height(); ++y) {
-        std::uint32_t* row = Row(surface_.get(), y);
+        std::uint32_t* row = localRow(surface_.get(), y);
         const unsigned char* from = &bytes[static_cast<std::size_t>(y) * background.Width() * 4];
         for (int x = 0; x < background.Width(); ++x, from += 4)
             row[x] = 0xFF000000u | static_cast<std::uint32_t>(from[0] << 16 | from[1] << 8 | from[2]);
@@ -163,13 +163,13 @@ Raster Drawing::Result() const {
                    cairo_image_surface_get_height(surface_.get()));
     bool holes = false;
     for (int y = 0; y < picture.Height(); ++y) {
-        const std::uint32_t* row = Row(surface_.get(), y);
+        const std::uint32_t* row = localRow(surface_.get(), y);
         for (int x = 0; x < picture.Width(); ++x) {
-            picture.At(x, y) = FromPremultiplied(row[x]);
+            picture.At(x, y) = localFromPremultiplied(row[x]);
             holes = holes || (row[x] >> 24) == 0;
         }
     }
     if (holes)
-        SpreadColour(&picture, 4);
+        localSpreadColour(&picture, 4);
     return picture;
 }

@@ -7,7 +7,7 @@
 namespace {
 
 // As bright as the light, and never darker than what is behind it: embers fly past the sun.
-Rgba Glowing(const Rgb& light) {
+Rgba localGlowing(const Rgb& light) {
     const Rgb shown = {Clamp01(light.r), Clamp01(light.g), Clamp01(light.b)};
     const float alpha = std::max({shown.r, shown.g, shown.b});
     return alpha > 0 ? Rgba{shown * (1 / alpha), alpha} : Rgba{};
@@ -25,7 +25,7 @@ Raster DrawEmber() {
         const float shine = std::exp(-r * r / 0.30f);
         const Rgb light =
             Hex(0xFFF6D0) * core + Hex(0xFF8A20) * (0.7f * body) + Hex(0xC82008) * (0.3f * shine);
-        return Glowing(light * Smooth(1.0f, 0.6f, r));
+        return localGlowing(light * Smooth(1.0f, 0.6f, r));
     });
     return ember;
 }

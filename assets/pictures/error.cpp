@@ -4,7 +4,7 @@
 
 namespace {
 
-void DrawWarningSign(const Drawing& page, double x, double y, double size) {
+void localDrawWarningSign(const Drawing& page, double x, double y, double size) {
     cairo_t* pen = page.Pen();
     cairo_set_line_join(pen, CAIRO_LINE_JOIN_ROUND);
     cairo_move_to(pen, x, y - size * 0.55);
@@ -38,7 +38,7 @@ Raster DrawErrorNotice() {
     page.Colour(Hex(0xFFB224), 0.85);
     cairo_set_line_width(page.Pen(), 1.5);
     cairo_stroke(page.Pen());
-    DrawWarningSign(page, 62, kHeight / 2.0 - 2, 58);
+    localDrawWarningSign(page, 62, kHeight / 2.0 - 2, 58);
 
     TextStyle title = {.font = "DejaVu Sans Bold", .size = 18, .colour = Hex(0xFFD27A)};
     page.Text(122, 22, "The graphics driver is missing", title);

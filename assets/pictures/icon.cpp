@@ -18,7 +18,7 @@ constexpr Stop kRim[] = {
     {0.0f, Hex(0xFFE9A0)}, {0.3f, Hex(0xFF8A1C)}, {0.65f, Hex(0x8A1C04)}, {1.0f, Hex(0x140804)}};
 
 // Deep space with the sun in its lower left. x, y in -1..1, as everywhere here.
-Rgb Behind(float x, float y) {
+Rgb localBehind(float x, float y) {
     const float sun = std::hypot(x + 0.30f, y - 0.34f);
     if (sun < 0.52f) {
         const float granules = Fbm({x * 3.2f, y * 3.2f, 4.5f}, 3, 911);
@@ -27,12 +27,12 @@ Rgb Behind(float x, float y) {
     return Hex(0x150B32) + Hex(0xFF8A2A) * (0.85f * Smooth(0.95f, 0.52f, sun));
 }
 
-Rgb Desktop(float x, float y) {
+Rgb localDesktop(float x, float y) {
     const float hills = 0.55f + 0.10f * std::sin(x * 2.4f + 0.6f);
     return y > hills ? Hex(0x1E5A62) : Mix(Hex(0x7FC0DA), Hex(0x2A6FA8), Clamp01(0.5f - 0.6f * y));
 }
 
-Rgba IconAt(float x, float y) {
+Rgba localIconAt(float x, float y) {
     constexpr float kEdge = 0.96f;
     constexpr float kCorner = 0.30f;
     const float past = std::hypot(std::max(std::fabs(x) - kEdge + kCorner, 0.0f),
@@ -43,14 +43,15 @@ Rgba IconAt(float x, float y) {
     const float hole = 0.66f + 0.16f * (Fbm({x * 1.9f, y * 1.9f, 1.5f}, 3, 907) - 0.5f);
     const float beyond = (std::hypot(x, y) - hole) / kRimWidth;
     if (beyond < 0)
-        return {Behind(x, y), 1};
-    return {beyond < 1 ? Ramp(kRim, beyond) : Mix(Hex(0x140804), Desktop(x, y), Smooth(1, 1.5f, beyond)), 1};
+        return {localBehind(x, y), 1};
+    return {beyond < 1 ? Ramp(kRim, beyond) : Mix(Hex(0x140804), localDesktop(x, y), Smooth(1, 1.5f, beyond)),
+            1};
 }
 
-Raster DrawIcon(int size) {
+Raster localDrawIcon(int size) {
     Raster fine(size * kFine, size * kFine);
     const float half = static_cast<float>(fine.Width()) / 2;
-    fine.Fill([half](float x, float y) { return IconAt(x / half - 1, y / half - 1); });
+    fine.Fill([half](float x, float y) { return localIconAt(x / half - 1, y / half - 1); });
     return fine.Shrunk(size, size);
 }
 
@@ -65,7 +66,7 @@ public:
 
 // A bitmap as icons hold it: 32 bits per pixel, rows upwards, and a mask that Windows without alpha would
 // use.
-std::string IconBitmap(const Raster& picture) {
+std::string localIconBitmap(const Raster& picture) {
     const auto size = static_cast<std::uint32_t>(picture.Width());
     const std::vector<unsigned char> rgba = picture.Bytes();
     LittleEndian out;
@@ -95,7 +96,7 @@ std::string WriteIcons(const std::string& file) {
     directory.Put(kCount, 2);
     std::string bitmaps;
     for (const int size : kSizes) {
-        const std::string bitmap = IconBitmap(DrawIcon(size));
+        const std::string bitmap = localIconBitmap(localDrawIcon(size));
         directory.Put(static_cast<std::uint32_t>(size | size << 8), 4);
         directory.Put(1u | 32u << 16, 4);
         directory.Put(static_cast<std::uint32_t>(bitmap.size()), 4);

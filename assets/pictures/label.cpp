@@ -9,7 +9,7 @@ constexpr int kHeight = 128;
 
 // The lettering as a mask; only its alpha counts. It stands in the upper half: of the lower one, screens
 // higher than wide show nothing.
-Raster Lettering() {
+Raster localLettering() {
     const Drawing page(kWidth, kHeight);
     page.Text(kWidth / 2.0 + 6, -8, "OrinLab",
               {.font = "DejaVu Serif Bold", .size = 76, .spacing = 13, .centred = true});
@@ -19,7 +19,7 @@ Raster Lettering() {
 } // namespace
 
 Raster DrawLabel() {
-    const Raster letters = Lettering();
+    const Raster letters = localLettering();
     Relief shape(kWidth, kHeight);
     Relief shade(kWidth, kHeight);
     for (int y = 0; y < kHeight; ++y)

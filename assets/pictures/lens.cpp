@@ -37,7 +37,7 @@ constexpr Ghost kGhosts[] = {
 
 // Distance from the middle of a six-bladed iris, 1 on the middle of each edge; its corners are a little
 // round.
-float IrisDistance(float x, float y) {
+float localIrisDistance(float x, float y) {
     constexpr float kThird = kPi / 3;
     const float r = std::hypot(x, y);
     const float turn = std::atan2(y, x) + 0.3f;
@@ -45,7 +45,7 @@ float IrisDistance(float x, float y) {
     return Mix(r, r * std::cos(off), 0.8f);
 }
 
-float Shaped(Shape shape, float d) {
+float localShaped(Shape shape, float d) {
     const float edge = Smooth(1.0f, 0.9f, d);
     switch (shape) {
     case Shape::Disc:
@@ -58,20 +58,20 @@ float Shaped(Shape shape, float d) {
     return 0;
 }
 
-Rgb GhostLight(const Ghost& ghost, float x, float y) {
+Rgb localGhostLight(const Ghost& ghost, float x, float y) {
     const float dx = (x + kSunX * ghost.at) / ghost.radius;
     const float dy = (y + kSunY * ghost.at) / ghost.radius;
     if (dx * dx + dy * dy > 1.6f)
         return {};
-    const float d = ghost.shape == Shape::Iris ? IrisDistance(dx, dy) : std::hypot(dx, dy);
+    const float d = ghost.shape == Shape::Iris ? localIrisDistance(dx, dy) : std::hypot(dx, dy);
     // Glass bends red a little less than blue: the edges are coloured.
-    const Rgb split = {Shaped(ghost.shape, d * 1.02f), Shaped(ghost.shape, d),
-                       Shaped(ghost.shape, d * 0.98f)};
+    const Rgb split = {localShaped(ghost.shape, d * 1.02f), localShaped(ghost.shape, d),
+                       localShaped(ghost.shape, d * 0.98f)};
     return ghost.colour * split * ghost.strength;
 }
 
 // A piece of a rainbow round the sun, strongest beyond the middle of the screen.
-Rgb ArcLight(float x, float y) {
+Rgb localArcLight(float x, float y) {
     constexpr float kRadius = 1.10f;
     constexpr float kWide = 0.040f;
     const float dx = x - kSunX;
@@ -86,12 +86,12 @@ Rgb ArcLight(float x, float y) {
     return bow * (0.024f * Smooth(0.925f, 1.0f, facing));
 }
 
-Rgba LensAt(float px, float py) {
+Rgba localLensAt(float px, float py) {
     const float x = (px - kWidth * 0.5f) / kHeight;
     const float y = (py - kHeight * 0.5f) / kHeight;
-    Rgb light = ArcLight(x, y);
+    Rgb light = localArcLight(x, y);
     for (const Ghost& ghost : kGhosts)
-        light += GhostLight(ghost, x, y);
+        light += localGhostLight(ghost, x, y);
     return Glow(light);
 }
 
@@ -99,6 +99,6 @@ Rgba LensAt(float px, float py) {
 
 Raster DrawLens() {
     Raster lens(kWidth, kHeight);
-    lens.Fill(LensAt);
+    lens.Fill(localLensAt);
     return lens;
 }

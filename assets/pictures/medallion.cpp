@@ -12,13 +12,13 @@ constexpr int kSize = 1024;
 // The face is shaped on a grid twice as fine and then averaged: engraved lines are thinner than a pixel.
 constexpr int kFine = 2 * kSize;
 
-float Dome(float distance, float radius) {
+float localDome(float distance, float radius) {
     const float t = std::fabs(distance) / radius;
     return t < 1 ? radius * std::sqrt(1 - t * t) : 0;
 }
 
 // Interlaced waves round the middle, as on a banknote: how deep a line is cut here, 0..1.
-float Guilloche(float r, float turn, float middle, float swing, float waves, int lines, float thin) {
+float localGuilloche(float r, float turn, float middle, float swing, float waves, int lines, float thin) {
     float cut = 0;
     for (int i = 0; i < lines; ++i) {
         const float phase = 2 * kPi * static_cast<float>(i) / static_cast<float>(lines);
@@ -30,43 +30,43 @@ float Guilloche(float r, float turn, float middle, float swing, float waves, int
     return cut;
 }
 
-float Beads(float r, float turn) {
+float localBeads(float r, float turn) {
     constexpr float kCount = 72;
     constexpr float kAt = 0.885f;
     const float step = turn * kCount / (2 * kPi);
     const float along = (step - std::floor(step) - 0.5f) * 2 * kPi * kAt / kCount;
-    return Dome(std::hypot(along, r - kAt), 0.031f);
+    return localDome(std::hypot(along, r - kAt), 0.031f);
 }
 
 // Height of the face at x, y in -1..1, y downwards.
-float FaceHeight(float x, float y) {
+float localFaceHeight(float x, float y) {
     const float r = std::hypot(x, y);
     const float turn = std::atan2(y, x);
     const float moonDistance = std::hypot(x - kMoonX, y + kMoonY);
 
-    const float outer = Guilloche(r, turn, 0.725f, 0.062f, 24, 5, 0.0085f);
-    const float inner = Guilloche(r, turn, 0.245f, 0.125f, 9, 6, 0.0085f);
+    const float outer = localGuilloche(r, turn, 0.725f, 0.062f, 24, 5, 0.0085f);
+    const float inner = localGuilloche(r, turn, 0.245f, 0.125f, 9, 6, 0.0085f);
     const float circles = std::max({Smooth(0.012f, 0.004f, std::fabs(r - 0.815f)),
                                     Smooth(0.012f, 0.004f, std::fabs(r - 0.635f)),
                                     Smooth(0.010f, 0.003f, std::fabs(r - 0.385f))});
     float height = -0.016f * std::max({outer, inner, circles});
-    height += Beads(r, turn);
+    height += localBeads(r, turn);
     height += 0.06f * Smooth(0.93f, 0.96f, r);
 
     // The ring makes way for the sphere that circles on it.
     const float gap = Smooth(kMoonRadius + 0.01f, kMoonRadius + 0.04f, moonDistance);
-    const float ring = Dome(r - kRingRadius, kRingWidth);
+    const float ring = localDome(r - kRingRadius, kRingWidth);
     height += 0.85f * gap * ring;
-    return height + Dome(moonDistance, kMoonRadius);
+    return height + localDome(moonDistance, kMoonRadius);
 }
 
-Raster Halved(const Raster& fine) {
+Raster localHalved(const Raster& fine) {
     return fine.Shrunk(fine.Width() / 2, fine.Height() / 2);
 }
 
 // Metal turned on a lathe is brushed round its middle, and answers a lamp with two bright fans and their dark
 // opposites: the light at this turn, about 0.
-float Fans(float turn) {
+float localFans(float turn) {
     const float c = std::cos(turn - 2.2f);
     return 0.75f * std::pow(std::fabs(c), 5.0f) - 0.22f;
 }
@@ -82,15 +82,16 @@ Raster DrawGold() {
         const float turn = std::atan2(dy, dx);
         const float wear = Fbm({x / 130, y / 130, 2.5f}, 4, 821);
         const float groove = Brushed(turn * 240, std::hypot(dx, dy) * 260, 831);
-        return Rgba{Gold(0.66f + 0.05f * groove + 0.09f * wear + 0.36f * Fans(turn)), 1};
+        return Rgba{Gold(0.66f + 0.05f * groove + 0.09f * wear + 0.36f * localFans(turn)), 1};
     });
     return gold;
 }
 
 Raster DrawEmblem() {
     Relief face(kFine, kFine);
-    face.Fill(
-        [](float x, float y) { return kFine * 0.5f * FaceHeight(x * 2 / kFine - 1, y * 2 / kFine - 1); });
+    face.Fill([](float x, float y) {
+        return kFine * 0.5f * localFaceHeight(x * 2 / kFine - 1, y * 2 / kFine - 1);
+    });
     face.Soften(2);
     Raster fine(kFine, kFine);
     ForEachRow(kFine, [&](int y) {
@@ -102,8 +103,8 @@ Raster DrawEmblem() {
             const float field = Smooth(0.03f, 0.12f, r) * (1 - face.Steepness(x, y));
             const float shine = 0.04f + 0.94f * Shine(face.Normal(x, y));
             const float groove = 0.045f * Brushed(turn * 260, r * 420, 841);
-            fine.At(x, y) = {Gold(shine + groove + 0.30f * field * Fans(turn)), 1};
+            fine.At(x, y) = {Gold(shine + groove + 0.30f * field * localFans(turn)), 1};
         }
     });
-    return Halved(fine);
+    return localHalved(fine);
 }

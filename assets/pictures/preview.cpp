@@ -21,7 +21,7 @@ struct Burnt {
     Rgb tint;
     Rgb glow;
 };
-Burnt BurntAt(float distance) {
+Burnt localBurntAt(float distance) {
     constexpr Stop kTint[] = {
         {4, Hex(0x000000)}, {9, Hex(0x140A04)}, {13, Hex(0x806344)}, {30, Hex(0xC0B1A1)}, {52, Hex(0xFFFFFF)},
     };
@@ -32,7 +32,7 @@ Burnt BurntAt(float distance) {
 }
 
 // How far outside the hole in the sheet a pixel is.
-float BeyondHole(float x, float y) {
+float localBeyondHole(float x, float y) {
     const float dx = (x - 205) / 1.28f;
     const float dy = (y - 315) / 1.05f;
     const float ragged =
@@ -40,7 +40,7 @@ float BeyondHole(float x, float y) {
     return std::hypot(dx, dy) - 232 + ragged;
 }
 
-Rgb SunAt(const Raster& surface, float x, float y) {
+Rgb localSunAt(const Raster& surface, float x, float y) {
     const Vec3 p = {x, -y, std::sqrt(std::max(0.0f, 1 - x * x - y * y))};
     const float turn = std::atan2(p.z, p.x) / (2 * kPi);
     const float down = std::acos(std::clamp(p.y, -1.0f, 1.0f)) / kPi;
@@ -72,9 +72,9 @@ Raster DrawPreview() {
         colour = Over(around(halo, kSunTall), Over(around(rays, 1), colour)); // the sun is round here
         const float edge = Smooth(1.0f, 0.985f, std::hypot(x, y));
         if (edge > 0)
-            colour = Mix(colour, SunAt(surface, x, y), edge);
+            colour = Mix(colour, localSunAt(surface, x, y), edge);
 
-        const Burnt burnt = BurntAt(BeyondHole(px, py));
+        const Burnt burnt = localBurntAt(localBeyondHole(px, py));
         const Rgb sheet = desktop.Sample(px + static_cast<float>(kWidth) / 6, py).colour * burnt.tint;
         return Rgba{Mix(colour, sheet, burnt.alpha) + burnt.glow, 1};
     });

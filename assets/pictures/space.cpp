@@ -35,7 +35,7 @@ constexpr Stop kRust[] = {
 
 // The nebula at a point, packed as a pixel: red is the gas, green the threads in it, blue the dust, all 0..1;
 // alpha is how much of the blue kind of gas there is.
-Rgba NebulaAt(Vec3 p) {
+Rgba localNebulaAt(Vec3 p) {
     const Vec3 flow = Warped(p, 1.3f, 0.50f, 4, 11);
     const Vec3 curl = Warped(flow, 3.1f, 0.16f, 4, 23);
     const float body = Fbm(curl * 1.9f, 7, 31) + 0.35f * Fbm(flow * 0.9f, 2, 37);
@@ -47,7 +47,7 @@ Rgba NebulaAt(Vec3 p) {
 
 // How much nebula there is at all, 0..1: a band from the left edge over the sun to the lower right, widest in
 // the middle, with nothing at the top right.
-float Presence(float x, float y) {
+float localPresence(float x, float y) {
     const float off = (y - 0.52f) - 0.10f * std::sin(x * 2.3f + 0.4f);
     const float band =
         std::exp(-off * off / 0.20f) * (0.45f + 0.65f * std::exp(-(x - 1.02f) * (x - 1.02f) / 0.55f));
@@ -61,7 +61,7 @@ public:
         : pixelWidth_(kAspect / static_cast<float>(width)), pixelHeight_(1 / static_cast<float>(height)),
           nebula_((width + kCoarse - 1) / kCoarse, (height + kCoarse - 1) / kCoarse) {
         nebula_.Fill([this](float x, float y) {
-            return NebulaAt(Vec3{x * kCoarse * pixelWidth_, y * kCoarse * pixelHeight_, 0} + kVantage);
+            return localNebulaAt(Vec3{x * kCoarse * pixelWidth_, y * kCoarse * pixelHeight_, 0} + kVantage);
         });
     }
 
@@ -72,7 +72,7 @@ public:
         const Rgba nebula = Nebula(x, y);
         const float gas = nebula.colour.r;
         const float threads = nebula.colour.g;
-        const float presence = Presence(x, y);
+        const float presence = localPresence(x, y);
         const float dust = nebula.colour.b * Smooth(0.15f, 0.7f, presence);
 
         const float density =

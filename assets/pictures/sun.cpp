@@ -8,7 +8,7 @@
 namespace {
 
 // What an equirectangular picture shows at a point of the unit sphere.
-template <class Function> Raster Wrapped(int width, int height, Function colourAt) {
+template <class Function> Raster localWrapped(int width, int height, Function colourAt) {
     Raster picture(width, height);
     const float meridian = 2 * kPi / static_cast<float>(width - 1);
     const float parallel = kPi / static_cast<float>(height - 1);
@@ -53,7 +53,7 @@ struct Activity {
     float near;
     float spot;
 };
-Activity ActivityAt(Vec3 p) {
+Activity localActivityAt(Vec3 p) {
     const Cell cell = CellNoise(Warped(p, 6, 0.10f, 3, 901) * 2.2f, 905);
     if ((cell.id >> 7 & 7) > 2)
         return {0, 1};
@@ -64,7 +64,7 @@ Activity ActivityAt(Vec3 p) {
 
 // Granules large and small, the brighter net that they drift in, slow bright and dark regions, and threads of
 // hotter gas that the field pulls along.
-Rgba CoreAt(Vec3 p) {
+Rgba localCoreAt(Vec3 p) {
     const Vec3 stirred = Warped(p, 5, 0.09f, 3, 601);
     const Cell granule = CellNoise(stirred * 23, 611);
     const Cell grain = CellNoise(Warped(p, 17, 0.02f, 2, 607) * 61, 613);
@@ -75,7 +75,7 @@ Rgba CoreAt(Vec3 p) {
     const float regions = Fbm(Warped(p, 2, 0.35f, 3, 621) * 2.2f, 5, 631);
     const float threads = Ridged(Warped(Warped(p, 3, 0.25f, 3, 641), 9, 0.05f, 3, 645) * 3.4f, 6, 651);
     const float fine = Ridged(Warped(p, 8, 0.06f, 3, 671) * 12, 4, 673);
-    const Activity active = ActivityAt(p);
+    const Activity active = localActivityAt(p);
 
     float heat = 0.30f + 0.17f * granules + 0.08f * grains + 0.42f * regions;
     heat += 0.30f * Smooth(0.45f, 0.95f, threads) + 0.10f * net + 0.10f * (fine - 0.5f);
@@ -84,42 +84,42 @@ Rgba CoreAt(Vec3 p) {
     return {Ramp(kIncandescent, Mix(umbra, heat, active.spot)), 1};
 }
 
-Rgba Plasma(std::span<const Stop> palette, float density, float heat) {
+Rgba localPlasma(std::span<const Stop> palette, float density, float heat) {
     return {Ramp(palette, heat), Clamp01(density)};
 }
 
 // Long loops, as iron filings lie round a magnet.
-Rgba PlasmaAAt(Vec3 p) {
+Rgba localPlasmaAAt(Vec3 p) {
     const Vec3 flow = Warped(p, 1.7f, 0.55f, 3, 701);
     const float threads = Ridged({flow.x * 2.6f, flow.y * 2.6f, flow.z * 2.6f}, 5, 711);
     const float cloud = Smooth(-0.25f, 0.30f, Fbm(flow * 1.8f, 4, 721));
     const float density = Smooth(0.38f, 0.85f, threads) * cloud;
-    return Plasma(kGold, density, 1.08f * density);
+    return localPlasma(kGold, density, 1.08f * density);
 }
 
 // Torn flames, streaming from pole to pole.
-Rgba PlasmaBAt(Vec3 p) {
+Rgba localPlasmaBAt(Vec3 p) {
     const Vec3 flow = Warped(p, 2.6f, 0.40f, 4, 731);
     const float tongues = Ridged({flow.x * 4.2f, flow.y * 1.7f, flow.z * 4.2f}, 5, 741);
     const float gaps = Smooth(-0.20f, 0.25f, Fbm(flow * 2.7f, 3, 751));
     const float density = Smooth(0.35f, 0.80f, tongues) * (0.2f + 0.8f * gaps);
-    return Plasma(kFlame, 0.95f * density, density);
+    return localPlasma(kFlame, 0.95f * density, density);
 }
 
 // A net of fine bright knots with veils between.
-Rgba PlasmaCAt(Vec3 p) {
+Rgba localPlasmaCAt(Vec3 p) {
     const Vec3 flow = Warped(Warped(p, 1.3f, 0.45f, 3, 761), 4.0f, 0.12f, 3, 771);
     const Cell cell = CellNoise(flow * 4.5f, 781);
     const float net = Smooth(0.28f, 0.0f, cell.border);
     const float veil = Smooth(0.0f, 0.5f, Fbm(flow * 2.2f, 5, 791));
     const float density = net * (0.15f + 0.85f * veil) + 0.18f * veil * veil;
-    return Plasma(kRose, 0.95f * density, density);
+    return localPlasma(kRose, 0.95f * density, density);
 }
 
 } // namespace
 
 Raster DrawSunSurface(int width, int height) {
-    return Wrapped(width, height, CoreAt);
+    return localWrapped(width, height, localCoreAt);
 }
 
 // Four times as fine as the shells: it fills a quarter of the screen.
@@ -128,13 +128,13 @@ Raster DrawSunCore() {
 }
 
 Raster DrawPlasmaA() {
-    return Wrapped(1024, 512, PlasmaAAt);
+    return localWrapped(1024, 512, localPlasmaAAt);
 }
 
 Raster DrawPlasmaB() {
-    return Wrapped(1024, 512, PlasmaBAt);
+    return localWrapped(1024, 512, localPlasmaBAt);
 }
 
 Raster DrawPlasmaC() {
-    return Wrapped(1024, 512, PlasmaCAt);
+    return localWrapped(1024, 512, localPlasmaCAt);
 }

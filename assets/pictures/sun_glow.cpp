@@ -16,7 +16,7 @@ struct Polar {
     float r;    // 1 at the inscribed circle
 };
 
-Polar PolarAt(float px, float py) {
+Polar localPolarAt(float px, float py) {
     const float x = px * 2 / kSize - 1;
     const float y = py * 2 / kSize - 1;
     const float r = std::hypot(x, y);
@@ -24,15 +24,15 @@ Polar PolarAt(float px, float py) {
 }
 
 // What is left of the light at this distance: nothing from the inscribed circle on.
-float Fading(float r) {
+float localFading(float r) {
     const float left = Clamp01((0.985f - r) / (0.985f - kSunShare));
     return left * left * (3 - 2 * left);
 }
 
 // Hugs the sun, which is taller than wide; the rays turn, and cannot.
-Rgba HaloAt(float px, float py) {
+Rgba localHaloAt(float px, float py) {
     constexpr float kMiddle = kSize / 2.0f;
-    const Polar at = PolarAt(px, kMiddle + (py - kMiddle) / kSunTall);
+    const Polar at = localPolarAt(px, kMiddle + (py - kMiddle) / kSunTall);
     const float height = std::max(0.0f, at.r - kSunShare);
     // The corona is never quite even.
     const float breath = 1 + 0.35f * Fbm({at.x * 1.6f, at.y * 1.6f, at.r * 1.2f}, 3, 5);
@@ -42,11 +42,11 @@ Rgba HaloAt(float px, float py) {
     const float outer = std::exp(-height / (0.17f * breath));
     const Rgb light = Hex(0xFFB048) * (0.52f * rim) + Hex(0xFF8A2A) * (0.52f * inner) +
                       Hex(0xC8401A) * (0.36f * outer) + Hex(0x6A2A9A) * (0.10f * std::sqrt(outer));
-    return Glow(light * Fading(at.r));
+    return Glow(light * localFading(at.r));
 }
 
 // One set of rays: `count` sets how many, `length` how far the longest reach, `sharp` how thin they are.
-float Rays(const Polar& at, float count, float length, float sharp, std::uint32_t seed) {
+float localRays(const Polar& at, float count, float length, float sharp, std::uint32_t seed) {
     const float height = std::max(0.0f, at.r - kSunShare);
     const float bend = 0.25f * height;
     const Vec3 ring = {at.x * count, at.y * count, at.r * 0.7f};
@@ -55,26 +55,26 @@ float Rays(const Polar& at, float count, float length, float sharp, std::uint32_
     return std::pow(ray, sharp) * std::exp(-height / reach);
 }
 
-Rgba RaysAt(float px, float py) {
-    const Polar at = PolarAt(px, py);
-    const float broad = Rays(at, 2.6f, 0.34f, 2.2f, 301);
-    const float middle = Rays(at, 7.0f, 0.30f, 2.6f, 401);
-    const float fine = Rays(at, 19.0f, 0.22f, 2.6f, 501);
+Rgba localRaysAt(float px, float py) {
+    const Polar at = localPolarAt(px, py);
+    const float broad = localRays(at, 2.6f, 0.34f, 2.2f, 301);
+    const float middle = localRays(at, 7.0f, 0.30f, 2.6f, 401);
+    const float fine = localRays(at, 19.0f, 0.22f, 2.6f, 501);
     const Rgb light =
         Hex(0xFF7A24) * (0.66f * broad) + Hex(0xFFB450) * (0.62f * middle) + Hex(0xFFE0A0) * (0.50f * fine);
-    return Glow(light * Fading(at.r));
+    return Glow(light * localFading(at.r));
 }
 
 } // namespace
 
 Raster DrawHalo() {
     Raster halo(kSize, kSize);
-    halo.Fill(HaloAt);
+    halo.Fill(localHaloAt);
     return halo;
 }
 
 Raster DrawRays() {
     Raster rays(kSize, kSize);
-    rays.Fill(RaysAt);
+    rays.Fill(localRaysAt);
     return rays;
 }
