@@ -14,6 +14,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -224,6 +225,140 @@ TEST_F(Show, SwitchesAsOftenAsEachStageSays) {
     }
 }
 
+FXMatrix Times(const FXMatrix& a, const FXMatrix& b) {
+    FXMatrix product;
+    product.Multiply(&a, &b);
+    return product;
+}
+
+FXMatrix Turned(void (FXMatrix::*about)(float), float degrees) {
+    FXMatrix m;
+    (m.*about)(degrees);
+    return m;
+}
+
+FXMatrix Placed(float x, float y, float z, float w, float h, float d) {
+    FXMatrix move, scale;
+    move.SetMoveF(x, y, z);
+    scale.SetScaleF(w, h, d);
+    return Times(move, scale);
+}
+
+// What a thing is drawn with.
+struct Drawing {
+    std::string name;
+    FXMatrix matrix;
+    std::string lights; // the numbers of those that are on, if lighting is
+    bool depthTest, depthWrite;
+};
+
+// The frame's drawings, from its calls; lights are those that the last frame left.
+std::vector<Drawing> DrawingsOf(const Calls& frame, std::string lights, std::string (*nameOf)(unsigned)) {
+    std::vector<Drawing> drawings;
+    Drawing now = {"", FXMatrix(), "", false, false};
+    bool lit = false, secondUnit = false;
+    for (const std::string& call : frame) {
+        const bool on = call.starts_with("glEnable");
+        if (call.starts_with("glActiveTexture("))
+            secondUnit = call == "glActiveTexture(GL_TEXTURE1)";
+        else if (call.starts_with("glBindTexture(GL_TEXTURE_2D,") && !secondUnit)
+            now.name = nameOf(static_cast<unsigned>(std::stoi(call.substr(28))));
+        else if (call == "glLoadIdentity()")
+            now.matrix.SetIdentity();
+        else if (call.starts_with("glLoadMatrixf(")) {
+            std::stringstream numbers(call.substr(14));
+            for (float& element : now.matrix.m)
+                numbers >> element, numbers.ignore();
+        } else if (call.ends_with("(GL_LIGHTING)"))
+            lit = on;
+        else if (call.starts_with("glEnable(GL_LIGHT") || call.starts_with("glDisable(GL_LIGHT")) {
+            const char number = call[call.size() - 2];
+            std::erase(lights, number);
+            lights += on ? std::string(1, number) : "";
+        } else if (call.ends_with("(GL_DEPTH_TEST)"))
+            now.depthTest = on;
+        else if (call.starts_with("glDepthMask"))
+            now.depthWrite = call == "glDepthMask(GL_TRUE)";
+        else if (call == "glBegin(GL_TRIANGLES)") {
+            drawings.push_back(now);
+            drawings.back().lights = lit ? lights : "-";
+        }
+    }
+    return drawings;
+}
+
+TEST_F(Show, DrawsEachThingInItsPlaceAndLight) {
+    WritePackage();
+    Build();
+    const auto turnX = [](float degrees) { return Turned(&FXMatrix::SetRotateX, degrees); };
+    const auto turnY = [](float degrees) { return Turned(&FXMatrix::SetRotateY, degrees); };
+    for (const double time : {0.0, 12.5, 35.0})
+        Frame(kStart + time);
+    show::stage = show::kRebuilding;
+    show::reopen.StartAnim(kStart + 37);
+    Frame(kStart + 37);
+    // Phasers that are first advanced at 100 start there or at their last whole run; so they do after the
+    // long gaps.
+    const float sun = 47 / 90.0f * 360;
+    const FXMatrix glow = Placed(-0.6f, -0.6f, 0, 1.5f, 2, 2);
+    const FXMatrix core = Times(Placed(-0.6f, -0.6f, 0, 0.6f, 0.8f, 0.6f), turnY(2 * sun));
+    const auto shell = [&](float x, float y, float pulse, int axis) {
+        float scale[3] = {1 - 0.9f * pulse, 1 - 0.9f * pulse, 1 - 0.9f * pulse};
+        scale[axis] = 1 + 0.7f * pulse;
+        FXMatrix stretch;
+        stretch.SetScale(scale);
+        return Times(Times(Times(core, turnX(x)), turnY(y)), stretch);
+    };
+    const float wide = 112 / 152.0f * 0.18f; // of the window
+    const FXMatrix corner = Placed(0.9f - wide, 0.18f - 0.85f, -1, wide, 0.18f, 1);
+    FXMatrix towards;
+    towards.SetFlipZ();
+    const FXMatrix all;
+    const Drawing expected[] = {
+        {"space", all, "-", false, false},
+        {"rays", Times(glow, Turned(&FXMatrix::SetRotateZ, 180)), "-", false, false},
+        {"halo", glow, "-", false, false},
+        {"lens", all, "-", false, false},
+        {"plain", core, "-", true, true},
+        {"plain", shell(57 / 80.0f * 360, -47 / 90.0f * 360, 2 / 8.0f, 0), "-", true, false},
+        {"plain", shell(-47 / 90.0f * 360, 37 / 100.0f * 360, 2 / 9.0f, 0), "-", true, false},
+        {"plain", shell(27 / 110.0f * 360, 17 / 120.0f * 360, 2 / 10.0f, 0), "-", true, false},
+        {"plain", Times(corner, turnY(2 / 8.0f * 360)), "1", true, true},
+        {"label", Times(Placed(0.9f - wide, -0.92f, -1, wide, 0.18f, 1), Placed(0, 0, 0, 1.332f, 0.333f, 1)),
+         "-", false, false},
+        {"desktop", towards, "12", true, true},
+    };
+    const std::vector<Drawing> drawn = DrawingsOf(frame_, "1", NameOf);
+    ASSERT_GE(drawn.size(), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        const Drawing& is = drawn[i];
+        const Drawing& wanted = expected[i];
+        SCOPED_TRACE(testing::Message() << i << " " << wanted.name);
+        EXPECT_EQ(is.name + " " + is.lights, wanted.name + " " + wanted.lights);
+        EXPECT_TRUE(is.depthTest == wanted.depthTest && is.depthWrite == wanted.depthWrite);
+        for (int e = 0; e < 16; ++e)
+            EXPECT_NEAR(is.matrix.m[e], wanted.matrix.m[e], 2e-5) << e;
+    }
+    for (const char* light : {"GL_LIGHT1,GL_POSITION,0,0,-1,0", "GL_LIGHT2,GL_POSITION,0,0,1,0",
+                              "GL_LIGHT2,GL_SPOT_DIRECTION,0,0,-1", "GL_LIGHT2,GL_DIFFUSE,0.5,0.5,0.5,1"})
+        EXPECT_GE(Count(("glLightfv(" + std::string(light) + ")").c_str()), 1) << light;
+    EXPECT_EQ(show::planet.models[1]->meshes[0]->vertices[0].color[3], 0.5f) << "the first shell half there";
+    EXPECT_EQ(show::planet.models[2]->meshes[0]->vertices[0].color[3], 4 / 9.0f);
+}
+
+TEST_F(Show, BeginsInTheSunsLight) {
+    WritePackage();
+    Build();
+    Frame(kStart);
+    for (const char* call :
+         {"glLightfv(GL_LIGHT0,GL_POSITION,-0.5,-0.2,0.1,0)",
+          "glLightfv(GL_LIGHT0,GL_SPOT_DIRECTION,0.5,0.2,-0.1)",
+          "glLightfv(GL_LIGHT0,GL_AMBIENT,0.9,0.9,0.9,0.9)", "glLightfv(GL_LIGHT0,GL_DIFFUSE,1,1,1,1)"})
+        EXPECT_EQ(Count(call), 1) << call;
+    EXPECT_EQ(DrawingsOf(frame_, "", NameOf)[8].lights, "0") << "the medallion's";
+    EXPECT_EQ(show::scr_desk.mesh.colorMode, 1);
+}
+
 TEST_F(Show, FirstFrameKeepsWhatIsOnTheScreen) {
     WritePackage();
     Build();
@@ -294,6 +429,10 @@ TEST_F(Show, PoorOpenGLShowsTheErrorPictureOnTop) {
         Build(preview);
         EXPECT_EQ(show::hasError, !preview) << "the preview is not tested";
         EXPECT_EQ(Frame(kStart), preview ? "preview " : kAlways + "desktop desktop error ");
+        for (const double time : {15.0, 16.0}) // the cube comes
+            Frame(kStart + time);
+        EXPECT_EQ(DrawingsOf(frame_, "", NameOf).back().name, preview ? "preview" : "error")
+            << "on top of all";
         DestroyScene();
     }
 }
