@@ -17,13 +17,6 @@
 #include <cmath>
 #include <limits>
 
-void InitScene(HWND, bool preview) {
-    NoteFakeCall("InitScene(%s, %s)", preview ? "preview" : "full", orinPath);
-}
-void DestroyScene() {
-    NoteFakeCall("DestroyScene()");
-}
-
 namespace {
 
 using Calls = std::vector<std::string>;
@@ -31,6 +24,18 @@ using Calls = std::vector<std::string>;
 std::uint32_t ticks = 0;
 
 const HWND kOther = reinterpret_cast<HWND>(static_cast<UINT_PTR>(1234));
+
+} // namespace
+
+void InitScene(HWND, bool preview) {
+    NoteFakeCall("InitScene(%s, %s)", preview ? "preview" : "full", orinPath);
+    ticks += 3000; // it takes its time
+}
+void DestroyScene() {
+    NoteFakeCall("DestroyScene()");
+}
+
+namespace {
 
 class Host : public testing::Test {
 protected:
@@ -52,6 +57,7 @@ protected:
 
     int Run(std::string line) {
         fakeWin32.commandLine = "tamb.scr " + line;
+        pt_orig = {-1, -1}; // as if nobody had looked yet
         return WinMain(nullptr, nullptr, line.data(), SW_SHOWNORMAL);
     }
     static bool Called(const Calls& calls, const std::string& call) {
@@ -103,6 +109,11 @@ TEST(CloseRule, GraceTimeKeysAndPreview) {
     EXPECT_FALSE(SaverMayClose(false, false, false, 500.0, 0.0)) << "before the scene is built";
     EXPECT_TRUE(SaverMayClose(false, true, false, 0.0, 0.0)) << "a key";
     EXPECT_TRUE(SaverMayClose(true, false, false, 0.0, 0.0)) << "a preview";
+}
+
+TEST_F(Host, GivesWhatTheLastMessageCarriedWhenTheQueueFails) {
+    fakeWin32.steps = {[] { PostMessageA(kFakeWindow, WM_TIMER, 7, 0); }}; // and then an error
+    EXPECT_EQ(Run("/s"), 7);
 }
 
 TEST_F(Host, FullScreenRunsFromTheFirstCallToTheLast) {

@@ -7,7 +7,6 @@
 #include "win32/win32.h"
 
 #include <atomic>
-#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -19,18 +18,44 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// What the platform is asked for.
+std::string endCalls;
+std::atomic<bool> endNow;
+std::atomic<DWORD> slept;
+extern "C" {
+DWORD WINAPI __real_WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+BOOL WINAPI __real_CloseHandle(HANDLE handle);
+DWORD WINAPI __wrap_WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+    endCalls += "wait " + std::to_string(milliseconds) + ", ";
+    return __real_WaitForSingleObject(handle, milliseconds);
+}
+void WINAPI __real_Sleep(DWORD milliseconds);
+void WINAPI __wrap_Sleep(DWORD milliseconds) {
+    slept = milliseconds;
+    __real_Sleep(milliseconds);
+}
+BOOL WINAPI __wrap_TerminateThread(HANDLE handle, DWORD exitCode) {
+    endCalls += "terminate " + std::to_string(exitCode) + ", ";
+    endNow = true; // not by force, so that the sanitizers can follow
+    return __real_WaitForSingleObject(handle, INFINITE) == WAIT_OBJECT_0;
+}
+BOOL WINAPI __wrap_CloseHandle(HANDLE handle) {
+    endCalls += "close";
+    return __real_CloseHandle(handle);
+}
+}
+
 TEST(Clock, CountsAndSleepsInMilliseconds) {
     fxSetTickSource([] { return 0xFFFFFFFFu; });
     EXPECT_EQ(fxGetTime(), 4294967.295);
     fxSetTickSource(nullptr);
     const double before = fxGetTime();
-    const auto start = std::chrono::steady_clock::now();
-    fxSleep(0.0195);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20)) << "rounded";
-    EXPECT_GE(fxGetTime() - before, 0.019);
-    for (const double nonsense : {0.0, -1e30, std::nan("")})
-        fxSleep(nonsense);
-    EXPECT_LT(fxGetTime() - before, 30.0);
+    for (const auto& [seconds, milliseconds] :
+         {std::pair{0.0, 0u}, {0.0014, 1u}, {0.0015, 2u}, {0.0195, 20u}, {-1e30, 0u}, {std::nan(""), 0u}}) {
+        fxSleep(seconds);
+        EXPECT_EQ(slept, milliseconds) << seconds;
+    }
+    EXPECT_GE(fxGetTime() - before, 0.022);
 }
 
 TEST(Random, RunsFromZeroToOneBothIncluded) {
@@ -41,6 +66,19 @@ TEST(Random, RunsFromZeroToOneBothIncluded) {
     }
     EXPECT_EQ(*values.begin(), 0.0f);
     EXPECT_EQ(*values.rbegin(), 1.0f);
+}
+
+TEST(Random, StartsAnotherSequenceByTheClock) {
+    static std::uint32_t ticks;
+    std::set<float> firsts;
+    fxSetTickSource([] { return ticks; });
+    for (ticks = 1000; ticks < 1010; ++ticks) {
+        fxSeedRandom(5);
+        fxResetRandom();
+        firsts.insert(fxGetRandom());
+    }
+    fxSetTickSource(nullptr);
+    EXPECT_EQ(firsts.size(), 10u);
 }
 
 TEST(Random, IsOneSequenceForAllThreads) {
@@ -69,7 +107,9 @@ TEST(Threads, AreWaitedFor) {
             fxSleep(0.001);
     };
     void* thread = fxCreateThread(work, &go);
+    endCalls.clear();
     EXPECT_FALSE(fxWaitThread(thread, 0.0005));
+    EXPECT_EQ(endCalls, "wait 0, ") << "cut to whole milliseconds";
     fxSetThreadPriority(thread, 1);
     go = true;
     EXPECT_TRUE(fxWaitThread(thread, 100000.0));
@@ -79,27 +119,6 @@ TEST(Threads, AreWaitedFor) {
     fxDestroyThread(thread);
     EXPECT_TRUE(fxWaitThread(nullptr, 1.0));
     fxDestroyThread(nullptr);
-}
-
-// Forced ends, as the platform is asked for them.
-std::string endCalls;
-std::atomic<bool> endNow;
-extern "C" {
-DWORD WINAPI __real_WaitForSingleObject(HANDLE handle, DWORD milliseconds);
-BOOL WINAPI __real_CloseHandle(HANDLE handle);
-DWORD WINAPI __wrap_WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    endCalls += "wait " + std::to_string(milliseconds) + ", ";
-    return __real_WaitForSingleObject(handle, milliseconds);
-}
-BOOL WINAPI __wrap_TerminateThread(HANDLE handle, DWORD exitCode) {
-    endCalls += "terminate " + std::to_string(exitCode) + ", ";
-    endNow = true; // not by force, so that the sanitizers can follow
-    return __real_WaitForSingleObject(handle, INFINITE) == WAIT_OBJECT_0;
-}
-BOOL WINAPI __wrap_CloseHandle(HANDLE handle) {
-    endCalls += "close";
-    return __real_CloseHandle(handle);
-}
 }
 
 TEST(Threads, AreEndedByForceOnlyWhenTheyHaveNotEnded) {
