@@ -13,6 +13,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -22,6 +23,7 @@ namespace {
 std::string endCalls;
 std::atomic<bool> endNow;
 std::atomic<DWORD> slept;
+std::vector<int> asked;
 extern "C" {
 DWORD WINAPI __real_WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 BOOL WINAPI __real_CloseHandle(HANDLE handle);
@@ -38,6 +40,14 @@ BOOL WINAPI __wrap_TerminateThread(HANDLE handle, DWORD exitCode) {
     endCalls += "terminate " + std::to_string(exitCode) + ", ";
     endNow = true; // not by force, so that the sanitizers can follow
     return __real_WaitForSingleObject(handle, INFINITE) == WAIT_OBJECT_0;
+}
+BOOL WINAPI __wrap_SetPriorityClass(HANDLE, DWORD priorityClass) {
+    asked.push_back(static_cast<int>(priorityClass));
+    return TRUE;
+}
+BOOL WINAPI __wrap_SetThreadPriority(HANDLE, int priority) {
+    asked.push_back(priority);
+    return TRUE;
 }
 BOOL WINAPI __wrap_CloseHandle(HANDLE handle) {
     endCalls += "close";
@@ -119,6 +129,21 @@ TEST(Threads, AreWaitedFor) {
     fxDestroyThread(thread);
     EXPECT_TRUE(fxWaitThread(nullptr, 1.0));
     fxDestroyThread(nullptr);
+}
+
+TEST(Threads, AreAsEagerAsAsked) {
+    asked.clear();
+    void* thread = fxCreateThread([](void*) {}, nullptr);
+    for (const int priority : {0, 7, -7}) {
+        fxSetAppPriority(priority);
+        fxSetThreadPriority(thread, priority);
+        fxSetThreadPriority(nullptr, priority);
+    }
+    fxWaitThread(thread, 100000.0);
+    fxDestroyThread(thread);
+    EXPECT_EQ(asked, (std::vector<int>{NORMAL_PRIORITY_CLASS, THREAD_PRIORITY_NORMAL, REALTIME_PRIORITY_CLASS,
+                                       THREAD_PRIORITY_TIME_CRITICAL, BELOW_NORMAL_PRIORITY_CLASS,
+                                       THREAD_PRIORITY_LOWEST}));
 }
 
 TEST(Threads, AreEndedByForceOnlyWhenTheyHaveNotEnded) {
