@@ -14,7 +14,7 @@ const std::string kLine = std::string(48, '-') + "\n";
 class Trace : public testing::Test {
 protected:
     Trace() {
-        fxSetTickSource([] { return 1234567u; });
+        fxSetTickSource([] { return 40000001u; }); // a millisecond that single precision cannot hold
     }
     ~Trace() override {
         fxCloseTraces();
@@ -45,7 +45,7 @@ TEST_F(Trace, WritesEachEntryAtOnceIntoTheFirstFileCutAt4096Characters) {
     trc("started %s\n", "well");
     err("no %d\n", 7);
     char prefix[64];
-    std::snprintf(prefix, sizeof prefix, "%08x: [1234.567] ", static_cast<unsigned>(GetCurrentThreadId()));
+    std::snprintf(prefix, sizeof prefix, "%08x: [40000.000] ", static_cast<unsigned>(GetCurrentThreadId()));
     const std::string lines = banner_ + prefix + "started well\n#ERROR: " + prefix + "no 7\n";
     EXPECT_EQ(Log(), lines);
     EXPECT_FALSE(fxOpenTraces("other.log"));
@@ -75,7 +75,7 @@ TEST_F(Trace, KeepsTheEntriesOfTwoThreadsApartAlsoWhileItCloses) {
         const bool isMine = line.starts_with("#ERROR: ");
         mine += isMine;
         char who[8] = "", rest[8] = "";
-        std::sscanf(line.c_str() + (isMine ? 8 : 0), "%*8[0-9a-f]: [1234.567] %4s %*d %7s", who, rest);
+        std::sscanf(line.c_str() + (isMine ? 8 : 0), "%*8[0-9a-f]: [40000.000] %4s %*d %7s", who, rest);
         EXPECT_STREQ(who, isMine ? "main" : "loop") << line;
         EXPECT_STREQ(rest, "ends") << line;
     }
