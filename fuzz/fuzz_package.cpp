@@ -3,7 +3,9 @@
 #include "package/package.h"
 #include "work_file.h"
 
+#include <algorithm>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -54,7 +56,7 @@ void Read(FXPackageData* data, unsigned char kind) {
         break;
     }
     for (const int count : {strings.count, ints.count, floats.count})
-        Expect(count >= 0 && count <= data->size);
+        Expect(count >= 0 && count <= std::max(data->size, FXPackageData::kSureCount));
 }
 
 void ReadEntry(const FXPackage& package, FXPackageData* data, std::string_view kinds) {
@@ -85,13 +87,16 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     std::ofstream(WorkFile(), std::ios::binary) << kHeaders[bytes[0] % 3] << rest;
 
     FXPackage package;
+    auto few = std::make_unique<FewElements>(size);
     if (!package.Load(WorkFile().c_str()))
         return 0;
     for (const FXArray<int>* table : {&package.offsets, &package.sizes, &package.types})
         Expect(table->count == package.ids.count);
-    Expect(package.cursors.count == package.ids.count && package.ids.count <= static_cast<int>(size));
+    Expect(package.cursors.count == package.ids.count &&
+           package.ids.count <= std::max(static_cast<int>(size), FXPackageData::kSureCount));
     for (int i = 0; i < package.cursors.count; ++i)
         ReadEntry(package, package.cursors[i], rest.substr(0, 64));
+    few.reset();
 
     Expect(package.Save(WorkFile().c_str(), bytes[0] & 1));
     FXPackage again;

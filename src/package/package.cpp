@@ -21,9 +21,8 @@ bool FXPackage::Load(const char* fileName) {
         fxScramble(body.get(), static_cast<std::size_t>(size));
     TakeBody(std::move(body), size);
     // Ids given to names from now on do not meet those of stored entries.
-    firstId = 0;
-    for (const int id : ids)
-        firstId = std::max(firstId, id < INT_MAX ? id + 1 : INT_MAX);
+    const int* largest = std::max_element(ids.begin(), ids.end());
+    firstId = ids.IsEmpty() ? 0 : *largest < INT_MAX ? *largest + 1 : INT_MAX;
     return true;
 }
 
@@ -34,16 +33,19 @@ void FXPackage::TakeBody(FXBytes body, int size) {
     for (FXArray<int>* table : {&ids, &offsets, &sizes, &types})
         cursor.ReadArray(table);
 
-    // Only a package that lies has tables of different lengths: an entry needs an id, a place and a length.
-    const int entries = std::min({ids.count, offsets.count, sizes.count});
-    for (FXArray<int>* table : {&ids, &offsets, &sizes})
-        table->count = entries;
-    types.count = std::min(types.count, entries);
-    while (types.count < entries && types.Realloc(entries))
-        types.Push(kRaw);
+    // Only a package that lies has tables of different lengths: there are as many entries as ids, and what a
+    // table lacks is 0.
+    for (FXArray<int>* table : {&offsets, &sizes, &types}) {
+        if (!table->Realloc(ids.count))
+            ids.count = table->count; // without memory for them, fewer entries
+        while (table->count < ids.count)
+            table->Push(0);
+    }
+    for (FXArray<int>* table : {&offsets, &sizes, &types})
+        table->count = ids.count;
 
     dataSize = cursor.left;
-    dataBlock = body.get() + (size - dataSize);
+    dataBlock = dataSize > 0 ? body.get() + (size - dataSize) : nullptr;
     block = std::move(body);
     RecompClasses();
 }

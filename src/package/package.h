@@ -53,7 +53,8 @@ public:
     void AddTmpFile(const char* file);
     void DeleteTmpFiles(); // from the disk
 
-    unsigned char* dataBlock = nullptr; // the entries' bytes, inside the block that holds the file's body
+    // The entries' bytes, inside the block that holds the file's body; null when there are none.
+    unsigned char* dataBlock = nullptr;
     int dataSize = 0;
     FXArray<int> ids;
     FXArray<int> offsets; // of each entry, from the start of dataBlock

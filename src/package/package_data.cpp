@@ -56,7 +56,8 @@ void FXPackageData::ReadFloat4(float* dst) {
 }
 
 int FXPackageData::ReadCount() {
-    return std::clamp(ReadInt(), 0, size);
+    const int stored = ReadInt();
+    return std::clamp(stored, 0, std::max(kSureCount, left / 4));
 }
 
 void FXPackageData::ReadString(FXStr* s) {

@@ -8,11 +8,13 @@
 // Walks a block that somebody else owns. A read that does not fit gives 0, 0.0, null or an empty string and
 // consumes nothing; there is no error state. Little-endian; a bool is one byte, true when it is exactly 1.
 //
-// A counted read gives as many elements as the count says, defaults where the bytes have run out, but never
-// more elements than the whole block has bytes: a count that lies costs no memory. A negative count gives
-// none.
+// A counted read gives as many elements as the count says, defaults where the bytes have run out, whatever is
+// left: up to kSureCount. Beyond that it gives no more elements than the bytes left hold, at 4 bytes each at
+// the least, so that a count that lies costs little memory. A negative count gives none.
 class FXPackageData {
 public:
+    static constexpr int kSureCount = 65536;
+
     void InitData(const void* p, int n); // n < 0 counts as 0
     void Reseek();                       // back to the start
 
@@ -20,6 +22,7 @@ public:
     int ReadInt();
     float ReadFloat();
     double ReadDouble();
+    int ReadCount();             // of elements that follow, within those bounds
     void ReadFloat4(float* dst); // leaves dst as it is when 16 bytes are not left
     // The next n bytes in place, null when they are not left or n is negative.
     const void* ReadBlc(int n);
@@ -41,5 +44,4 @@ public:
 
 private:
     template <class T> T ReadValue();
-    int ReadCount();
 };

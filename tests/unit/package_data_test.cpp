@@ -68,12 +68,24 @@ TEST(PackageData, StringsStayInsideTheBlockAndTheirCapacity) {
     }
 }
 
-TEST(PackageData, CountedReadsEndWithDefaultsAndNeverExceedTheBlock) {
+// The elements that are there, and zeros up to `count`.
+std::vector<int> Filled(std::vector<int> elements, int count) {
+    elements.resize(static_cast<std::size_t>(count));
+    return elements;
+}
+
+TEST(PackageData, CountedReadsEndWithDefaultsUpToABoundOfTheirOwn) {
+    constexpr int kSure = FXPackageData::kSureCount;
+    const std::string large(4 * kSure, '\0');
     const std::tuple<std::string, std::vector<int>, int> cases[] = {
         {Ints({2, 5, 6, 7}), {5, 6}, 4},
         {Ints({3, 5, 6}), {5, 6, 0}, 0},
         {Ints({2, 5}) + "abc", {5, 0}, 3},
-        {Ints({INT_MAX, 5}), {5, 0, 0, 0, 0, 0, 0, 0}, 0},
+        {Ints({kSure, 5}), Filled({5}, kSure), 0},
+        {Ints({kSure + 1, 5}), Filled({5}, kSure), 0},
+        {Ints({INT_MAX, 5}), Filled({5}, kSure), 0},
+        {Ints({kSure + 2, 5}) + large, Filled({5}, kSure + 1), 0}, // beyond it, what the bytes hold
+        {Ints({kSure + 1, 5}) + large, Filled({5}, kSure + 1), 0},
         {Ints({-1, 5}), {}, 4},
     };
     for (const auto& [bytes, values, left] : cases) {
@@ -81,7 +93,7 @@ TEST(PackageData, CountedReadsEndWithDefaultsAndNeverExceedTheBlock) {
         FXArray<int> ints;
         ints.Push(9);
         block.cursor.ReadArray(&ints);
-        EXPECT_EQ(std::vector<int>(ints.begin(), ints.end()), values);
+        EXPECT_TRUE(std::vector<int>(ints.begin(), ints.end()) == values) << ints.count;
         EXPECT_EQ(block.cursor.left, left);
         block.cursor.Reseek();
         FXFloatArray floats;
@@ -91,8 +103,8 @@ TEST(PackageData, CountedReadsEndWithDefaultsAndNeverExceedTheBlock) {
     Block strings(Ints({INT_MAX, 1}) + "a");
     FXStrArray a;
     strings.cursor.ReadStringArray(&a);
-    ASSERT_EQ(a.count, 9);
-    EXPECT_EQ(std::string(a.Get(0)) + a.Get(8), "a");
+    ASSERT_EQ(a.count, kSure);
+    EXPECT_EQ(std::string(a.Get(0)) + a.Get(kSure - 1), "a");
 }
 
 } // namespace

@@ -65,7 +65,7 @@ TEST(Package, IsEmptyWithoutAPackage) {
     }
     for (const std::string& nothing : {Ints({0, 0, 0, 0}), std::string()}) {
         EXPECT_TRUE(package.Load(folder.Write("none", Header("pck01") + nothing).c_str()));
-        EXPECT_TRUE(package.ids.IsEmpty() && package.firstId == 0);
+        EXPECT_TRUE(package.ids.IsEmpty() && package.firstId == 0 && package.dataBlock == nullptr);
     }
 }
 
@@ -83,6 +83,8 @@ TEST(Package, TablesThatLieReadNothingOutsideAndCostNoMemory) {
         {Table({1, 2, 3}) + Table({1}) + Table({2}) + ones, "bc"},
         {Ints({INT_MAX, 1}) + Table({0}) + Table({1}) + ones, "none"},
         {Ints({-1, 1}), "none"},
+        {Table({2, 1}) + Table({1}) + Table({2, 1}), "a"}, // what a table lacks is 0: here the offset
+        {Table({2, 1}) + Table({1, 1}) + Table({2}), ""},  // the size
     };
     fxSetAllocLimit(4096);
     FXPackage package;
@@ -98,6 +100,21 @@ TEST(Package, TablesThatLieReadNothingOutsideAndCostNoMemory) {
     EXPECT_FALSE(package.Load(folder.Write("p", Header("pck01") + std::string(5000, 'x')).c_str()))
         << "no memory";
     fxSetAllocLimit(0);
+    // Ids alone, and a count that ends with the file: entries of value 0, without a byte.
+    ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Ints({3, 7})).c_str()));
+    EXPECT_EQ(Entry(package, 7) + Entry(package, 0), "");
+    EXPECT_TRUE(package.cursors.count == 3 && package.GetDataType(7) == 0 && package.dataBlock == nullptr);
+}
+
+TEST(Package, NumbersNamesBehindItsLargestId) {
+    const TempFolder folder;
+    const std::pair<std::vector<std::int32_t>, int> kCases[] = {
+        {{-7, -5, -6}, -4}, {{-1}, 0}, {{3, INT_MAX}, INT_MAX}, {{INT_MIN}, INT_MIN + 1}};
+    for (const auto& [ids, first] : kCases) {
+        FXPackage package;
+        ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Table(ids)).c_str()));
+        EXPECT_EQ(package.firstId, first);
+    }
 }
 
 } // namespace
