@@ -17,9 +17,12 @@ void ExpectWhole(const FXModel& model) {
             Expect(mesh->indices[i] >= 0 && mesh->indices[i] < mesh->vertexCount);
 }
 
-void TryModel(FXPackage* package) {
+void TryModel(FXPackage* package, std::size_t size) {
     FXModel model;
-    Expect(model.LoadCN(package, kEntry));
+    {
+        const FewElements few(size);
+        Expect(model.LoadCN(package, kEntry));
+    }
     model.UpdateMeshes();
     ExpectWhole(model);
     model.UnitizeStretch();
@@ -32,10 +35,13 @@ void TryModel(FXPackage* package) {
     Expect(again.GetTotalVertices() <= vertices);
 }
 
-void TryAnimation(FXPackage* package) {
+void TryAnimation(FXPackage* package, std::size_t size) {
     FXAnim animation;
-    if (!animation.LoadCN(package, kEntry))
-        return;
+    {
+        const FewElements few(size);
+        if (!animation.LoadCN(package, kEntry))
+            return;
+    }
     for (const FXModel* model : animation.models)
         if (model != nullptr)
             ExpectWhole(*model);
@@ -61,9 +67,12 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     WritePackage({bytes, size}, kRaw);
     FXPackage package;
     Expect(package.Load(WorkFile().c_str()));
-    FXMatlib library;
-    Expect(library.LoadC(&package, std::to_string(kEntry).c_str()));
-    TryModel(&package);
-    TryAnimation(&package);
+    {
+        const FewElements few(size);
+        FXMatlib library;
+        Expect(library.LoadC(&package, std::to_string(kEntry).c_str()));
+    }
+    TryModel(&package, size);
+    TryAnimation(&package, size);
     return 0;
 }

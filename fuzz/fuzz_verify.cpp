@@ -1,8 +1,10 @@
 // Any bytes as a package that tamb-pack looks into, takes apart and builds again, or as the file that it
 // makes a model or a library from. The first byte chooses.
+#include "geometry/model_import.h"
 #include "pack/content_check.h"
 #include "pack/description.h"
 #include "pack/extraction.h"
+#include "pack/kinds.h"
 #include "pack/mtl_file.h"
 #include "pack/obj_model.h"
 #include "pack/package_check.h"
@@ -14,7 +16,7 @@
 
 namespace {
 
-void TryPackage() {
+void TryPackage(std::size_t size) {
     Faults faults;
     PackageFacts facts;
     FXPackage package;
@@ -23,24 +25,27 @@ void TryPackage() {
         return;
     }
     Expect(package.Load(WorkFile().c_str()));
+    const FewElements few(size);
     if (OverlapsTooMuch(package))
         return;
     static_cast<void>(CheckContents(&package, [] {}));
+    const std::vector<EntryKind> kinds = KindsOf(package);
     for (int i = 0; i < package.cursors.count; ++i)
-        Describe(&package, i);
+        Describe(&package, i, kinds[static_cast<std::size_t>(i)]);
     for (const bool asWavefront : {false, true})
         static_cast<void>(ExtractAll(&package, facts.isScrambled, asWavefront));
 }
 
 void TryObj() {
-    ObjFile obj;
+    FXObjFile obj;
     std::string error;
-    if (!ReadObj(WorkFile(), &obj, &error)) {
+    if (!fxReadObj(WorkFile(), &obj, &error)) {
         Expect(!error.empty());
         return;
     }
     FXModel model;
-    MakeModel(obj, {}, &model);
+    model.ImportObj(obj, {});
+    model.UpdateMeshes();
     ObjText(model, "");
 }
 
@@ -66,6 +71,6 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     }
     std::ofstream(WorkFile(), std::ios::binary)
         << start << std::string_view(reinterpret_cast<const char*>(bytes) + 1, size - 1);
-    bytes[0] % 5 == 3 ? TryObj() : bytes[0] % 5 == 4 ? TryMtl() : TryPackage();
+    bytes[0] % 5 == 3 ? TryObj() : bytes[0] % 5 == 4 ? TryMtl() : TryPackage(size);
     return 0;
 }

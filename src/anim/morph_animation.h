@@ -22,8 +22,9 @@ public:
     void Destroy();
 
     // Files (morph_file.cpp). False when there is no entry or file of 8 bytes at least; one that lies gives
-    // fewer key frames, or empty ones.
-    bool LoadCN(FXPackage* pck, int id);
+    // empty key frames. What is beyond the budget is left out: all meshes (version 3), or the key frames from
+    // the one that does not fit on (version 2); without a budget given, that is said in the trace.
+    bool LoadCN(FXPackage* pck, int id, FXLoadBudget* budget = nullptr);
     bool Load(const char* path);
     // Version 3: all key frames in the layout of the first. False when they do not agree, or not all of it
     // got to the disk.
@@ -31,6 +32,9 @@ public:
     bool
     Save_v02(std::FILE* file) const; // names, times and settings alone; the models are files of their own
     bool Save_v03(std::FILE* file);
+    // Adds the key frames' libraries to a package in the making (FXModel::Compile). A key frame whose name is
+    // that of a file (version 2) is stored there too, as a model, and gets its number for a name.
+    bool Compile(FXPackage* pck);
     // May the two vertices share stored vectors: are they alike in every key frame?
     bool TestRedirect(int meshA, int vertexA, int meshB, int vertexB) override;
 
@@ -87,9 +91,9 @@ public:
 
 private:
     void LoadHead(FXPackageData* d);
-    void Load_v02CN(FXPackage* pck, FXPackageData* d);
-    void Load_v03CN(FXPackage* pck, FXPackageData* d);
-    void LoadFrom(FXPackage* pck, FXPackageData* d);
+    int Load_v02CN(FXPackage* pck, FXLoadBudget* budget);
+    int Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
+    void LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
     bool SaveHead(std::FILE* file) const;
     bool PackFirstFrame(FXVectorMap* map, std::FILE* file, FXArray<int>* redirects);
     void FinishLoading();

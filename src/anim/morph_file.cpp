@@ -1,10 +1,12 @@
 // The two versions of the animation format: a list of model names, or key frames that share one topology.
 #include "anim/morph_animation.h"
 #include "base/file_handle.h"
+#include "geometry/load_budget.h"
 #include "geometry/mesh.h"
 #include "geometry/num_pool.h"
 #include "package/file_block.h"
 #include "package/package.h"
+#include "platform/trace.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,16 +18,6 @@ namespace {
 constexpr const char* kVersion3 = "oa03";
 constexpr int kSmallestEntry = 8;
 constexpr int kPoolStep = 800000;
-constexpr int kSmallestMesh = 32; // a header and an empty pool
-
-// What an entry may ask for, so that no loader costs more than in proportion to its bytes: a mesh in a key
-// frame, and a key frame without meshes, takes 8 bytes at the least, a corner in a key frame a quarter of
-// one.
-constexpr std::int64_t kBytesPerMesh = 8;
-constexpr std::int64_t kCornersPerByte = 4;
-// Version 2 names entries, and may name one often.
-constexpr std::int64_t kTimesThePackage = 16;
-
 bool localIsVersion3(const FXPackageData& d) {
     return d.left >= kSmallestEntry && d.cur[0] == 4 && std::memcmp(d.cur + 4, kVersion3, 4) == 0;
 }
@@ -43,13 +35,13 @@ bool localSameLayout(const FXMesh* a, const FXMesh* b) {
 
 } // namespace
 
-bool FXAnim::LoadCN(FXPackage* pck, int id) {
+bool FXAnim::LoadCN(FXPackage* pck, int id, FXLoadBudget* budget) {
     Destroy();
     const FXPackageData* entry = pck->GetDataPtr(id);
     if (entry == nullptr || entry->size < kSmallestEntry)
         return false;
     FXPackageData d = *entry; // models and libraries are read from the package meanwhile
-    LoadFrom(pck, &d);
+    LoadFrom(pck, &d, budget);
     return true;
 }
 
@@ -58,18 +50,25 @@ bool FXAnim::Load(const char* path) {
     FXFileBlock file;
     if (!file.Load(path) || file.data.size < kSmallestEntry)
         return false;
-    LoadFrom(nullptr, &file.data);
+    LoadFrom(nullptr, &file.data, nullptr);
     return true;
 }
 
-void FXAnim::LoadFrom(FXPackage* pck, FXPackageData* d) {
-    if (localIsVersion3(*d)) {
+void FXAnim::LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* given) {
+    FXLoadBudget own;
+    FXLoadBudget* budget = given != nullptr ? given : &own;
+    budget->TakeRecord(d->size);
+    const bool isVersion3 = localIsVersion3(*d);
+    if (isVersion3)
         d->ReadBlc(kSmallestEntry);
-        Load_v03CN(pck, d);
-    } else {
-        Load_v02CN(pck, d);
-    }
+    LoadHead(d);
+    const int whole = isVersion3 ? Load_v03CN(pck, d, budget) : Load_v02CN(pck, budget);
     FinishLoading();
+    if (!own.IsExceeded())
+        return;
+    FXStr why;
+    own.Describe(&why);
+    err("animation of %d key frames is left with %d: %s\n", frameNames.count, whole, why.text);
 }
 
 void FXAnim::LoadHead(FXPackageData* d) {
@@ -81,54 +80,54 @@ void FXAnim::LoadHead(FXPackageData* d) {
         *flag = d->ReadBool();
 }
 
-void FXAnim::Load_v02CN(FXPackage* pck, FXPackageData* d) {
-    LoadHead(d);
-    std::int64_t budget = pck != nullptr ? kTimesThePackage * pck->dataSize : 0;
-    for (int i = 0; i < frameNames.count; ++i) {
+// Both versions give how many key frames, from the first on, the budget had room for.
+int FXAnim::Load_v02CN(FXPackage* pck, FXLoadBudget* budget) {
+    if (!models.Realloc(frameNames.count))
+        return 0;
+    while (models.count < frameNames.count)
         models.Push(nullptr);
-        const char* frameName = frameNames.Get(i);
+    for (int f = 0; f < frameNames.count; ++f) {
         int id = 0;
         auto model = std::make_unique<FXModel>();
-        if (pck == nullptr) {
-            if (!model->Load(frameName))
-                continue;
-        } else {
-            const bool isId = std::sscanf(frameName, "%d", &id) == 1;
-            const FXPackageData* entry = isId ? pck->GetDataPtr(id) : nullptr;
-            if (entry == nullptr || entry->size > budget)
-                continue;
-            budget -= entry->size;
-            model->LoadCN(pck, id);
-        }
-        models[i] = model.release();
+        const bool isThere =
+            pck == nullptr ? model->Load(frameNames.Get(f), budget)
+                           : std::sscanf(frameNames.Get(f), "%d", &id) == 1 && model->LoadCN(pck, id, budget);
+        if (isThere && !budget->TakeFrames(1))
+            return f;
+        if (isThere)
+            models[f] = model.release();
     }
+    return frameNames.count;
 }
 
-void FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d) {
-    LoadHead(d);
-    const std::int64_t bytes = d->size;
+int FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
     const int frames = frameNames.count;
-    const int meshes = std::clamp(d->ReadInt(), 0, d->left / kSmallestMesh);
-    if (frames * std::int64_t{std::max(meshes, 1)} > bytes / kBytesPerMesh || !models.Realloc(frames))
-        return;
+    const int meshes = d->ReadCount();
+    if (!budget->TakeFrames(frames) || !models.Realloc(frames))
+        return 0;
     for (int f = 0; f < frames; ++f) {
         models.Push(new FXModel);
         models[f]->name.Set(frameNames.Get(f));
     }
     if (frames == 0)
-        return;
+        return 0;
     FXModel& first = *models[0];
-    first.LoadMatlib(pck, d);
-    std::int64_t corners = 0;
+    first.LoadMatlib(pck, d, budget);
+    if (!first.loadedMeshes.Realloc(std::min(meshes, FXLoadBudget::kMostMeshes)))
+        return 0;
     for (int m = 0; m < meshes; ++m) {
-        first.loadedMeshes.Push(new FXMesh);
-        first.loadedMeshes[m]->LoadMeshIC(pck, d, first.matlib);
-        corners += first.loadedMeshes[m]->indexCount;
-        if (frames * corners > bytes * kCornersPerByte)
-            return first.Destroy();
+        auto mesh = std::make_unique<FXMesh>();
+        mesh->LoadMeshIC(pck, d, first.matlib, budget);
+        if (budget->IsExceeded()) {
+            first.Destroy();
+            return 0;
+        }
+        first.loadedMeshes.Push(mesh.release());
     }
     for (int f = 1; f < frames; ++f) {
         models[f]->ShareMatlib(first.matlib);
+        if (!models[f]->loadedMeshes.Realloc(meshes))
+            return 0;
         for (int m = 0; m < meshes; ++m) {
             models[f]->loadedMeshes.Push(new FXMesh);
             models[f]->loadedMeshes[m]->CopyMeshI(first.loadedMeshes[m]);
@@ -143,6 +142,7 @@ void FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d) {
         for (int m = 0; m < meshes; ++m)
             model->loadedMeshes[m]->FromVMap(&map, &pools[static_cast<std::size_t>(m)]);
     }
+    return frames;
 }
 
 void FXAnim::FinishLoading() {
@@ -218,7 +218,28 @@ bool FXAnim::Save_v03(std::FILE* file) {
     return ok;
 }
 
+bool FXAnim::Compile(FXPackage* pck) {
+    bool ok = true;
+    for (int f = 0; f < models.count && f < frameNames.count; ++f) {
+        ok = ok && (models[f] == nullptr || models[f]->Compile(pck));
+        int size = 0, type = kRaw;
+        if (models[f] == nullptr || !FXPackage::CheckFile(frameNames.Get(f), &size, &type))
+            continue;
+        FXStr stored(frameNames.Get(f));
+        stored.Append(".tmp");
+        if (pck->FindId(stored.text) < 0) {
+            pck->AddTmpFile(stored.text);
+            ok = ok && models[f]->Save(stored.text);
+        }
+        pck->AddDataFile1(&stored);
+        frameNames.Change(f, stored.text);
+    }
+    return ok;
+}
+
 bool FXAnim::TestRedirect(int meshA, int vertexA, int meshB, int vertexB) {
+    if (meshB < 0)
+        return false; // nobody knows whose it was
     return std::all_of(models.begin(), models.end(), [&](const FXModel* model) {
         const tagFXVertex& a = model->meshes[meshA]->vertices[vertexA];
         const tagFXVertex& b = model->meshes[meshB]->vertices[vertexB];

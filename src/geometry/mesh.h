@@ -7,6 +7,7 @@
 
 #include <cstdio>
 
+class FXLoadBudget;
 class FXMaterial;
 class FXMatlib;
 class FXNumPool;
@@ -32,9 +33,10 @@ public:
     void Copy(const FXMesh* src);      // not disabled, flipV and secondMesh
     void CopyMeshI(const FXMesh* src); // the header; FromVMap fills in the rest
 
-    // Records (mesh_records.cpp): the full one, and the header of a packed mesh.
-    void LoadMeshC(FXPackage* pck, FXPackageData* d, FXMatlib* lib);
-    void LoadMeshIC(FXPackage* pck, FXPackageData* d, FXMatlib* lib);
+    // Records (mesh_records.cpp): the full one, and the header of a packed mesh. A mesh that is beyond the
+    // budget, where one is given, is empty.
+    void LoadMeshC(FXPackage* pck, FXPackageData* d, FXMatlib* lib, FXLoadBudget* budget = nullptr);
+    void LoadMeshIC(FXPackage* pck, FXPackageData* d, FXMatlib* lib, FXLoadBudget* budget = nullptr);
     bool SaveMesh(std::FILE* file) const;
     bool SaveMeshI(std::FILE* file) const;
 
@@ -95,4 +97,5 @@ private:
     void LoadHeadC(FXPackageData* d, FXMatlib* lib);
     bool SaveHead(std::FILE* file, float u, float v) const;
     bool IndicesFit() const;
+    bool ReallocWithin(FXLoadBudget* budget, int newVertexCount, int newIndexCount);
 };

@@ -1,4 +1,5 @@
 // The two stored forms of a mesh: whole, and the header of a packed one.
+#include "geometry/load_budget.h"
 #include "geometry/mesh.h"
 #include "image/material.h"
 #include "image/material_library.h"
@@ -6,6 +7,7 @@
 #include "platform/trace.h"
 
 #include <algorithm>
+#include <cstring>
 
 // Everything before the vertices.
 void FXMesh::LoadHeadC(FXPackageData* d, FXMatlib* lib) {
@@ -21,32 +23,37 @@ bool FXMesh::IndicesFit() const {
     return std::all_of(indices, indices + indexCount, [this](int i) { return i >= 0 && i < vertexCount; });
 }
 
-void FXMesh::LoadMeshC(FXPackage*, FXPackageData* d, FXMatlib* lib) {
+bool FXMesh::ReallocWithin(FXLoadBudget* budget, int newVertexCount, int newIndexCount) {
+    const bool isWithin = budget == nullptr || budget->TakeMesh(newVertexCount, newIndexCount);
+    return Realloc(isWithin ? newVertexCount : 0, isWithin ? newIndexCount : 0) && isWithin;
+}
+
+void FXMesh::LoadMeshC(FXPackage*, FXPackageData* d, FXMatlib* lib, FXLoadBudget* budget) {
     LoadHeadC(d, lib);
+    // The counts are believed only as far as the bytes go. What is there is read past in any case.
+    constexpr int kVertex = sizeof *vertices, kIndex = sizeof *indices;
     const int wantedVertices = d->ReadInt();
-    // The counts are believed only as far as the bytes go.
-    const bool haveVertices = wantedVertices >= 0 &&
-                              wantedVertices <= d->left / static_cast<int>(sizeof *vertices) &&
-                              Realloc(wantedVertices, 0) &&
-                              d->ReadCopyBlc(vertices, wantedVertices * static_cast<int>(sizeof *vertices));
+    const bool haveVertices = wantedVertices >= 0 && wantedVertices <= d->left / kVertex;
+    const void* storedVertices = haveVertices ? d->ReadBlc(wantedVertices * kVertex) : nullptr;
     const int wantedIndices = d->ReadInt();
-    const bool haveIndices = wantedIndices >= 0 &&
-                             wantedIndices <= d->left / static_cast<int>(sizeof *indices) && haveVertices &&
-                             Realloc(wantedVertices, wantedIndices) &&
-                             d->ReadCopyBlc(indices, wantedIndices * static_cast<int>(sizeof *indices));
-    if (!haveIndices || !IndicesFit())
+    const bool haveIndices = haveVertices && wantedIndices >= 0 && wantedIndices <= d->left / kIndex;
+    if (!ReallocWithin(budget, haveIndices ? wantedVertices : 0, haveIndices ? wantedIndices : 0))
+        return;
+    if (vertexCount > 0)
+        std::memcpy(vertices, storedVertices, static_cast<std::size_t>(vertexCount) * kVertex);
+    if (haveIndices)
+        d->ReadCopyBlc(indices, wantedIndices * kIndex);
+    if (!IndicesFit())
         vertexCount = indexCount = 0;
 }
 
-void FXMesh::LoadMeshIC(FXPackage*, FXPackageData* d, FXMatlib* lib) {
+void FXMesh::LoadMeshIC(FXPackage*, FXPackageData* d, FXMatlib* lib, FXLoadBudget* budget) {
     LoadHeadC(d, lib);
     const int vertexLimit = d->ReadInt();
     const int corners = d->ReadInt();
     // A corner takes a byte of the pool that follows, a vertex a corner.
-    if (corners < 0 || corners > d->left || vertexLimit < 0)
-        Realloc(0, 0);
-    else
-        Realloc(std::min(vertexLimit, corners), corners);
+    const bool canBe = corners >= 0 && corners <= d->left && vertexLimit >= 0;
+    ReallocWithin(budget, canBe ? std::min(vertexLimit, corners) : 0, canBe ? corners : 0);
 }
 
 bool FXMesh::SaveHead(std::FILE* file, float u, float v) const {

@@ -11,16 +11,8 @@
 namespace {
 
 constexpr int kFree = -1;        // a slot
+constexpr int kNoKey = -1;       // of a loaded vector
 constexpr int kNoUser = INT_MIN; // a position: neither a vertex nor ~vertex
-
-// One kind of stored vector.
-struct Kind {
-    FXFloatArray& values;
-    FXArray<int>& meshKeys;
-    FXArray<int>& vertexKeys;
-    int& count;
-    int width; // floats per vector
-};
 
 // Equal floats hash alike; 0 and -0 are equal.
 std::size_t localHash(const float* value, int width) {
@@ -30,32 +22,14 @@ std::size_t localHash(const float* value, int width) {
     return static_cast<std::size_t>(hash);
 }
 
-template <class Index>
-int localFind(const Index& index, const FXFloatArray& values, const FXArray<int>& meshKeys,
-              const FXArray<int>& vertexKeys, const float* value, int width, PMeshSaveClb* clb, int meshKey,
-              int vertexKey) {
-    const auto found = index.find(localHash(value, width));
-    if (found == index.end())
-        return -1;
-    for (const int i : found->second)
-        if (std::equal(value, value + width, &values.items[i * width]) &&
-            (clb == nullptr || clb->TestRedirect(meshKey, vertexKey, meshKeys[i], vertexKeys[i])))
-            return i;
-    return -1;
+int localKey(const FXArray<int>& keys, int i) {
+    return i < keys.count ? keys[i] : kNoKey;
 }
 
-template <class Index>
-int localPush(Index* index, Kind kind, const float* value, PMeshSaveClb* clb, int meshKey, int vertexKey) {
-    const int shared = localFind(*index, kind.values, kind.meshKeys, kind.vertexKeys, value, kind.width, clb,
-                                 meshKey, vertexKey);
-    if (shared >= 0)
-        return shared;
-    for (int i = 0; i < kind.width; ++i)
-        kind.values.Push(value[i]);
-    kind.meshKeys.Push(meshKey);
-    kind.vertexKeys.Push(vertexKey);
-    (*index)[localHash(value, kind.width)].push_back(kind.count);
-    return kind.count++;
+void localPushKey(FXArray<int>* keys, int vectorsBefore, int key) {
+    while (keys->count < vectorsBefore)
+        keys->Push(kNoKey);
+    keys->Push(key);
 }
 
 bool localSave(const FXFloatArray& values, int count, int width, std::FILE* file) {
@@ -94,34 +68,72 @@ void FXVectorMap::Destroy() {
         keys->DestroyBuf();
     posCount = normCount = texCount = 0;
     for (Index* index : {&posIndex_, &normIndex_, &texIndex_})
-        index->clear();
+        index->Clear();
+}
+
+// Takes in what came since the last time; from the first vector on when one was set.
+void FXVectorMap::Index::Update(const FXFloatArray& values, int width, int count) {
+    if (isStale)
+        Clear();
+    for (; indexed < count; ++indexed)
+        byHash[localHash(&values.items[indexed * width], width)].push_back(indexed);
+}
+
+void FXVectorMap::Index::Clear() {
+    byHash.clear();
+    indexed = 0;
+    isStale = false;
+}
+
+int FXVectorMap::Find(Index* index, const Kind& kind, const float* value, PMeshSaveClb* clb, int meshKey,
+                      int vertexKey) {
+    index->Update(kind.values, kind.width, kind.count);
+    const auto found = index->byHash.find(localHash(value, kind.width));
+    if (found == index->byHash.end())
+        return -1;
+    for (const int i : found->second)
+        if (std::equal(value, value + kind.width, &kind.values.items[i * kind.width]) &&
+            (clb == nullptr ||
+             clb->TestRedirect(meshKey, vertexKey, localKey(kind.meshKeys, i), localKey(kind.vertexKeys, i))))
+            return i;
+    return -1;
+}
+
+int FXVectorMap::Push(Index* index, Kind kind, const float* value, PMeshSaveClb* clb, int meshKey,
+                      int vertexKey) {
+    const int shared = Find(index, kind, value, clb, meshKey, vertexKey);
+    if (shared >= 0)
+        return shared;
+    kind.values.count = kind.count * kind.width; // without the rest of a loaded array
+    for (int i = 0; i < kind.width; ++i)
+        kind.values.Push(value[i]);
+    localPushKey(&kind.meshKeys, kind.count, meshKey);
+    localPushKey(&kind.vertexKeys, kind.count, vertexKey);
+    return kind.count++;
 }
 
 int FXVectorMap::PushVecPos(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey) {
-    return localPush(&posIndex_, {positions, posMesh, posVertex, posCount, 3}, v->pos, clb, meshKey,
-                     vertexKey);
+    return Push(&posIndex_, Positions(), v->pos, clb, meshKey, vertexKey);
 }
 
 int FXVectorMap::PushVecNorm(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey) {
-    return localPush(&normIndex_, {normals, normMesh, normVertex, normCount, 3}, v->normal, clb, meshKey,
-                     vertexKey);
+    return Push(&normIndex_, Normals(), v->normal, clb, meshKey, vertexKey);
 }
 
 int FXVectorMap::PushVecTex(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey) {
-    return localPush(&texIndex_, {texCoords, texMesh, texVertex, texCount, 2}, v->tex, clb, meshKey,
-                     vertexKey);
+    return Push(&texIndex_, TexCoords(), v->tex, clb, meshKey, vertexKey);
 }
 
-int FXVectorMap::FindVecPos(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const {
-    return localFind(posIndex_, positions, posMesh, posVertex, v->pos, 3, clb, meshKey, vertexKey);
+int FXVectorMap::FindVecPos(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) {
+    return Find(&posIndex_, Positions(), v->pos, clb, meshKey, vertexKey);
 }
 
-int FXVectorMap::FindVecNorm(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const {
-    return localFind(normIndex_, normals, normMesh, normVertex, v->normal, 3, clb, meshKey, vertexKey);
+int FXVectorMap::FindVecNorm(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) {
+    return Find(&normIndex_, Normals(), v->normal, clb, meshKey, vertexKey);
 }
 
-int FXVectorMap::FindVecTex(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const {
-    return localFind(texIndex_, texCoords, texMesh, texVertex, v->tex, 2, clb, meshKey, vertexKey);
+int FXVectorMap::FindVecTex(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) {
+    return Find(&texIndex_, TexCoords(), v->tex, clb, meshKey, vertexKey);
 }
 
 void FXVectorMap::GetVecPos(int i, float* out) const {
@@ -135,12 +147,15 @@ void FXVectorMap::GetVecTex(int i, float* out) const {
 }
 void FXVectorMap::SetVecPos(const tagFXVertex* v, int i) {
     localSet(positions, 3, i, v->pos);
+    posIndex_.isStale = true;
 }
 void FXVectorMap::SetVecNorm(const tagFXVertex* v, int i) {
     localSet(normals, 3, i, v->normal);
+    normIndex_.isStale = true;
 }
 void FXVectorMap::SetVecTex(const tagFXVertex* v, int i) {
     localSet(texCoords, 2, i, v->tex);
+    texIndex_.isStale = true;
 }
 
 bool FXVectorMap::Save(std::FILE* file) const {

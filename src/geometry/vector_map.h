@@ -11,6 +11,7 @@
 class FXPackageData;
 
 // Asked while packing: may two vertices, each named by mesh and vertex, share what is stored for one of them?
+// The second is -1, -1 when the vector was loaded.
 class PMeshSaveClb {
 public:
     virtual bool TestRedirect(int meshA, int vertexA, int meshB, int vertexB) = 0;
@@ -33,13 +34,13 @@ public:
     int PushVecPos(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey);
     int PushVecNorm(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey);
     int PushVecTex(const tagFXVertex* v, PMeshSaveClb* clb, int meshKey, int vertexKey);
-    // The search alone; -1 when none may be shared.
-    int FindVecPos(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const;
-    int FindVecNorm(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const;
-    int FindVecTex(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb) const;
+    // The search alone; -1 when none may be shared. The first search after a vector was set goes through them
+    // all.
+    int FindVecPos(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb);
+    int FindVecNorm(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb);
+    int FindVecTex(int meshKey, int vertexKey, const tagFXVertex* v, PMeshSaveClb* clb);
 
-    // Stored vector i, below the count of its kind. A vector that was set keeps its place in the search under
-    // its old value: a map is rewritten only after it has been packed.
+    // Stored vector i, below the count of its kind.
     void GetVecPos(int i, float* out) const;
     void GetVecNorm(int i, float* out) const;
     void GetVecTex(int i, float* out) const;
@@ -63,18 +64,40 @@ public:
     int posCount = 0;
     int normCount = 0;
     int texCount = 0;
-    // The mesh and the vertex that each stored vector was first taken from; while packing only.
+    // The mesh and the vertex that each stored vector was first taken from; of loaded ones there are none,
+    // and a callback gets -1 for them.
     FXArray<int> posMesh{kKeyStep}, posVertex{kKeyStep}, normMesh{kKeyStep}, normVertex{kKeyStep},
         texMesh{kKeyStep}, texVertex{kKeyStep};
 
 private:
-    // Stored vectors by the hash of their value, each list rising.
-    using Index = std::unordered_map<std::size_t, std::vector<int>>;
+    // Stored vectors by the hash of their value, each list rising; built by the searches.
+    struct Index {
+        void Update(const FXFloatArray& values, int width, int count);
+        void Clear();
+        std::unordered_map<std::size_t, std::vector<int>> byHash;
+        int indexed = 0; // the first so many vectors
+        bool isStale = false;
+    };
+    // One kind of stored vector.
+    struct Kind {
+        FXFloatArray& values;
+        FXArray<int>& meshKeys;
+        FXArray<int>& vertexKeys;
+        int& count;
+        int width; // floats per vector
+    };
     struct Triple {
         int p, n, t;
         bool operator==(const Triple&) const = default;
     };
 
+    Kind Positions() { return {positions, posMesh, posVertex, posCount, 3}; }
+    Kind Normals() { return {normals, normMesh, normVertex, normCount, 3}; }
+    Kind TexCoords() { return {texCoords, texMesh, texVertex, texCount, 2}; }
+    static int Find(Index* index, const Kind& kind, const float* value, PMeshSaveClb* clb, int meshKey,
+                    int vertexKey);
+    static int Push(Index* index, Kind kind, const float* value, PMeshSaveClb* clb, int meshKey,
+                    int vertexKey);
     std::size_t SlotOf(const Triple& triple) const;
     void PushShared(int vertex);
     void GrowSlots();

@@ -45,12 +45,13 @@ bool FXMatlib::LoadC(FXPackage* pkg, const char* text) {
     // A material's picture is read through the cursor of its entry, which may be this one's.
     FXPackageData record = *data;
     record.ReadString(&name);
-    int before = 0; // a count that lies ends with the bytes
-    for (int left = record.ReadInt(); left > 0 && record.left > 0 && record.left != before; --left) {
+    const int count = record.ReadCount();
+    if (!materials.Realloc(materials.count + std::min(count, FXPackageData::kSureCount)))
+        return true;
+    for (int i = 0; i < count; ++i) {
         FXMaterial* material = AppendOwned();
         if (material == nullptr)
             break;
-        before = record.left;
         material->LoadC(pkg, &record);
     }
     return true;
@@ -82,6 +83,12 @@ bool FXMatlib::Save(std::FILE* file) const {
     return name.Save(file) && fxWrite(&count, sizeof count, 1, file) &&
            std::all_of(materials.begin(), materials.end(),
                        [&](const FXMaterial* material) { return material->Save(file); });
+}
+
+void FXMatlib::Compile(FXPackage* pkg) {
+    for (FXMaterial* material : materials)
+        if (material != nullptr)
+            pkg->AddDataFile1(&material->texRef);
 }
 
 void FXMatlib::Release() {

@@ -23,12 +23,15 @@ public:
     // By exact name, in the parent first: what the scene registers takes precedence. Null when there is none.
     FXMaterial* FindMaterial(const char* materialName);
     // From the package entry whose number stands in the text; false when there is none. Materials are
-    // appended; one whose picture failed stays, untextured.
+    // appended, as many as the count says (FXPackageData), default-coloured where the record has ended; one
+    // whose picture failed stays, untextured.
     bool LoadC(FXPackage* pkg, const char* text);
     bool Load(const char* path); // the same record in a file, pictures by file name
     bool Save(const char* path) const;
     bool Save(std::FILE* file) const;
     bool LoadFromMtl(const char* path); // a Wavefront MTL file
+    // Adds every material's picture file to a package in the making, and names it by its number there. Once.
+    void Compile(FXPackage* pkg);
     // Gives up one reference. The last one destroys the library, unless autoDelete is off.
     void Release();
     void Destroy();

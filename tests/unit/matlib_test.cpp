@@ -73,13 +73,14 @@ TEST_F(Matlib, DestroysWhatItLoadedAndNothingElse) {
 
 TEST_F(Matlib, LoadsWhatTheBytesHold) {
     const std::string a = MaterialRecord("a", ""), b = MaterialRecord("b", "");
-    const std::pair<std::string, const char*> kCases[] = {
+    const std::pair<std::string, std::string> kCases[] = {
         {Header("lib") + Ints({0}) + a, ""},
         {Header("lib") + Ints({INT_MIN}) + a, ""},
         {Header("lib") + Ints({1}) + a + b, "a"},
-        {Header("lib") + Ints({INT_MAX}) + a + b, "a b"},
-        {Header("lib") + Ints({INT_MAX}) + a + Header("cut"), "a cut"}, // its colours are the preset's
-        {Header("lib") + Ints({INT_MAX}) + a + "cut", "a "},
+        {Header("lib") + Ints({4}) + a + b, "a b  "},
+        {Header("lib") + Ints({2}) + a + Header("cut"), "a cut"}, // its colours are the preset's
+        {Header("lib") + Ints({3}) + a + "cut", "a  "},
+        {Header("lib") + Ints({INT_MAX}) + a, "a" + std::string(FXPackageData::kSureCount - 1, ' ')},
         {Header("lib").substr(0, 6), ""},
         {Header("lib") + Ints({2}) + MaterialRecord("bad", "99") + b, "bad b"}, // untextured
         {Header("lib") + Ints({2}) + MaterialRecord("own", "5") + b,
@@ -88,7 +89,7 @@ TEST_F(Matlib, LoadsWhatTheBytesHold) {
         Load(record);
         FXMatlib library;
         EXPECT_TRUE(library.LoadC(&package_, "5"));
-        EXPECT_EQ(Names(library), names) << testing::PrintToString(record.substr(0, 40));
+        EXPECT_TRUE(Names(library) == names) << testing::PrintToString(record.substr(0, 40));
         EXPECT_EQ(GLRecorder::LiveTextures(), 0);
     }
     FXMatlib library;
@@ -97,7 +98,7 @@ TEST_F(Matlib, LoadsWhatTheBytesHold) {
     fxSetAllocLimit(sizeof(void*));
     EXPECT_TRUE(library.LoadC(&package_, "5"));
     fxSetAllocLimit(0);
-    EXPECT_EQ(Names(library), "own") << "no memory for a longer list";
+    EXPECT_TRUE(library.materials.IsEmpty()) << "no memory for the list";
 }
 
 TEST_F(Matlib, IsSharedByNameAndReleasedByTheLast) {

@@ -1,9 +1,11 @@
 // The morph in its files: all key frames in one layout (version 3), or a list of models (version 2).
 #include "anim/morph_animation.h"
 #include "base/memory.h"
+#include "geometry/load_budget.h"
 #include "image/material.h"
 #include "image/material_library.h"
 #include "unit/scene_parts.h"
+#include "unit/trace_lines.h"
 
 #include <climits>
 #include <utility>
@@ -143,6 +145,7 @@ TEST_F(MorphFile, ThatIsDamagedPlaysToItsEnd) {
         ASSERT_FALSE(anim.playing);
     };
     GLRecorder::SetNullMode(true);
+    fxSetAllocLimit(65536); // or every count that lies would give as many key frames
     for (const std::string& whole : versions)
         for (std::size_t at = 0; at < whole.size() && !HasFatalFailure(); ++at) {
             SCOPED_TRACE(at);
@@ -153,45 +156,89 @@ TEST_F(MorphFile, ThatIsDamagedPlaysToItsEnd) {
                 play(damaged);
             }
         }
+    fxSetAllocLimit(0);
     GLRecorder::SetNullMode(false);
 }
 
-TEST_F(MorphFile, ThatLiesCostsNoMoreThanItsBytes) {
+// Small meshes in many key frames, and one model over and over, are all there.
+TEST_F(MorphFile, OfManySmallPartsIsLoadedWhole) {
+    FXAnim written, read;
+    for (int f = 0; f < 40; ++f) {
+        const std::vector<TestVertex> corner = TriangleAt(static_cast<float>(f));
+        written.models.Push(NewModel(std::vector<std::vector<TestVertex>>(20, corner)));
+        written.frameNames.Push("f");
+        written.frameTimes.Push(10);
+    }
+    LoadPackage(Saved(&written));
+    ASSERT_TRUE(read.LoadCN(&package_, kMorph));
+    ASSERT_EQ(read.models.count, 40);
+    EXPECT_TRUE(read.models[39]->meshes.count == 20 && read.models[39]->GetTotalVertices() == 60);
+
+    LoadPackage(Settings(std::vector<std::string>(1000, "8")), {{8, kRaw, TriangleModel(folder_)}});
+    ASSERT_TRUE(read.LoadCN(&package_, kMorph));
+    ASSERT_EQ(read.models.count, 1000);
+    EXPECT_EQ(read.models.Findpos(nullptr), -1);
+}
+
+TEST_F(MorphFile, ThatLiesTakesNoMoreMemoryThanThereIs) {
     const std::string rest = Settings({}).substr(20); // behind names and times
     const std::string many = Times(500, Ints({0}));   // names
     const auto mesh = [](int vertices, int corners) {
         return Header("") + Floats({0, 0}) + Ints({0, 0, vertices, corners});
     };
+    const auto model = [&](int corners) {
+        return Header("om03") + Header("") + Header("") + Ints({1, 0, 0, 0}) + mesh(corners, corners) +
+               Ints({0}) + std::string(static_cast<std::size_t>(corners), '\0');
+    };
+    const std::string version3 = Header("oa03");
     const struct {
         const char* what;
         std::string body;
+        int frames;       // that are there
+        const char* says; // behind "animation of "; "": loaded
     } cases[] = {
-        {"names without end", Ints({INT_MAX}) + many},
-        {"less than none", Ints({-1, -1}) + rest + Ints({INT_MIN})},
-        {"key frames without meshes", Ints({INT_MAX, 0}) + rest + many},
+        {"names without end", version3 + Ints({INT_MAX}) + many, 65536, ""},
+        {"less than none", version3 + Ints({-1, -1}) + rest + Ints({INT_MIN}), 0, ""},
+        {"more key frames than there is room for", version3 + Ints({90000}) + Times(90000, Ints({0})), 0,
+         "90000 key frames is left with 0: it takes 198 MiB"},
         {"many key frames of many meshes",
-         Ints({500}) + many + Ints({0}) + rest + Ints({INT_MAX}) + Header("") + Times(200, mesh(3, 3))},
+         version3 + Ints({500}) + many + Ints({0}) + rest + Ints({INT_MAX}) + Header("") +
+             Times(200, mesh(3, 3)),
+         500, "500 key frames is left with 0: it takes 161 MiB"},
         {"every mesh claims all the bytes there are",
-         Ints({1, 0, 0}) + rest + Ints({300}) + Header("") + Times(300, mesh(INT_MAX, 2000)) + many},
+         version3 + Ints({1, 0, 0}) + rest + Ints({300}) + Header("") + Times(300, mesh(INT_MAX, 8000)) +
+             Times(5, many),
+         1, "1 key frames is left with 0: it takes 161 MiB"},
         {"many key frames of one large mesh",
-         Ints({500}) + many + Ints({0}) + rest + Ints({1}) + Header("") + mesh(2000, 2000) + many},
+         version3 + Ints({500}) + many + Ints({0}) + rest + Ints({1}) + Header("") + mesh(2100, 2100) + many +
+             many,
+         500, "500 key frames is left with 0: it takes 163 MiB"},
+        {"a large model over and over", Settings(std::vector<std::string>(20, "8")), 3,
+         "20 key frames is left with 3: it takes 185 MiB"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        const std::string bytes = Header("oa03") + c.body;
-        LoadPackage(bytes);
+        LoadPackage(c.body, {{8, kRaw, model(300000)}});
         FXAnim anim;
+        const TraceLines trace(folder_);
         ASSERT_TRUE(anim.LoadCN(&package_, kMorph));
-        std::int64_t meshes = 0, corners = 0;
-        for (const FXModel* model : anim.models) {
-            meshes += model->loadedMeshes.count;
-            for (const FXMesh* loaded : model->loadedMeshes)
-                corners += loaded->indexCapacity;
+        std::int64_t bytes = 0;
+        int frames = 0;
+        for (const FXModel* frame : anim.models) {
+            frames += frame != nullptr;
+            bytes += static_cast<std::int64_t>(sizeof *frame);
+            for (int m = 0; frame != nullptr && m < frame->loadedMeshes.count; ++m)
+                bytes += 2 * (static_cast<std::int64_t>(sizeof(FXMesh)) +
+                              frame->loadedMeshes[m]->vertexCapacity * 76LL +
+                              frame->loadedMeshes[m]->indexCapacity * 4LL);
         }
-        const auto size = static_cast<std::int64_t>(bytes.size());
-        EXPECT_LE(anim.models.count, size / 8);
-        EXPECT_LE(meshes, size / 8);
-        EXPECT_LE(corners, 4 * size);
+        EXPECT_LE(bytes, FXLoadBudget::kMostBytes);
+        EXPECT_EQ(frames, c.frames);
+        const std::vector<std::string> lines = trace.Lines();
+        const std::string said = lines.empty() ? "" : lines.back();
+        EXPECT_TRUE(*c.says == '\0' ? said.empty() || said.find("#ERROR: animation") == std::string::npos
+                                    : said.starts_with("#ERROR: animation of " + std::string(c.says)))
+            << said;
     }
 }
 

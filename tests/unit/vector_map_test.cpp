@@ -7,6 +7,7 @@
 #include <climits>
 #include <cmath>
 #include <numeric>
+#include <tuple>
 
 namespace {
 
@@ -66,7 +67,8 @@ TEST(NumPool, LoadsNoMoreThanTheBytesThereAre) {
 // `tail`.
 std::string Packed(int start, int count, const std::vector<int>& tail) {
     FXVectorMap map;
-    const std::string floats(static_cast<std::size_t>(start) * 12, '\0');
+    const std::string floats =
+        Floats(std::vector<float>(static_cast<std::size_t>(start) * 3, -1)); // nobody's
     const std::string record = Ints({3 * start}) + floats + Ints({3 * start}) + floats + Ints({2 * start}) +
                                floats.substr(0, floats.size() / 3 * 2);
     FXPackageData data;
@@ -183,6 +185,42 @@ TEST(Packing, SharesOnlyWithConsent) {
     EXPECT_EQ(map.PushVecPos(&v, nullptr, 4, 1), 3);
     EXPECT_EQ(map.PushVecPos(&v, nullptr, 4, 1), 4) << "equals nothing, not even itself";
     EXPECT_EQ(map.posCount, 5);
+}
+
+TEST(Packing, FindsWhatWasLoadedAndWhatWasSet) {
+    const std::string record = Ints({7}) + Floats({1, 2, 3, 4, 5, 6, 7}) + Ints({6}) +
+                               Floats({1, 2, 3, 4, 5, 6}) + Ints({4}) + Floats({1, 2, 4, 5});
+    FXPackageData data;
+    data.InitData(record.data(), static_cast<int>(record.size()));
+    FXVectorMap map;
+    map.LoadC(&data);
+    using Find = int (FXVectorMap::*)(int, int, const tagFXVertex*, PMeshSaveClb*);
+    using Push = int (FXVectorMap::*)(const tagFXVertex*, PMeshSaveClb*, int, int);
+    using Set = void (FXVectorMap::*)(const tagFXVertex*, int);
+    const std::tuple<Find, Push, Set> kKinds[] = {
+        {&FXVectorMap::FindVecPos, &FXVectorMap::PushVecPos, &FXVectorMap::SetVecPos},
+        {&FXVectorMap::FindVecNorm, &FXVectorMap::PushVecNorm, &FXVectorMap::SetVecNorm},
+        {&FXVectorMap::FindVecTex, &FXVectorMap::PushVecTex, &FXVectorMap::SetVecTex}};
+    const auto vertex = [](float x, float y, float z) {
+        return tagFXVertex{{x, y, z}, {x, y, z}, {x, y}, {}, {}, 0, {}};
+    };
+    const tagFXVertex first = vertex(1, 2, 3), second = vertex(4, 5, 6), other = vertex(9, 9, 9);
+    for (const auto& [find, push, set] : kKinds) {
+        OneMesh clb;
+        clb.consenting = -1; // what a loaded vector was taken from is not known
+        EXPECT_EQ((map.*find)(0, 0, &second, &clb), 1);
+        clb.asked.clear();
+        EXPECT_EQ((map.*push)(&other, nullptr, 7, 70), 2);
+        (map.*set)(&first, 1);
+        EXPECT_EQ((map.*find)(0, 0, &second, nullptr), -1) << "under its new value alone";
+        clb.consenting = 7;
+        EXPECT_EQ((map.*find)(3, 30, &first, &clb), -1);
+        EXPECT_EQ((map.*find)(3, 30, &other, &clb), 2);
+        EXPECT_EQ(clb.asked,
+                  (std::vector<std::array<int, 4>>{{3, 30, -1, -1}, {3, 30, -1, -1}, {3, 30, 7, 70}}));
+        (map.*set)(&other, 0);
+        EXPECT_EQ((map.*push)(&other, nullptr, 8, 80), 0) << "the lowest, set after it was searched";
+    }
 }
 
 TEST(Packing, LaterFramesRewriteTheMap) {
