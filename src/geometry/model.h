@@ -7,10 +7,13 @@
 
 #include <cstdio>
 
+class FXLoadBudget;
 class FXMatlib;
 class FXMesh;
 class FXPackage;
 class FXPackageData;
+struct FXObjFile;
+struct FXObjLooks;
 
 // Keeps the meshes as loaded, and working copies that are drawn, edited and saved; owns both, and one
 // reference of the library. Loading does not make the working copies: UpdateMeshes does. The environment must
@@ -24,15 +27,17 @@ public:
 
     void Destroy();
     // From an entry, in either version of the format. False when there is no such entry; one that is no
-    // model, or lies, gives a model that is empty or holds empty meshes.
-    bool LoadCN(FXPackage* pck, int id);
-    bool Load(const char* path); // the same bytes in a file; its library is a material file
+    // model, or lies, gives a model that is empty or holds empty meshes. Meshes beyond the budget are left
+    // out; without one given, that is said in the trace.
+    bool LoadCN(FXPackage* pck, int id, FXLoadBudget* budget = nullptr);
+    // The same bytes in a file; its library is a material file.
+    bool Load(const char* path, FXLoadBudget* budget = nullptr);
     void UpdateMeshes();
     // The source's working meshes, library and flipV.
     void Copy(FXModel* src);
     // Reads the library's name and loads it, from the package or, without one, a material file; for loaders,
     // of a model that has none yet.
-    void LoadMatlib(FXPackage* pck, FXPackageData* d);
+    void LoadMatlib(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
     // Takes a reference of its own; null gives up the one held.
     void ShareMatlib(FXMatlib* library);
 
@@ -41,6 +46,18 @@ public:
     bool Save(const char* path);
     bool Save_v02(std::FILE* file) const;
     bool Save_v03(std::FILE* file);
+    // Adds the library and its pictures to a package in the making, once for all models that share it, and
+    // names it by its number there. It stands in a temporary file beside it until DeleteTmpFiles. False when
+    // that cannot be written.
+    bool Compile(FXPackage* pck);
+
+    // The loaded group from a Wavefront OBJ file: a mesh for each material, looked up in the MTL file that it
+    // names (the first, beside it). What is not solid is drawn in two culled passes. False, with the line in
+    // the trace, when it cannot be read. In the target tamb_model_import.
+    bool ImportObj(const char* path);
+    // The same from what fxReadObj has read. Texture coordinates are stored times the extents of their
+    // picture, which is what it fills of a texture whose sides are powers of two, and with v downwards.
+    void ImportObj(const FXObjFile& obj, const FXObjLooks& looks);
 
     // The working meshes. Out of range gives null, or nothing happens.
     FXMesh* EnumMeshes(int i) const;
@@ -85,8 +102,8 @@ public:
     FXArray<FXMesh*> meshes; // entries may be null
 
 private:
-    void LoadFrom(FXPackage* pck, FXPackageData* d);
-    void Load_v02CN(FXPackage* pck, FXPackageData* d);
-    void Load_v03CN(FXPackage* pck, FXPackageData* d);
+    void LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
+    void Load_v02CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
+    void Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
     void DrawAll(PEnv* env, int transparent) const;
 };

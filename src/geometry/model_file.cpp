@@ -1,12 +1,15 @@
 // The two versions of the model format: whole mesh records, or packed ones that share a vector map.
 #include "base/file_handle.h"
 #include "env/environment.h"
+#include "geometry/load_budget.h"
 #include "geometry/mesh.h"
 #include "geometry/model.h"
 #include "geometry/num_pool.h"
 #include "geometry/vector_map.h"
+#include "image/material_library.h"
 #include "package/file_block.h"
 #include "package/package.h"
+#include "platform/trace.h"
 
 #include <algorithm>
 #include <memory>
@@ -17,11 +20,19 @@ namespace {
 constexpr const char* kVersion2 = "om02";
 constexpr const char* kVersion3 = "om03";
 constexpr int kPoolStep = 800000;
-// The bytes of a mesh that is stored at all; a count of more meshes than fit is a lie.
-constexpr int kSmallestMesh = 28;
 
-int localMeshCount(FXPackageData* d) {
-    return std::clamp(d->ReadInt(), 0, d->left / kSmallestMesh);
+// As many meshes as the count says and the budget holds.
+template <class Read>
+void localLoadMeshes(int count, FXLoadBudget* budget, FXArray<FXMesh*>* meshes, Read read) {
+    if (!meshes->Realloc(std::min(count, FXLoadBudget::kMostMeshes)))
+        return;
+    for (int i = 0; i < count; ++i) {
+        auto mesh = std::make_unique<FXMesh>();
+        read(mesh.get());
+        if (budget->IsExceeded())
+            return;
+        meshes->Push(mesh.release());
+    }
 }
 
 bool localWriteInt(std::FILE* file, std::int32_t value) {
@@ -30,73 +41,71 @@ bool localWriteInt(std::FILE* file, std::int32_t value) {
 
 } // namespace
 
-bool FXModel::LoadCN(FXPackage* pck, int id) {
+bool FXModel::LoadCN(FXPackage* pck, int id, FXLoadBudget* budget) {
     Destroy();
     const FXPackageData* entry = pck->GetDataPtr(id);
     if (entry == nullptr)
         return false;
     FXPackageData d = *entry; // the library may be read from the package meanwhile
-    LoadFrom(pck, &d);
+    LoadFrom(pck, &d, budget);
     return true;
 }
 
-bool FXModel::Load(const char* path) {
+bool FXModel::Load(const char* path, FXLoadBudget* budget) {
     Destroy();
     FXFileBlock file;
     if (!file.Load(path))
         return false;
-    LoadFrom(nullptr, &file.data);
+    LoadFrom(nullptr, &file.data, budget);
     return true;
 }
 
-void FXModel::LoadFrom(FXPackage* pck, FXPackageData* d) {
+void FXModel::LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* given) {
+    FXLoadBudget own;
+    FXLoadBudget* budget = given != nullptr ? given : &own;
     FXStr magic;
+    budget->TakeRecord(d->size);
     d->ReadString(&magic);
     if (magic.Compare(kVersion2))
-        Load_v02CN(pck, d);
+        Load_v02CN(pck, d, budget);
     else if (magic.Compare(kVersion3))
-        Load_v03CN(pck, d);
+        Load_v03CN(pck, d, budget);
+    if (!own.IsExceeded())
+        return;
+    FXStr why;
+    own.Describe(&why);
+    err("model '%s' is left with %d meshes: %s\n", name.text, loadedMeshes.count, why.text);
 }
 
-void FXModel::LoadMatlib(FXPackage* pck, FXPackageData* d) {
+void FXModel::LoadMatlib(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
     d->ReadString(&matlibName);
     if (fxglobalEnv == nullptr)
         return;
     matlib = pck != nullptr ? fxglobalEnv->LoadMatlibC(pck, matlibName.text)
                             : fxglobalEnv->LoadMatlib(matlibName.text);
+    if (matlib != nullptr && matlib->refCount == 1) // nobody else has it
+        budget->TakeMaterials(matlib->materials.count);
 }
 
-void FXModel::Load_v02CN(FXPackage* pck, FXPackageData* d) {
+void FXModel::Load_v02CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
     d->ReadString(&name);
-    LoadMatlib(pck, d);
-    const int count = localMeshCount(d);
-    if (!loadedMeshes.Realloc(count))
-        return;
-    for (int i = 0; i < count; ++i) {
-        loadedMeshes.Push(new FXMesh);
-        loadedMeshes.Last()->LoadMeshC(pck, d, matlib);
-    }
+    LoadMatlib(pck, d, budget);
+    localLoadMeshes(d->ReadCount(), budget, &loadedMeshes,
+                    [&](FXMesh* mesh) { mesh->LoadMeshC(pck, d, matlib, budget); });
 }
 
-void FXModel::Load_v03CN(FXPackage* pck, FXPackageData* d) {
+void FXModel::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
     d->ReadString(&name);
-    LoadMatlib(pck, d);
-    const int count = localMeshCount(d);
-    if (!loadedMeshes.Realloc(count))
-        return;
+    LoadMatlib(pck, d, budget);
+    const int count = d->ReadCount();
     FXVectorMap map;
     FXNumPool pool;
     map.LoadC(d);
-    std::int64_t corners = 0;
-    for (int i = 0; i < count; ++i) {
-        loadedMeshes.Push(new FXMesh);
-        loadedMeshes.Last()->LoadMeshIC(pck, d, matlib);
-        corners += loadedMeshes.Last()->indexCount;
-        if (corners > d->size) // each takes a byte of a pool: headers that lie do not add up to more memory
-            return loadedMeshes.Last()->Destroy();
+    localLoadMeshes(count, budget, &loadedMeshes, [&](FXMesh* mesh) {
+        mesh->LoadMeshIC(pck, d, matlib, budget);
         pool.LoadC(d);
-        loadedMeshes.Last()->FromVMap(&map, &pool);
-    }
+        mesh->FromVMap(&map, &pool);
+    });
 }
 
 bool FXModel::Save(const char* path) {
@@ -130,4 +139,20 @@ bool FXModel::Save_v03(std::FILE* file) {
     for (std::size_t i = 0; i < stored.size(); ++i)
         ok = ok && stored[i]->SaveMeshI(file) && pools[i]->Save(file);
     return ok;
+}
+
+bool FXModel::Compile(FXPackage* pck) {
+    if (matlib == nullptr || matlibName.IsEmpty())
+        return true;
+    FXStr stored = matlibName;
+    stored.Append(".tmp");
+    const bool isNew = pck->FindId(stored.text) < 0;
+    matlibName = stored;
+    pck->AddDataFile1(&matlibName);
+    if (!isNew)
+        return true;
+    matlib->Compile(pck);
+    matlib->name = matlibName; // models that ask for the entry share it
+    pck->AddTmpFile(stored.text);
+    return matlib->Save(stored.text);
 }

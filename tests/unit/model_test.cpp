@@ -1,11 +1,13 @@
 #include "base/file_handle.h"
 #include "base/memory.h"
+#include "geometry/load_budget.h"
 #include "geometry/model.h"
 #include "image/material.h"
 #include "image/material_library.h"
 #include "unit/recorded_device.h"
 #include "unit/test_mesh.h"
 #include "unit/test_package.h"
+#include "unit/trace_lines.h"
 
 #include <climits>
 #include <memory>
@@ -142,19 +144,55 @@ TEST_F(Model, ThatLiesHoldsEmptyMeshes) {
             EXPECT_LT(complete, 3) << length;
         }
         const std::string head = Header(version == 2 ? "om02" : "om03") + Header("m") + Header("");
-        fxSetAllocLimit(4096);
-        for (const int count : {INT_MAX, INT_MIN, -1, 100, 1000000}) {
+        for (const auto& [count, meshes] : {std::pair{INT_MAX, 65536}, {INT_MIN, 0}, {-1, 0}, {100, 100}}) {
             LoadPackage(head + Ints({count}) + std::string(100, '\0'));
             ASSERT_TRUE(model.LoadCN(&package_, 3));
-            EXPECT_LE(model.loadedMeshes.count, 3) << "a hundred bytes hold no more";
+            EXPECT_EQ(model.loadedMeshes.count, meshes) << "empty ones";
+            model.UpdateMeshes();
+            EXPECT_TRUE(model.meshes.count == meshes && model.GetTotalVertices() == 0);
         }
+        fxSetAllocLimit(4096);
+        LoadPackage(head + Ints({INT_MAX}));
+        EXPECT_TRUE(model.LoadCN(&package_, 3));
         fxSetAllocLimit(0);
+        EXPECT_EQ(model.loadedMeshes.count, 0) << "no memory for the list";
     }
     LoadPackage(Header("om04") + Header("m") + Header("") + Ints({1}));
     EXPECT_TRUE(model.LoadCN(&package_, 3));
     EXPECT_TRUE(model.loadedMeshes.IsEmpty() && model.name.IsEmpty());
     EXPECT_FALSE(model.LoadCN(&package_, 99));
     EXPECT_FALSE(model.Load(folder_.File("none").c_str()));
+}
+
+// Bytes of meshes that all claim what follows them. The first that does not fit is left out, with all behind
+// it.
+TEST_F(Model, TakesNoMoreMemoryThanThereIsForOne) {
+    const int corners = 300000;
+    const std::string mesh = Header("") + Floats({0, 0}) + Ints({0, 0, corners, corners, 0}); // 32 bytes
+    std::string lies = Header("om03") + Header("many") + Header("") + Ints({100, 0, 0, 0});
+    for (int i = 0; i < 100; ++i)
+        lies += mesh;
+    lies += std::string(corners, '\0');
+    LoadPackage(lies);
+    const TraceLines trace(folder_);
+    FXModel model;
+    ASSERT_TRUE(model.LoadCN(&package_, 3));
+    std::int64_t bytes = 0;
+    for (const FXMesh* loaded : model.loadedMeshes)
+        bytes += 2 * (loaded->vertexCapacity * 76LL + loaded->indexCapacity * 4LL);
+    EXPECT_EQ(model.loadedMeshes.count, 3) << "46 MiB each";
+    EXPECT_LE(bytes, FXLoadBudget::kMostBytes);
+    EXPECT_EQ(trace.Lines().back(),
+              "#ERROR: model 'many' is left with 3 meshes: it takes 184 MiB at the least, "
+              "and 160 MiB are the most");
+    FXLoadBudget none;
+    none.TakeRecord(INT_MAX);
+    FXPackageData d;
+    d.InitData(lies.data(), static_cast<int>(lies.size()));
+    d.ReadBlc(36); // to the first mesh
+    FXMesh refused;
+    refused.LoadMeshIC(nullptr, &d, nullptr, &none);
+    EXPECT_TRUE(refused.vertexCapacity == 0 && refused.indexCapacity == 0) << "not even for a moment";
 }
 
 TEST_F(Model, DrawsOpaqueMeshesThenThoseSeenThrough) {

@@ -1,8 +1,8 @@
 #include "pack/mtl_file.h"
 
+#include "geometry/wavefront_lines.h"
 #include "image/material.h"
 #include "pack/text.h"
-#include "pack/wavefront_lines.h"
 
 #define TINYOBJLOADER_USE_DOUBLE
 #include <tiny_obj_loader.h>
@@ -24,13 +24,13 @@ constexpr Numbers kNumbers[] = {{"Ka", 3}, {"Kd", 3}, {"Ks", 3}, {"Ke", 3}, {"Ns
 std::string FaultOf(const std::string& file, const std::string& text) {
     std::string fault;
     bool hasMaterial = false;
-    ForEachLine(text, [&](const WavefrontLine& line) {
+    fxForEachLine(text, [&](const FXWavefrontLine& line) {
         hasMaterial = hasMaterial || line.keyword == "newmtl";
         const auto* known = std::ranges::find(kNumbers, line.keyword, &Numbers::keyword);
         std::string found;
         if (known != std::end(kNumbers) && !hasMaterial)
             found = line.keyword + " stands before the first newmtl";
-        else if (known != std::end(kNumbers) && !HasNumbers(line, known->count))
+        else if (known != std::end(kNumbers) && !fxHasNumbers(line, known->count))
             found = Text("%s needs %zu numbers", known->keyword, known->count);
         else if (line.keyword == "newmtl" && line.rest.empty())
             found = "newmtl needs a name";
@@ -64,7 +64,7 @@ bool ReadMtl(const std::string& file, FXMatlib* library, std::string* error) {
         auto* material = new FXMaterial;
         material->ownedByLibrary = true;
         library->AddMaterial(material);
-        material->name.Set(Trimmed(read.name).c_str());
+        material->name.Set(fxTrimmed(read.name).c_str());
         material->texRef.Set(read.diffuse_texname.c_str());
         SetColor(read.ambient, 0, material->ambient);
         SetColor(read.diffuse, static_cast<float>(read.dissolve), material->diffuse);

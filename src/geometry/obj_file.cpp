@@ -1,15 +1,17 @@
-#include "pack/obj_file.h"
+#include "geometry/obj_file.h"
 
-#include "pack/text.h"
-#include "pack/wavefront_lines.h"
+#include "geometry/wavefront_lines.h"
+#include "package/file_block.h"
 
 #define TINYOBJLOADER_USE_DOUBLE
 #include <tiny_obj_loader.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <sstream>
 
@@ -20,7 +22,7 @@ constexpr const char* kPartKeyword[] = {"v", "vt", "vn"};
 constexpr std::size_t kPartNumbers[] = {3, 2, 3};
 
 // What a corner of a face names: "3", "3/1", "3//2", "3/1/2". Numbers that are not there are 0.
-bool ParseCorner(const std::string& word, std::array<long, 3>* numbers) {
+bool localParseCorner(const std::string& word, std::array<long, 3>* numbers) {
     *numbers = {};
     std::istringstream parts(word);
     std::size_t part = 0;
@@ -41,17 +43,18 @@ bool ParseCorner(const std::string& word, std::array<long, 3>* numbers) {
 // library of ours.
 class Scan {
 public:
-    Scan(const std::string& file, ObjFile* obj) : file_(file), obj_(obj) {}
+    Scan(const std::string& file, FXObjFile* obj) : file_(file), obj_(obj) {}
 
     bool Run(const std::string& text) {
-        ForEachLine(text, [this](const WavefrontLine& line) {
+        fxForEachLine(text, [this](const FXWavefrontLine& line) {
             if (error.empty())
                 Take(line);
         });
         for (const int part : {kPosition, kTexture, kNormal})
             if (error.empty() && highest_[part].number > counts_[part])
-                Fail(highest_[part].line, Text("a face names %s %ld, but there are %ld", kPartKeyword[part],
-                                               highest_[part].number, counts_[part]));
+                Fail(highest_[part].line, std::string("a face names ") + kPartKeyword[part] + " " +
+                                              std::to_string(highest_[part].number) + ", but there are " +
+                                              std::to_string(counts_[part]));
         return error.empty();
     }
 
@@ -70,12 +73,12 @@ private:
             error = file_ + ":" + std::to_string(line) + ": " + text;
     }
 
-    void Take(const WavefrontLine& line) {
+    void Take(const FXWavefrontLine& line) {
         const std::string& keyword = line.keyword;
         for (const int part : {kPosition, kTexture, kNormal})
             if (keyword == kPartKeyword[part]) {
-                if (!HasNumbers(line, kPartNumbers[part]))
-                    Fail(line.number, Text("%s needs %zu numbers", keyword.c_str(), kPartNumbers[part]));
+                if (!fxHasNumbers(line, kPartNumbers[part]))
+                    Fail(line.number, keyword + " needs " + std::to_string(kPartNumbers[part]) + " numbers");
                 ++counts_[part];
             }
         if (keyword == "f")
@@ -87,18 +90,19 @@ private:
         prepared += PreparedLine(line) + "\n";
     }
 
-    void TakeFace(const WavefrontLine& line) {
+    void TakeFace(const FXWavefrontLine& line) {
         if (line.words.size() < 3)
             return Fail(line.number, "a face needs 3 corners");
         std::array<long, 3> numbers;
         for (const std::string& word : line.words) {
-            if (!ParseCorner(word, &numbers))
+            if (!localParseCorner(word, &numbers))
                 return Fail(line.number,
                             "'" + word + "' is no corner of a face, such as 1, 1/2, 1//3 or 1/2/3");
             for (const int part : {kPosition, kTexture, kNormal}) {
                 if (numbers[part] + counts_[part] < 0)
-                    return Fail(line.number, Text("the face names %s %ld, but there are only %ld before it",
-                                                  kPartKeyword[part], numbers[part], counts_[part]));
+                    return Fail(line.number, std::string("the face names ") + kPartKeyword[part] + " " +
+                                                 std::to_string(numbers[part]) + ", but there are only " +
+                                                 std::to_string(counts_[part]) + " before it");
                 if (numbers[part] > highest_[part].number)
                     highest_[part] = {numbers[part], line.number};
             }
@@ -106,7 +110,7 @@ private:
     }
 
     // Line by line the same, so that the reader's line numbers are the file's.
-    std::string PreparedLine(const WavefrontLine& line) {
+    std::string PreparedLine(const FXWavefrontLine& line) {
         if (!hasLibrary_ && (line.keyword.empty() || line.keyword == "mtllib")) {
             hasLibrary_ = true;
             return "mtllib ours";
@@ -123,7 +127,7 @@ private:
     }
 
     const std::string& file_;
-    ObjFile* obj_;
+    FXObjFile* obj_;
     std::array<long, 3> counts_ = {};
     std::array<Highest, 3> highest_ = {};
     bool hasLibrary_ = false;
@@ -145,14 +149,14 @@ private:
 
 using Vector = std::array<double, 3>;
 
-template <std::size_t N> std::array<double, N> At(const std::vector<double>& numbers, int index) {
+template <std::size_t N> std::array<double, N> localAt(const std::vector<double>& numbers, int index) {
     std::array<double, N> value;
     std::copy_n(numbers.begin() + static_cast<std::ptrdiff_t>(N) * index, N, value.begin());
     return value;
 }
 
 // Unit, or zero for a triangle without area.
-Vector FaceNormal(const Vector& a, const Vector& b, const Vector& c) {
+Vector localFaceNormal(const Vector& a, const Vector& b, const Vector& c) {
     Vector u, v;
     for (std::size_t i = 0; i < 3; ++i) {
         u[i] = b[i] - a[i];
@@ -167,14 +171,14 @@ Vector FaceNormal(const Vector& a, const Vector& b, const Vector& c) {
 
 class Collector {
 public:
-    Collector(const tinyobj::attrib_t& attributes, const std::vector<std::string>& materials, ObjFile* obj)
+    Collector(const tinyobj::attrib_t& attributes, const std::vector<std::string>& materials, FXObjFile* obj)
         : attributes_(attributes), materials_(materials), obj_(obj) {}
 
     void Take(const tinyobj::mesh_t& mesh) {
         const tinyobj::index_t* corners = mesh.indices.data();
         for (std::size_t face = 0; face < mesh.num_face_vertices.size(); ++face) {
             const std::size_t count = mesh.num_face_vertices[face];
-            ObjMesh& target = MeshOf(mesh.material_ids[face]);
+            FXObjMesh& target = MeshOf(mesh.material_ids[face]);
             for (std::size_t i = 2; i < count; ++i)
                 TakeTriangle({corners[0], corners[i - 1], corners[i]}, mesh.smoothing_group_ids[face],
                              &target);
@@ -200,32 +204,32 @@ private:
         unsigned group;
     };
 
-    ObjMesh& MeshOf(int material) {
+    FXObjMesh& MeshOf(int material) {
         const auto [at, isNew] = meshes_.emplace(material, obj_->meshes.size());
         if (isNew)
             obj_->meshes.push_back({material < 0 ? "" : materials_[static_cast<std::size_t>(material)], {}});
         return obj_->meshes[at->second];
     }
 
-    void TakeTriangle(const std::array<tinyobj::index_t, 3>& triangle, unsigned group, ObjMesh* mesh) {
+    void TakeTriangle(const std::array<tinyobj::index_t, 3>& triangle, unsigned group, FXObjMesh* mesh) {
         std::array<Vector, 3> at;
         for (std::size_t i = 0; i < 3; ++i)
-            at[i] = At<3>(attributes_.vertices, triangle[i].vertex_index);
-        const Vector face = FaceNormal(at[0], at[1], at[2]);
+            at[i] = localAt<3>(attributes_.vertices, triangle[i].vertex_index);
+        const Vector face = localFaceNormal(at[0], at[1], at[2]);
         for (std::size_t i = 0; i < 3; ++i) {
             const tinyobj::index_t& index = triangle[i];
-            ObjCorner corner = {at[i], face, {}};
+            FXObjCorner corner = {at[i], face, {}};
             if (index.normal_index >= 0)
-                corner.normal = At<3>(attributes_.normals, index.normal_index);
+                corner.normal = localAt<3>(attributes_.normals, index.normal_index);
             else if (group != 0)
                 AddSmoothed(index.vertex_index, group, face, mesh);
             if (index.texcoord_index >= 0)
-                corner.tex = At<2>(attributes_.texcoords, index.texcoord_index);
+                corner.tex = localAt<2>(attributes_.texcoords, index.texcoord_index);
             mesh->corners.push_back(corner);
         }
     }
 
-    void AddSmoothed(int position, unsigned group, const Vector& face, const ObjMesh* mesh) {
+    void AddSmoothed(int position, unsigned group, const Vector& face, const FXObjMesh* mesh) {
         Vector& sum = sums_[{position, group}];
         for (std::size_t axis = 0; axis < 3; ++axis)
             sum[axis] += face[axis];
@@ -235,7 +239,7 @@ private:
 
     const tinyobj::attrib_t& attributes_;
     const std::vector<std::string>& materials_;
-    ObjFile* obj_;
+    FXObjFile* obj_;
     std::map<int, std::size_t> meshes_; // by material
     std::map<std::pair<int, unsigned>, Vector> sums_;
     std::vector<Smoothed> smoothed_;
@@ -243,12 +247,16 @@ private:
 
 } // namespace
 
-bool ReadObj(const std::string& file, ObjFile* obj, std::string* error) {
-    std::string text;
-    if (!ReadWhole(file, &text, error))
+bool fxReadObj(const std::string& file, FXObjFile* obj, std::string* error) {
+    FXFileBlock block;
+    errno = 0;
+    if (!block.Load(file.c_str())) {
+        *error = file + ": cannot be read: " + (errno != 0 ? std::strerror(errno) : "it is beyond 2 GiB");
         return false;
+    }
+    const auto* bytes = reinterpret_cast<const char*>(block.data.start);
     Scan scan(file, obj);
-    if (!scan.Run(text)) {
+    if (!scan.Run({bytes, static_cast<std::size_t>(block.data.size)})) {
         *error = scan.error;
         return false;
     }
@@ -260,7 +268,7 @@ bool ReadObj(const std::string& file, ObjFile* obj, std::string* error) {
     NumberedMaterials materials(scan.materials.size());
     if (!tinyobj::LoadObj(&attributes, &shapes, &unused, &warnings, &problem, &prepared, &materials, false,
                           false)) {
-        *error = file + ": " + Trimmed(problem);
+        *error = file + ": " + fxTrimmed(problem);
         return false;
     }
     Collector collector(attributes, scan.materials, obj);

@@ -1,6 +1,4 @@
-#include "pack/wavefront_lines.h"
-
-#include "pack/text.h"
+#include "geometry/wavefront_lines.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -8,7 +6,7 @@
 
 namespace {
 
-bool IsNumber(const std::string& word) {
+bool localIsNumber(const std::string& word) {
     char* end = nullptr;
     const double value = std::strtod(word.c_str(), &end);
     return !word.empty() && *end == '\0' && std::isfinite(static_cast<float>(value));
@@ -16,9 +14,15 @@ bool IsNumber(const std::string& word) {
 
 } // namespace
 
-void ForEachLine(const std::string& text, const std::function<void(const WavefrontLine&)>& take) {
+std::string fxTrimmed(const std::string& text) {
+    const char* const kBlank = " \t\r\n";
+    const std::size_t from = text.find_first_not_of(kBlank);
+    return from == std::string::npos ? "" : text.substr(from, text.find_last_not_of(kBlank) + 1 - from);
+}
+
+void fxForEachLine(const std::string& text, const std::function<void(const FXWavefrontLine&)>& take) {
     std::istringstream lines(text);
-    WavefrontLine line;
+    FXWavefrontLine line;
     for (std::string raw; std::getline(lines, raw);) {
         ++line.number;
         std::istringstream words(raw);
@@ -28,23 +32,18 @@ void ForEachLine(const std::string& text, const std::function<void(const Wavefro
         if (line.keyword.starts_with('#'))
             line.keyword.clear();
         const std::size_t behind = raw.find(line.keyword) + line.keyword.size();
-        line.rest = line.keyword.empty() ? "" : Trimmed(raw.substr(behind));
+        line.rest = line.keyword.empty() ? "" : fxTrimmed(raw.substr(behind));
         for (std::string word; !line.keyword.empty() && words >> word;)
             line.words.push_back(word);
         take(line);
     }
 }
 
-std::string Line3(const char* keyword, const float* numbers) {
-    return std::string(keyword) + " " + NumberText(numbers[0]) + " " + NumberText(numbers[1]) + " " +
-           NumberText(numbers[2]) + "\n";
-}
-
-bool HasNumbers(const WavefrontLine& line, std::size_t count) {
+bool fxHasNumbers(const FXWavefrontLine& line, std::size_t count) {
     if (line.words.size() < count)
         return false;
     for (std::size_t i = 0; i < count; ++i)
-        if (!IsNumber(line.words[i]))
+        if (!localIsNumber(line.words[i]))
             return false;
     return true;
 }
