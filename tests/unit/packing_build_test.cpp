@@ -5,6 +5,7 @@
 #include "image/material.h"
 #include "pack/description.h"
 #include "pack/extraction.h"
+#include "pack/kinds.h"
 #include "pack/mtl_file.h"
 #include "pack/names_header.h"
 #include "pack/picture_codec.h"
@@ -59,15 +60,16 @@ TEST(Packing, GivesPicturesShapesAndMaterialsBackAsTheyWentIn) {
                                   {"art/leaf.obj", "out/3-00.obj"},
                                   {"art/up.obj", "out/3-01.obj"}}) {
         SCOPED_TRACE(out);
-        ObjFile before, after;
-        ASSERT_TRUE(ReadObj(folder.File(in), &before, &error) && ReadObj(folder.File(out), &after, &error))
+        FXObjFile before, after;
+        ASSERT_TRUE(fxReadObj(folder.File(in), &before, &error) &&
+                    fxReadObj(folder.File(out), &after, &error))
             << error;
         ASSERT_EQ(after.meshes.size(), 2u);
         for (std::size_t m = 0; m < 2; ++m) {
             EXPECT_EQ(after.meshes[m].material, before.meshes[m].material);
             ASSERT_EQ(after.meshes[m].corners.size(), before.meshes[m].corners.size());
             for (std::size_t c = 0; c < before.meshes[m].corners.size(); ++c) {
-                const ObjCorner &a = before.meshes[m].corners[c], &b = after.meshes[m].corners[c];
+                const FXObjCorner &a = before.meshes[m].corners[c], &b = after.meshes[m].corners[c];
                 for (std::size_t i = 0; i < 3; ++i) {
                     EXPECT_EQ(static_cast<float>(a.position[i]), static_cast<float>(b.position[i]));
                     EXPECT_EQ(static_cast<float>(a.normal[i]), static_cast<float>(b.normal[i]));
@@ -122,9 +124,9 @@ TEST(Packing, MakesNormalsWhereAFileHasNone) {
                  {"s 1\nf 1 2 3\nf 1 3 4\n", {0, 0, 1}},
                  {"s 1\nf 1 2 3\ns 2\nf 1 3 4\n", {-std::sqrt(0.5), 0, std::sqrt(0.5)}}};
     for (const auto& c : cases) {
-        ObjFile obj;
+        FXObjFile obj;
         std::string error;
-        ASSERT_TRUE(ReadObj(folder.Write("roof.obj", roof + c.faces), &obj, &error)) << error;
+        ASSERT_TRUE(fxReadObj(folder.Write("roof.obj", roof + c.faces), &obj, &error)) << error;
         for (std::size_t i = 0; i < 3; ++i)
             EXPECT_NEAR(obj.meshes[0].corners[0].normal[i], c.normal[i], 1e-12) << c.faces;
     }
@@ -222,8 +224,9 @@ TEST(Packing, DescribesEveryKindOfEntry) {
         {8, "phaser: "},
         {5, "raw: "},
         {101, "library: \"101\": Leaf green=0"}};
+    const std::vector<EntryKind> kinds = KindsOf(package);
     for (int i = 0; i < package.ids.count; ++i) {
-        const Description found = Describe(&package, i);
+        const Description found = Describe(&package, i, kinds[static_cast<std::size_t>(i)]);
         EXPECT_EQ(found.kind + ": " + found.contents, expected.at(package.ids[i]));
     }
 }

@@ -1,5 +1,7 @@
 // Faults planted in a good package are found, each where it is.
 #include "pack/content_check.h"
+#include "pack/description.h"
+#include "pack/kinds.h"
 #include "pack/package_check.h"
 #include "pack/picture_codec.h"
 #include "unit/packing_folder.h"
@@ -73,7 +75,6 @@ TEST_F(Verify, SaysWhereAnEntryIsWrong) {
         {9, 61, Ints({0x7F800000}),
          "entry 9, byte 61: number 0 of position of vertex 0 of mesh 0 is no finite"},
         {9, 369, Ints({40}), "entry 9, byte 369: corner 0 of mesh 0 is vertex 40, but there are 4"},
-        {100, 27, Ints({13}), "entry 100, byte 27: the positions of the vector map are 13 numbers"},
         {72, 0, Ints({4}) + "oa04", "entry 72"},
         {72, 8, Ints({99999}), "entry 72, byte 8: the number of key frames is 99999"},
         {6, 8, "5", "key frame 0, '5', is not in the package"},
@@ -96,7 +97,6 @@ TEST_F(Verify, SaysWhereThePackageIsWrong) {
         const char* says;
     } cases[] = {
         {"not a package", "byte 0: it does not begin"},
-        {Header("pck01x") + Table({}) + Table({}) + Table({}) + Table({}), "byte 4: its header is 'pck01x'"},
         {Header("pck01") + Ints({5, 1}), "byte 9: the number of ids of the package is 5"},
         {Header("pck01") + one + Table({0}) + Table({}) + Table({-1}) + "a",
          "the tables differ: 1 ids, 1 offsets, 0"},
@@ -126,7 +126,7 @@ TEST_F(Verify, TellsOfEveryByteOnItsWayOnce) {
             end = field.offset + field.size;
         };
         EntryFacts facts;
-        CheckEntry(KindOf(data, kRaw), data, &faults, &facts);
+        CheckEntry(KindOf(package_, id), data, &faults, &facts);
         EXPECT_EQ(end, data.size) << "entry " << id;
     }
 }
@@ -154,6 +154,163 @@ TEST_F(Verify, WarnsOfWhatTheShowCanLiveWith) {
     EXPECT_NE(warnings.find("entry 11, the sun's core, is missing: the show goes on"), std::string::npos);
     EXPECT_EQ(warnings.find("entry 72"), std::string::npos);
     EXPECT_EQ(warnings.find("Material001"), std::string::npos) << "the desktop's, which the show has";
+}
+
+std::string MeshHead(int vertices, int corners) {
+    return Header("") + Floats({0, 0}) + Ints({0, 0, vertices, corners});
+}
+std::string Packed(const std::string& map, const std::string& meshes, int count = 1) {
+    return Header("om03") + Header("m") + Header("") + Ints({count}) + map + meshes;
+}
+std::string Animation(int frames, const std::string& name, const std::string& graph) {
+    std::string names = Ints({frames}), times = Ints({frames});
+    for (int i = 0; i < frames; ++i) {
+        names += Header(name);
+        times += Ints({5});
+    }
+    return names + times + graph + Floats({0.5f});
+}
+
+// What the show reads well has a warning that says what it makes of it, and no fault: its own loaders find as
+// many corners as are expected of it.
+TEST(VerifyWarns, OfWhatTheShowReadsOtherwiseThanItLooks) {
+    const std::string rest = Ints({3}) + Floats({0, 0, 1}) + Ints({2}) + Floats({0, 0});
+    const std::string map = Ints({9}) + Floats(std::vector<float>(9, 0)) + rest;
+    const std::string pool("\0\x14\0\0\x14\0\0", 7), fourth("\x15\0\0\0", 4);
+    const std::string graph = Ints({0, 0, 0, 0}) + std::string(2, '\0') + Floats({0}) + Ints({4});
+    const std::string flags(4, '\1'), model = Packed(map, MeshHead(3, 3) + Ints({7}) + pool);
+    const struct {
+        std::string entry; // 72 of the package, whose 100 is a model
+        const char* says;
+    } cases[] = {
+        {Animation(2, "100", graph) + flags, ""},
+        {Animation(2, " 100", graph) + flags,
+         "key frame 0, ' 100', is no plain number: the show takes it for 100"},
+        {Animation(1, "100x", graph) + flags, "key frame 0, '100x', is no plain number"},
+        {Animation(1, "100", Ints({0, 0, 1, 7, 0}) + graph.substr(16)) + flags,
+         "the graph has 1 positions, but 0 values: the show uses neither"},
+        {Animation(1, "100", graph) + "\2\1\1\1",
+         "the flag playing is 2, neither 0 nor 1: the show takes it for false"},
+        {Animation(1, "100", graph) + flags + "xy",
+         "2 bytes are left over at the end: the show does not read that far"},
+        {Packed(Ints({10}) + Floats(std::vector<float>(10, 0)) + rest, MeshHead(3, 3) + Ints({7}) + pool),
+         "are 10 numbers, no multiple of 3: the show does without the last 1"},
+        {Packed(map, MeshHead(3, 3) + Ints({9}) + pool + "xy"), "has 2 bytes more than its corners take"},
+        {Packed(map, MeshHead(0, 0) + Ints({7}) + pool), "has 7 bytes more than its corners take"},
+        {Packed(map, MeshHead(0, 3) + Ints({7}) + pool),
+         "3 corners, but no vertices: the show leaves it empty"},
+        {Packed(map, MeshHead(3, 4) + Ints({11}) + pool + fourth),
+         "no whole triangles: the last 1 make none"},
+        {model + "x", "1 byte is left over at the end"},
+        {std::string(model).replace(8, 5, Ints({1}) + std::string(1, '\0')),
+         "the name has a zero byte in it"},
+    };
+    const TempFolder folder;
+    for (const auto& c : cases) {
+        FXPackage package;
+        const int id = c.entry.starts_with(Header("om03")) ? 4 : 72;
+        LoadTestPackage(package, folder, {{id, kRaw, c.entry}, {100, kRaw, model}});
+        std::string faults, warnings;
+        for (const EntryFindings& entry : CheckContents(&package, [] {}))
+            for (const Fault& fault : entry.faults.all)
+                if (entry.id == id)
+                    (fault.isWarning ? warnings : faults) += fault.text + "\n";
+        EXPECT_EQ(faults, "") << c.says;
+        EXPECT_EQ(warnings.empty(), *c.says == '\0');
+        EXPECT_NE(warnings.find(c.says), std::string::npos) << c.says << ": " << warnings;
+    }
+}
+
+TEST(VerifyFinds, WhatTheShowHasNoMemoryFor) {
+    const std::string none = Ints({0, 0, 0});
+    const std::string head = Ints({0, 0, 0, 0}) + std::string(2, '\0') + Floats({0}) + Ints({4});
+    std::string manyMeshes, corners, manyHeads;
+    for (int i = 0; i < 70000; ++i)
+        manyMeshes += MeshHead(0, 0) + Ints({0});
+    for (int i = 0; i < 200000; ++i)
+        corners.append("\x15\0\0\0", 4);
+    for (int i = 0; i < 200; ++i)
+        manyHeads += MeshHead(3, 3);
+    const std::string one = Ints({3, 0, 0, 0, 3, 0, 0, 0, 2, 0, 0});
+    const struct {
+        std::string entry; // 72, or 4 when it is a model; 100 is one of 31 MiB
+        const char* says;
+    } cases[] = {
+        {Packed(none, manyMeshes, 70000), "mesh 68971 and what follows out: it takes 161 MiB at the least"},
+        {Animation(10, "100", head) + "\1\1\1\1",
+         "the show leaves key frame 5 and what follows out: it takes 188"},
+        {Header("oa03") + Animation(500, "f", head) + "\1\1\1\1" + Ints({200}) + Header("") + manyHeads,
+         "the show leaves its meshes out: it takes 2"},
+    };
+    const TempFolder folder;
+    for (const auto& c : cases) {
+        FXPackage package;
+        const int id = c.entry.starts_with(Header("om03")) ? 4 : 72;
+        LoadTestPackage(package, folder,
+                        {{id, kRaw, c.entry},
+                         {100, kRaw, Packed(one, MeshHead(200000, 200000) + Ints({800000}) + corners)}});
+        std::string faults;
+        for (const EntryFindings& entry : CheckContents(&package, [] {}))
+            for (const Fault& fault : entry.faults.all)
+                faults += fault.isWarning ? "" : fault.text + "\n";
+        EXPECT_NE(faults.find(c.says), std::string::npos) << c.says << ": " << faults;
+    }
+}
+
+// Entries without a magic word: what they are named for, then what the show asks for, then their shape.
+TEST(Kinds, FollowWhoRefersToAnEntry) {
+    const TempFolder folder;
+    FXPackage package;
+    std::vector<float> unit(16, 0);
+    unit[0] = unit[5] = unit[10] = unit[15] = 1;
+    const std::string matrix = Floats(unit);
+    const std::string graph = Ints({0, 1000, 0, 0}) + std::string(2, '\0') + Floats({0.3f}) + Ints({16});
+    const std::string morph = Animation(2, "104", graph) + std::string("\1\0\1\1", 4);
+    ASSERT_EQ(morph.size(), matrix.size());
+    const std::string model = Header("om02") + Header("") + Header("102") + Ints({0});
+    LoadTestPackage(package, folder,
+                    {{72, kRaw, matrix},
+                     {11, kRaw, matrix},
+                     {18, kRaw, matrix},
+                     {19, kTga, morph},
+                     {100, kRaw, model},
+                     {101, kRaw, matrix},
+                     {102, kRaw, matrix},
+                     {103, kRaw, morph},
+                     {104, kRaw, matrix},
+                     {4, kRaw, Header("x") + Ints({0})},
+                     {105, kRaw, "odd"}});
+    const EntryKind expected[] = {EntryKind::Animation, EntryKind::Model,     EntryKind::Matrix,
+                                  EntryKind::Picture,   EntryKind::Model,     EntryKind::Matrix,
+                                  EntryKind::Library,   EntryKind::Animation, EntryKind::Model,
+                                  EntryKind::Model,     EntryKind::Raw};
+    const std::vector<EntryKind> kinds = KindsOf(package);
+    ASSERT_EQ(kinds.size(), std::size(expected));
+    for (std::size_t i = 0; i < kinds.size(); ++i)
+        EXPECT_STREQ(KindName(kinds[i]), KindName(expected[i])) << package.ids[static_cast<int>(i)];
+}
+
+// An animation of version 2 whose two names have three digits is as long as a matrix.
+TEST(Kinds, OfWhatWasBuiltAreThoseOfItsManifest) {
+    const PictureCodec codec;
+    const PackingFolder folder;
+    std::string manifest;
+    for (const int id : {100, 101})
+        manifest += "[[entry]]\nid = " + std::to_string(id) + "\nmodel = 'art/leaf.obj'\n";
+    for (const int id : {72, 110})
+        manifest += "[[entry]]\nid = " + std::to_string(id) + "\nanimation = [100, 101]\ntimes = 700\n";
+    folder.Write("m.toml", manifest);
+    ASSERT_EQ(folder.Build("m.toml", "p"), "");
+    FXPackage package;
+    ASSERT_TRUE(package.Load(folder.File("p").c_str()));
+    EXPECT_EQ(Findings(folder.File("p")), "");
+    const std::vector<EntryKind> kinds = KindsOf(package);
+    for (const int id : {72, 110}) {
+        const int place = package.ids.Findpos(id);
+        EXPECT_EQ(package.sizes[place], 64);
+        const Description line = Describe(&package, place, kinds[static_cast<std::size_t>(place)]);
+        EXPECT_EQ(line.kind + ": " + line.contents.substr(0, 23), "animation: version 2, 2 key frames");
+    }
 }
 
 // Bytes changed and lengths cut all over: nothing crashes, and a whole package is never called damaged.

@@ -4,8 +4,9 @@
 #include "geometry/mesh.h"
 #include "image/canvas.h"
 #include "image/codec.h"
+#include "pack/kinds.h"
+#include "pack/show_entries.h"
 #include "pack/text.h"
-#include "scene/show.h"
 
 #include <cstring>
 #include <map>
@@ -13,29 +14,6 @@
 
 namespace {
 
-// What the scene asks the package for.
-struct Wanted {
-    int id;
-    EntryKind kind;
-    const char* what;
-};
-constexpr Wanted kWanted[] = {
-    {show::kErrorPicture, EntryKind::Picture, "the error picture"},
-    {show::kPreviewPicture, EntryKind::Picture, "the picture of the preview pane"},
-    {show::kMedallionModel, EntryKind::Model, "the medallion"},
-    {show::kLabelPicture, EntryKind::Picture, "the medallion's label"},
-    {show::kSunCore, EntryKind::Model, "the sun's core"},
-    {show::kSunShell1, EntryKind::Model, "the sun's first shell"},
-    {show::kSunShell2, EntryKind::Model, "the sun's second shell"},
-    {show::kSunShell3, EntryKind::Model, "the sun's third shell"},
-    {show::kSpace, EntryKind::Picture, "space"},
-    {show::kHalo, EntryKind::Picture, "the sun's halo"},
-    {show::kRays, EntryKind::Picture, "the sun's rays"},
-    {show::kLens, EntryKind::Picture, "the lens flare"},
-    {show::kMorph, EntryKind::Animation, "the animation that brings the desktop back"},
-    {show::kCubeReflection, EntryKind::Picture, "the cube's reflection"},
-    {show::kCubeSkin, EntryKind::Picture, "the cube's skin"},
-};
 constexpr const char* kDesktopMaterial = "Material001"; // the scene's own
 
 struct Signature {
@@ -55,15 +33,19 @@ public:
     Checker(FXPackage* package, const std::function<void()>& done) : package_(package), done_(done) {}
 
     std::vector<EntryFindings> Run() {
-        for (int i = 0; i < package_->ids.count; ++i)
-            if (rows_.emplace(package_->ids[i], Row{}).second)
-                order_.push_back(package_->ids[i]);
-        for (const int id : order_) {
-            Row& row = rows_[id];
-            row.findings.id = id;
-            SetKind(id, KindOf(*package_->GetDataPtr(id), package_->GetDataType(id)));
+        const std::vector<EntryKind> kinds = KindsOf(*package_);
+        for (std::size_t i = 0; i < kinds.size(); ++i) {
+            const int id = package_->ids[static_cast<int>(i)];
+            const auto [row, isNew] = rows_.emplace(id, Row{});
+            if (!isNew)
+                continue;
+            order_.push_back(id);
+            EntryFindings& findings = row->second.findings;
+            findings.id = id;
+            findings.kind = kinds[i];
+            CheckEntry(kinds[i], *package_->GetDataPtr(id), &findings.faults, &row->second.facts);
         }
-        for (const Wanted& wanted : kWanted)
+        for (const ShowEntry& wanted : ShowEntries())
             if (rows_.count(wanted.id) == 0)
                 missing_.faults.Warn(Text("entry %d, %s, is missing: %s", wanted.id, wanted.what,
                                           wanted.kind == EntryKind::Picture ? "what shows it is plain white"
@@ -90,92 +72,87 @@ private:
         EntryFacts facts;
     };
 
-    void SetKind(int id, EntryKind kind) {
-        Row& row = rows_[id];
-        row.findings.kind = kind;
-        row.findings.faults = {};
-        row.facts = {};
-        CheckEntry(kind, *package_->GetDataPtr(id), &row.findings.faults, &row.facts);
-    }
-
     // Somebody takes the entry for that kind.
     void Expect(int id, EntryKind kind, const std::string& why) {
         const EntryKind found = rows_[id].findings.kind;
-        if (found == kind)
-            return;
-        if (found == EntryKind::Raw && kind != EntryKind::Picture)
-            SetKind(id, kind); // its faults say what keeps it from being one
-        else
+        if (found != kind)
             rows_[id].findings.faults.Add(
                 -1, Text("it is of the kind %s, but %s, of the kind %s: one needs another number",
                          KindName(found), why.c_str(), KindName(kind)));
     }
 
-    // What the entry names; -1 with a fault when there is none.
-    int Follow(int from, const std::string& text, EntryKind kind, const std::string& what) {
-        const int id = EntryNumber(text);
-        const char* fault = id < 0                 ? "is no entry's number"
-                            : rows_.count(id) == 0 ? "is not in the package"
-                                                   : nullptr;
-        if (fault != nullptr) {
-            rows_[from].findings.faults.Add(-1, what + ", '" + text + "', " + fault);
-            return -1;
-        }
-        Expect(id, kind, Text("entry %d takes it for %s", from, what.c_str()));
-        return id;
+    void Follow(int from, const Reference& reference) {
+        Faults& faults = rows_[from].findings.faults;
+        const std::string named = reference.what + ", '" + reference.text + "', ";
+        const std::optional<int> id = ReferenceNumber(reference.text);
+        if (!id)
+            return faults.Add(-1, named + "is no entry's number");
+        if (rows_.count(*id) == 0)
+            return faults.Add(-1, named + "is not in the package");
+        if (reference.text != std::to_string(*id))
+            faults.Warn(named + "is no plain number: the show takes it for " + std::to_string(*id));
+        Expect(*id, reference.kind, Text("entry %d takes it for %s", from, reference.what.c_str()));
     }
 
     void CheckNames(int id) {
-        const EntryFacts facts = rows_[id].facts; // grows while it is followed
+        const EntryFacts& facts = rows_[id].facts;
         Faults& faults = rows_[id].findings.faults;
-        for (std::size_t f = 0; f < facts.frames.size() && facts.version == 2; ++f)
-            Follow(id, facts.frames[f], EntryKind::Model, Text("key frame %zu", f));
+        for (const Reference& reference : ReferencesOf(facts))
+            Follow(id, reference);
         std::set<std::string> seen;
-        for (const MaterialFacts& material : facts.materials) {
-            if (!material.picture.empty())
-                Follow(id, material.picture, EntryKind::Picture, "the picture of material " + material.name);
+        for (const MaterialFacts& material : facts.materials)
             if (!seen.insert(material.name).second)
                 faults.Warn("material " + material.name + " is there twice: the first is used");
-        }
-        if (rows_[id].findings.kind == EntryKind::Library && EntryNumber(facts.name) != id)
+        if (rows_[id].findings.kind == EntryKind::Library && facts.name != std::to_string(id))
             faults.Warn("its name is '" + facts.name +
                         "': named by its own number, the models that use it share it");
-        if (!facts.meshes.empty())
-            CheckMaterials(id, facts);
-    }
-
-    void CheckMaterials(int id, const EntryFacts& facts) {
         std::set<std::string> known = {"", kDesktopMaterial};
-        const int library =
-            facts.library.empty() ? -1 : Follow(id, facts.library, EntryKind::Library, "the library");
-        if (library >= 0)
-            for (const MaterialFacts& material : rows_[library].facts.materials)
-                known.insert(material.name);
+        for (const MaterialFacts& material : LibraryOf(facts))
+            known.insert(material.name);
         for (const MeshFacts& mesh : facts.meshes)
             if (known.insert(mesh.material).second)
-                rows_[id].findings.faults.Warn("its library has no material " + mesh.material +
-                                               ": the mesh is drawn plain");
+                faults.Warn("its library has no material " + mesh.material + ": the mesh is drawn plain");
+    }
+
+    // The materials that a model or an animation has.
+    std::vector<MaterialFacts> LibraryOf(const EntryFacts& facts) const {
+        const auto row = rows_.find(ReferenceNumber(facts.library).value_or(-1));
+        return facts.library.empty() || row == rows_.end() ? std::vector<MaterialFacts>()
+                                                           : row->second.facts.materials;
     }
 
     // The last word is the readers' that the show has.
     void CheckAsTheShow(int id) {
         EntryFindings& findings = rows_[id].findings;
+        const EntryFacts& facts = rows_[id].facts;
         if (findings.kind == EntryKind::Picture && fxDevilLoaded())
             return CheckPicture(id, &findings.faults);
         if (!findings.faults.Good())
             return;
+        FXLoadBudget budget;
+        budget.TakeMaterials(static_cast<int>(LibraryOf(facts).size()));
         if (findings.kind == EntryKind::Model) {
             FXModel model;
-            model.LoadCN(package_, id);
-            CheckMeshes(id, model.loadedMeshes, "");
-        } else if (findings.kind == EntryKind::Animation && rows_[id].facts.version == 3) {
+            model.LoadCN(package_, id, &budget);
+            if (budget.IsExceeded())
+                findings.faults.Add(
+                    -1, RefusalText(Text("mesh %d and what follows", model.loadedMeshes.count), budget));
+            else
+                CheckMeshes(id, model.loadedMeshes, "");
+        } else if (findings.kind == EntryKind::Animation) {
             FXAnim animation;
-            animation.LoadCN(package_, id);
-            if (animation.models.count != static_cast<int>(rows_[id].facts.frames.size()))
-                findings.faults.Add(-1, "its counts are so high for its size that the show does not read it");
-            for (int f = 0; f < animation.models.count; ++f)
+            animation.LoadCN(package_, id, &budget);
+            if (budget.IsExceeded())
+                findings.faults.Add(
+                    -1, RefusalText(facts.version == 2 ? KeyFramesFrom(animation) : "its meshes", budget));
+            for (int f = 0; f < animation.models.count && facts.version == 3 && !budget.IsExceeded(); ++f)
                 CheckMeshes(id, animation.models[f]->loadedMeshes, Text(" of key frame %d", f));
         }
+    }
+
+    // The first that is not there, of an animation whose key frames all are entries.
+    static std::string KeyFramesFrom(const FXAnim& animation) {
+        return Text("key frame %d and what follows", animation.models.Findpos(nullptr));
     }
 
     void CheckMeshes(int id, const FXArray<FXMesh*>& meshes, const std::string& where) {

@@ -2,10 +2,10 @@
 
 #include "anim/morph_animation.h"
 #include "geometry/mesh.h"
+#include "geometry/model_import.h"
 #include "image/material.h"
 #include "image/material_library.h"
 #include "math/matrix.h"
-#include "pack/obj_model.h"
 #include "pack/picture_codec.h"
 #include "pack/record_bytes.h"
 #include "pack/text.h"
@@ -100,7 +100,7 @@ private:
         return Record(i, [&](std::FILE* file) { return phaser.Save(file); });
     }
 
-    bool Looks(const PlannedEntry& planned, ModelLooks* looks) {
+    bool Looks(const PlannedEntry& planned, FXObjLooks* looks) {
         looks->draw = planned.entry.draw;
         if (planned.libraryId < 0)
             return true;
@@ -139,11 +139,12 @@ private:
 
     bool MakeModelEntry(std::size_t i) {
         const PlannedEntry& planned = plan_.entries[i];
-        ModelLooks looks;
+        FXObjLooks looks;
         if (!Looks(planned, &looks))
             return false;
         FXModel model;
-        MakeModel(planned.obj, looks, &model);
+        model.ImportObj(planned.obj, looks);
+        model.UpdateMeshes();
         return Record(i, [&](std::FILE* file) {
             return planned.entry.version == 2 ? model.Save_v02(file) : model.Save_v03(file);
         });
@@ -158,7 +159,7 @@ private:
             animation.frameNames.Push(std::to_string(frame.id).c_str());
         if (!settings.frameEntries.empty())
             return Record(i, [&](std::FILE* file) { return animation.Save_v02(file); });
-        ModelLooks looks;
+        FXObjLooks looks;
         looks.shareCorners = false;
         if (!Looks(planned, &looks))
             return false;
@@ -166,7 +167,8 @@ private:
             if (!SameShape(planned, f))
                 return false;
             animation.models.Push(new FXModel);
-            MakeModel(planned.frames[f], looks, animation.models.Last());
+            animation.models.Last()->ImportObj(planned.frames[f], looks);
+            animation.models.Last()->UpdateMeshes();
             animation.frameNames.Push(
                 settings.frameNames.empty()
                     ? std::filesystem::path(settings.frameFiles[f]).stem().string().c_str()
@@ -177,8 +179,8 @@ private:
 
     // Key frames move the same corners.
     bool SameShape(const PlannedEntry& planned, std::size_t frame) {
-        const std::vector<ObjMesh>& first = planned.frames[0].meshes;
-        const std::vector<ObjMesh>& other = planned.frames[frame].meshes;
+        const std::vector<FXObjMesh>& first = planned.frames[0].meshes;
+        const std::vector<FXObjMesh>& other = planned.frames[frame].meshes;
         const auto& files = planned.entry.animation.frameFiles;
         const std::string pair = files[frame] + " and the first key frame, " + files[0] + ", do not agree: ";
         if (first.size() != other.size())

@@ -76,10 +76,9 @@ std::string TheLibrary(FXPackage* package, int id) {
 
 } // namespace
 
-Description Describe(FXPackage* package, int index) {
+Description Describe(FXPackage* package, int index, EntryKind kind) {
     const FXPackageData data = *package->cursors[index];
     const int id = package->ids[index];
-    const EntryKind kind = KindOf(data, package->types[index]);
     if (kind == EntryKind::Picture)
         return {FindPictureType(package->types[index])->ending, ThePicture(package, id)};
     Description description = {KindName(kind), ""};

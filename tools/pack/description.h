@@ -10,6 +10,6 @@ struct Description {
     std::string contents;
 };
 
-// Of the entry at that place of the package's table, as the show's own readers see it. Pictures need the
-// codec to be loaded; without it nothing is said about them.
-Description Describe(FXPackage* package, int index);
+// Of the entry at that place of the package's table, of that kind, as the show's own readers see it. Pictures
+// need the codec to be loaded; without it nothing is said about them.
+Description Describe(FXPackage* package, int index, EntryKind kind);

@@ -1,6 +1,8 @@
 // tamb-pack dump: bytes, field by field.
+#include "geometry/wavefront_lines.h"
 #include "pack/command.h"
 #include "pack/entry_check.h"
+#include "pack/kinds.h"
 #include "pack/package_check.h"
 #include "pack/text.h"
 
@@ -28,7 +30,7 @@ void PrintField(const Field& field) {
             "%6d  %s\n", field.offset + at,
             at == 0 && !field.what.empty()
                 ? Text("%-*s %s", 3 * kBytesPerLine, bytes.c_str(), Printable(field.what).c_str()).c_str()
-                : Trimmed(bytes).c_str());
+                : fxTrimmed(bytes).c_str());
     }
 }
 
@@ -58,7 +60,7 @@ int DumpEntry(const std::string& file, const std::string& number) {
     if (entry == nullptr)
         return Fail("there is no entry " + number + " (tamb-pack list shows which there are)");
     const FXPackageData data = *entry;
-    const EntryKind kind = KindOf(data, package.GetDataType(id));
+    const EntryKind kind = KindOf(package, id);
     Faults faults;
     faults.onField = PrintField;
     EntryFacts facts;

@@ -2,7 +2,8 @@
 
 #include "pack/text.h"
 
-#include <charconv>
+#include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -18,8 +19,6 @@ std::string Mesh(int i) {
 
 // A mesh takes this many bytes at least.
 constexpr int kMeshBytes = 28;
-// The show reads no more meshes, over all key frames, than one for so many bytes of an entry.
-constexpr int kBytesPerMesh = 8;
 
 bool ReadModelMeshes(RecordReader* reader, int count, EntryFacts* facts) {
     MapCounts counts = {};
@@ -52,9 +51,10 @@ bool ReadGraph(RecordReader* reader) {
         !reader->Flag("the graph's second flag") || !reader->Float("the graph's tension", &tension) ||
         !reader->Int("the graph's samples", &number))
         return false;
-    return positions.size() == values.size() ||
-           reader->Fail(at,
-                        Text("the graph has %zu positions, but %zu values", positions.size(), values.size()));
+    if (positions.size() != values.size())
+        reader->Warn(at, Text("the graph has %zu positions, but %zu values: the show uses neither",
+                              positions.size(), values.size()));
+    return true;
 }
 
 bool ReadAnimationHead(RecordReader* reader, EntryFacts* facts) {
@@ -77,7 +77,8 @@ bool ReadAnimationHead(RecordReader* reader, EntryFacts* facts) {
         if (!reader->Flag(std::string("the flag ") + flag))
             return false;
     return static_cast<int>(times.size()) == frames ||
-           reader->Fail(at, Text("there are %zu times for %d key frames", times.size(), frames));
+           reader->Fail(at, Text("there are %zu times for %d key frames: the show plays by the times",
+                                 times.size(), frames));
 }
 
 bool ReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
@@ -88,14 +89,18 @@ bool ReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
     if (meshes < 0 || meshes > reader->Left() / kMeshBytes)
         return reader->Fail(at, Text("the number of meshes is %d, but the %d bytes left hold 0 to %d", meshes,
                                      reader->Left(), reader->Left() / kMeshBytes));
-    if (static_cast<std::int64_t>(facts->frames.size()) * meshes > reader->Size() / kBytesPerMesh)
-        return reader->Fail(at, Text("%zu key frames of %d meshes are more than the show reads from %d bytes",
-                                     facts->frames.size(), meshes, reader->Size()));
+    FXLoadBudget budget;
+    budget.TakeFrames(static_cast<int>(facts->frames.size()));
     facts->meshes.resize(static_cast<std::size_t>(meshes));
     std::vector<PoolNumbers> numbers(facts->meshes.size());
-    for (int i = 0; i < meshes; ++i)
-        if (!ReadPackedMesh(reader, Mesh(i), &facts->meshes[static_cast<std::size_t>(i)]))
+    for (int i = 0; i < meshes; ++i) {
+        MeshFacts& mesh = facts->meshes[static_cast<std::size_t>(i)];
+        if (!ReadPackedMesh(reader, Mesh(i), &mesh))
             return false;
+        budget.TakeMesh(std::min(mesh.vertices, mesh.corners), mesh.corners);
+    }
+    if (budget.IsExceeded())
+        return reader->Fail(at, RefusalText("its meshes", budget));
     for (int i = 0; i < meshes; ++i) {
         const auto m = static_cast<std::size_t>(i);
         if (!ReadPool(reader, Mesh(i), facts->meshes[m], &numbers[m]))
@@ -111,12 +116,6 @@ bool ReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
                 return false;
     }
     return true;
-}
-
-template <class Check> bool IsWhole(const Check& check) {
-    Faults faults;
-    check(&faults);
-    return faults.Good();
 }
 
 } // namespace
@@ -190,17 +189,29 @@ void CheckPhaser(const FXPackageData& data, Faults* faults) {
     reader.End();
 }
 
-EntryKind KindOf(const FXPackageData& data, int type) {
+std::string RefusalText(const std::string& what, const FXLoadBudget& budget) {
+    FXStr why;
+    budget.Describe(&why);
+    return "the show leaves " + what + " out: " + why.text;
+}
+
+std::optional<EntryKind> KindByMark(const FXPackageData& data, int type) {
     if (FindPictureType(type) != nullptr)
         return EntryKind::Picture;
     if (StartsWith(data, "om02") || StartsWith(data, "om03"))
         return EntryKind::Model;
     if (StartsWith(data, "oa03"))
         return EntryKind::Animation;
+    return std::nullopt;
+}
+
+EntryKind KindByShape(const FXPackageData& data) {
     for (const EntryKind kind :
-         {EntryKind::Matrix, EntryKind::Phaser, EntryKind::Library, EntryKind::Animation}) {
+         {EntryKind::Animation, EntryKind::Library, EntryKind::Phaser, EntryKind::Matrix}) {
+        Faults faults;
         EntryFacts facts;
-        if (IsWhole([&](Faults* faults) { CheckEntry(kind, data, faults, &facts); }))
+        CheckEntry(kind, data, &faults, &facts);
+        if (faults.all.empty())
             return kind;
     }
     return EntryKind::Raw;
@@ -224,9 +235,24 @@ void CheckEntry(EntryKind kind, const FXPackageData& data, Faults* faults, Entry
     }
 }
 
+std::vector<Reference> ReferencesOf(const EntryFacts& facts) {
+    std::vector<Reference> all;
+    for (std::size_t f = 0; f < facts.frames.size() && facts.version == 2; ++f)
+        all.push_back({facts.frames[f], EntryKind::Model, Text("key frame %zu", f)});
+    for (const MaterialFacts& material : facts.materials)
+        if (!material.picture.empty())
+            all.push_back({material.picture, EntryKind::Picture, "the picture of material " + material.name});
+    if (!facts.library.empty())
+        all.push_back({facts.library, EntryKind::Library, "the library"});
+    return all;
+}
+
+std::optional<int> ReferenceNumber(const std::string& text) {
+    int number = 0;
+    return std::sscanf(text.c_str(), "%d", &number) == 1 ? std::optional(number) : std::nullopt;
+}
+
 int EntryNumber(const std::string& text) {
-    int number = -1;
-    const char* const end = text.data() + text.size();
-    const auto [stop, failed] = std::from_chars(text.data(), end, number);
-    return failed == std::errc() && stop == end && number >= 0 ? number : -1;
+    const auto number = ReferenceNumber(text);
+    return number && *number >= 0 && std::to_string(*number) == text ? *number : -1;
 }

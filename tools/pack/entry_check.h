@@ -1,10 +1,12 @@
 // Whether an entry is whole, by kind, and what it names.
 #pragma once
 
+#include "geometry/load_budget.h"
 #include "pack/entry_kind.h"
 #include "pack/faults.h"
 #include "pack/shape_records.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,10 +30,25 @@ void CheckLibrary(const FXPackageData& data, Faults* faults, EntryFacts* facts);
 void CheckMatrix(const FXPackageData& data, Faults* faults);
 void CheckPhaser(const FXPackageData& data, Faults* faults);
 
-// What the entry seems to hold: by its type, its first bytes, or because it is a whole record of that kind.
-EntryKind KindOf(const FXPackageData& data, int type);
+// What the entry holds by its type or its magic word; none when they do not say.
+std::optional<EntryKind> KindByMark(const FXPackageData& data, int type);
+// What kind of record all of it is, without a fault or a warning. Animations and libraries, whose counts must
+// fit, come before what any numbers would make.
+EntryKind KindByShape(const FXPackageData& data);
+// Why something of it is left out: "the show leaves its meshes out: it takes ...".
+std::string RefusalText(const std::string& what, const FXLoadBudget& budget);
 // As one of that kind. Pictures and raw bytes are taken as they are.
 void CheckEntry(EntryKind kind, const FXPackageData& data, Faults* faults, EntryFacts* facts);
 
-// An entry's number as records name it; -1 when the text is none.
+// What the entry names.
+struct Reference {
+    std::string text;
+    EntryKind kind;
+    std::string what; // "the library"
+};
+std::vector<Reference> ReferencesOf(const EntryFacts& facts);
+
+// The number that the show reads in what a record names; none when it reads none.
+std::optional<int> ReferenceNumber(const std::string& text);
+// The same of a plain number that is not below 0; else -1.
 int EntryNumber(const std::string& text);

@@ -5,6 +5,7 @@
 #include "image/material.h"
 #include "image/material_library.h"
 #include "pack/entry_check.h"
+#include "pack/kinds.h"
 #include "pack/mtl_file.h"
 #include "pack/obj_model.h"
 #include "pack/text.h"
@@ -21,7 +22,7 @@ std::string BytesOf(const FXPackageData& data) {
 class Extractor {
 public:
     Extractor(FXPackage* package, bool asWavefront, Extraction* result)
-        : package_(package), asWavefront_(asWavefront), result_(*result) {}
+        : package_(package), kinds_(KindsOf(*package)), asWavefront_(asWavefront), result_(*result) {}
 
     void Run(bool isScrambled) {
         result_.manifest = "# Made by tamb-pack extract; tamb-pack build makes the package again.\n";
@@ -90,7 +91,7 @@ private:
         result_.manifest += Text("\n[[entry]]\nid = %d\n", id);
         const FXPackageData data = *package_->GetDataPtr(id);
         const int type = package_->types[i];
-        const EntryKind kind = KindOf(data, type);
+        const EntryKind kind = kinds_[static_cast<std::size_t>(i)];
         if (kind == EntryKind::Picture || !asWavefront_ || type != kRaw || !TakeAsWavefront(id, kind, data))
             TakeAsStored(id, kind, data, type);
     }
@@ -190,6 +191,7 @@ private:
     }
 
     FXPackage* package_;
+    std::vector<EntryKind> kinds_;
     bool asWavefront_;
     Extraction& result_;
 };
@@ -212,7 +214,7 @@ bool ExtractOne(FXPackage* package, int id, bool asWavefront, std::string* bytes
     *bytes = BytesOf(data);
     if (!asWavefront)
         return true;
-    const EntryKind kind = KindOf(data, package->GetDataType(id));
+    const EntryKind kind = KindOf(*package, id);
     Extraction unused;
     const Extractor extractor(package, true, &unused);
     Faults faults;

@@ -1,4 +1,4 @@
-// What is wrong with some bytes, and where.
+// What is wrong with some bytes, and where; or a warning: what is odd, and what the show makes of it.
 #pragma once
 
 #include <algorithm>
@@ -23,7 +23,8 @@ struct Field {
 class Faults {
 public:
     void Add(int offset, const std::string& text) { all.push_back({offset, text, false}); }
-    void Warn(const std::string& text) { all.push_back({-1, text, true}); }
+    void Warn(const std::string& text) { Warn(-1, text); }
+    void Warn(int offset, const std::string& text) { all.push_back({offset, text, true}); }
     // Warnings do not count.
     bool Good() const {
         return std::ranges::all_of(all, [](const Fault& fault) { return fault.isWarning; });

@@ -1,6 +1,7 @@
 // tamb-pack list: what is in a package.
 #include "pack/command.h"
 #include "pack/description.h"
+#include "pack/kinds.h"
 #include "pack/package_check.h"
 #include "pack/picture_codec.h"
 #include "pack/text.h"
@@ -37,10 +38,11 @@ int Run(const Arguments& arguments) {
     std::vector<Description> rows(static_cast<std::size_t>(package.ids.count));
     Progress progress("entry", rows.size(), !arguments.Has("--quiet"));
     std::size_t done = 0;
+    const std::vector<EntryKind> kinds = KindsOf(package);
     const auto describe = [&](bool pictures) {
         for (int i = 0; i < package.ids.count; ++i)
             if ((FindPictureType(package.types[i]) != nullptr) == pictures) {
-                rows[static_cast<std::size_t>(i)] = Describe(&package, i);
+                rows[static_cast<std::size_t>(i)] = Describe(&package, i, kinds[static_cast<std::size_t>(i)]);
                 progress.Done(++done);
             }
     };

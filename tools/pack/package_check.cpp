@@ -46,7 +46,10 @@ void CheckIds(const Tables& tables, Faults* faults) {
                 Text("entries %zu and %zu of the table have the same number, %d: the second is never found",
                      first->second, i, id));
         if (id < 0)
-            faults->Add(-1, Text("entry %zu of the table has the number %d: nothing can name it", i, id));
+            faults->Warn(
+                Text("entry %zu of the table has the number %d: a manifest has none below 0, and the "
+                     "show asks for none",
+                     i, id));
         if (tables.types[i] != kRaw && FindPictureType(tables.types[i]) == nullptr)
             faults->Warn(Text("entry %d has the type %d, which is none that is known", id, tables.types[i]));
     }
@@ -119,7 +122,9 @@ bool CheckPackage(const std::string& file, Faults* faults, PackageFacts* facts) 
         return false;
     }
     if (!header.Compare("pck01") && !header.Compare("pck01s"))
-        faults->Add(4, "its header is '" + std::string(header.text) + "', neither pck01 nor pck01s");
+        faults->Warn(4, "its header is '" + std::string(header.text) +
+                            "', neither pck01 nor pck01s: the show reads it as " +
+                            (SaysScrambled(header) ? "pck01s" : "pck01"));
     facts->isScrambled = SaysScrambled(header);
     if (facts->isScrambled && faults->onField)
         faults->onField({block.data.size - block.data.left, block.data.cur, block.data.left,

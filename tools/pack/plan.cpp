@@ -109,18 +109,18 @@ private:
             ChooseLibrary(i, entry.animation.frameFiles.front(), plan_.entries[i].frames.front());
     }
 
-    bool ReadShape(const ManifestEntry& entry, const std::string& file, ObjFile* obj) {
+    bool ReadShape(const ManifestEntry& entry, const std::string& file, FXObjFile* obj) {
         std::string problem;
         if (!fs::path(file).has_extension() ||
             FXStr(fs::path(file).extension().string().c_str()).iCompare(".obj") == 0)
             Fail(entry,
                  file + ": models are made from .obj files; another file can be packed as it is, with raw =");
-        else if (!ReadObj(file, obj, &problem))
+        else if (!fxReadObj(file, obj, &problem))
             Fail(entry, problem);
         return error_.empty();
     }
 
-    void ChooseLibrary(std::size_t i, const std::string& file, const ObjFile& obj) {
+    void ChooseLibrary(std::size_t i, const std::string& file, const FXObjFile& obj) {
         const ManifestEntry entry = plan_.entries[i].entry;
         int id = -1;
         if (entry.library.Given())

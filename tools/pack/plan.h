@@ -2,8 +2,8 @@
 // the MTL files and pictures that its models name made entries of their own.
 #pragma once
 
+#include "geometry/obj_file.h"
 #include "pack/manifest.h"
-#include "pack/obj_file.h"
 #include "package/name_server.h"
 #include "progress.h"
 
@@ -15,8 +15,8 @@ class FXMatlib;
 
 struct PlannedEntry {
     ManifestEntry entry; // with its number
-    ObjFile obj;         // of a model, as read
-    std::vector<ObjFile> frames;
+    FXObjFile obj;       // of a model, as read
+    std::vector<FXObjFile> frames;
     std::shared_ptr<FXMatlib> library; // of an MTL file; pictures by entry number
     int libraryId = -1;                // that a model names; -1: none
 };

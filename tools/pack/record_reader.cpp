@@ -76,7 +76,9 @@ bool RecordReader::Flag(const std::string& what) {
     const unsigned char byte = *data_.cur;
     data_.ReadBool();
     Tell(1, what + (byte == 1 ? ": true" : ": false"));
-    return byte <= 1 || Fail(at, Text("%s is %d, neither 0 nor 1", what.c_str(), byte));
+    if (byte > 1)
+        Warn(at, Text("%s is %d, neither 0 nor 1: the show takes it for false", what.c_str(), byte));
+    return true;
 }
 
 bool RecordReader::Bytes(const std::string& what, int size, FXPackageData* block) {
@@ -99,7 +101,11 @@ bool RecordReader::String(const std::string& what, std::string* value) {
         return false;
     value->assign(reinterpret_cast<const char*>(block.start), static_cast<std::size_t>(length));
     Tell(length, what + ": " + *value);
-    return value->find('\0') == std::string::npos || Fail(at + 4, what + " has a zero byte in it");
+    if (const std::size_t zero = value->find('\0'); zero != std::string::npos) {
+        Warn(at + 4, what + " has a zero byte in it: the show reads it up to there");
+        value->resize(zero);
+    }
+    return true;
 }
 
 bool RecordReader::Count(const std::string& what, int elementSize, int* count) {
@@ -147,16 +153,24 @@ bool RecordReader::Vectors(const std::string& what, int floatsEach, const std::s
     if (!Count("numbers in the " + what + "s of " + which, 4, &floats))
         return false;
     *count = floats / floatsEach;
-    if (floats % floatsEach != 0)
-        return Fail(at, Text("the %ss of %s are %d numbers, which is no multiple of %d", what.c_str(),
-                             which.c_str(), floats, floatsEach));
     for (int i = 0; i < *count; ++i)
         if (!Floats(what + " " + std::to_string(i), floatsEach))
             return false;
+    if (const int rest = floats % floatsEach; rest != 0) {
+        Warn(at, Text("the %ss of %s are %d numbers, no multiple of %d: the show does without the last %d",
+                      what.c_str(), which.c_str(), floats, floatsEach, rest));
+        Skip(4 * rest);
+        Tell(4 * rest, "not used");
+    }
     return true;
 }
 
-bool RecordReader::End() {
-    return data_.left == 0 ||
-           Fail(Offset(), Counted(data_.left, "byte is", "bytes are") + " left over at the end");
+void RecordReader::End() {
+    if (data_.left == 0)
+        return;
+    Warn(Offset(), Counted(data_.left, "byte is", "bytes are") +
+                       " left over at the end: the show does not read that far");
+    const int rest = data_.left;
+    Skip(rest);
+    Tell(rest, "not used");
 }

@@ -1,5 +1,5 @@
 // A strict reader of records: the show's own readers quietly give nothing for what does not add up; this one
-// says where it is.
+// says where it is, and warns of what they read otherwise than it looks.
 #pragma once
 
 #include "pack/faults.h"
@@ -35,12 +35,12 @@ public:
     // Of bytes that are there, and without telling of them.
     bool FiniteFloats(const std::string& what, int count);
     void Skip(int size) { data_.ReadBlc(size); }
-    bool End();
+    void End(); // warns of bytes left over
 
     int Offset() const { return before_ + data_.size - data_.left; }
     int Left() const { return data_.left; }
-    int Size() const { return data_.size; }
     bool Fail(int offset, const std::string& text);
+    void Warn(int offset, const std::string& text) { faults_->Warn(offset, text); }
     // Reads a part of what this one reads: its faults are this one's too, as are the fields.
     bool Inside(const FXPackageData& part, int offset, const std::function<bool(RecordReader*)>& read);
     // Tells of the last `size` bytes.

@@ -29,12 +29,17 @@ bool ReadHead(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
             at, Text("%s is to be drawn in way %d, but there are 0, 1 and 2: it would not be drawn",
                      which.c_str(), draw));
     return color == 0 || color == 1 ||
-           reader->Fail(at + 4, Text("the colour mode of %s is %d, neither 0 nor 1", which.c_str(), color));
+           reader->Fail(at + 4, Text("the colour mode of %s is %d, neither 0 nor 1: it would not be drawn",
+                                     which.c_str(), color));
 }
 
 bool WholeTriangles(RecordReader* reader, int at, const std::string& which, int corners) {
-    return (corners >= 0 && corners % 3 == 0) ||
-           reader->Fail(at, Text("%s has %d corners, which are no whole triangles", which.c_str(), corners));
+    if (corners < 0)
+        return reader->Fail(at, Text("the number of corners of %s is %d", which.c_str(), corners));
+    if (corners % 3 != 0)
+        reader->Warn(at, Text("%s has %d corners, which are no whole triangles: the last %d make none",
+                              which.c_str(), corners, corners % 3));
+    return true;
 }
 
 bool ReadVertices(RecordReader* reader, const std::string& which, int count) {
@@ -96,9 +101,14 @@ bool ReadCorners(RecordReader* pool, const std::string& which, const MeshFacts& 
             return pool->Fail(at, Text("corner %d of %s makes vertex %zu, but its head says %d", corner,
                                        which.c_str(), distinct.size(), mesh.vertices));
     }
-    return pool->Left() == 0 ||
-           pool->Fail(pool->Offset(), Text("the pool of %s has %d bytes more than its corners take",
-                                           which.c_str(), pool->Left()));
+    if (const int rest = pool->Left(); rest > 0) {
+        pool->Warn(pool->Offset(), Text("the pool of %s has %s more than its corners take: the show does not "
+                                        "read that far",
+                                        which.c_str(), Counted(rest, "byte", "bytes").c_str()));
+        pool->Skip(rest);
+        pool->Tell(rest, "not used");
+    }
+    return true;
 }
 
 } // namespace
@@ -131,6 +141,11 @@ bool ReadPackedMesh(RecordReader* reader, const std::string& which, MeshFacts* m
         return false;
     if (mesh->vertices < 0)
         return reader->Fail(at, Text("the number of vertices of %s is %d", which.c_str(), mesh->vertices));
+    if (mesh->vertices == 0 && mesh->corners > 0) {
+        reader->Warn(at, Text("%s has %d corners, but no vertices: the show leaves it empty", which.c_str(),
+                              mesh->corners));
+        mesh->corners = 0;
+    }
     return WholeTriangles(reader, at + 4, which, mesh->corners);
 }
 

@@ -38,6 +38,11 @@ std::string NumberText(double value) {
     return ShortestText(value);
 }
 
+std::string Line3(const char* keyword, const float* numbers) {
+    return std::string(keyword) + " " + NumberText(numbers[0]) + " " + NumberText(numbers[1]) + " " +
+           NumberText(numbers[2]) + "\n";
+}
+
 std::string Quoted(const std::string& text) {
     std::string quoted = "\"";
     for (const char c : text) {
@@ -60,12 +65,6 @@ std::string Printable(std::string text) {
 
 std::string Counted(long long n, const char* one, const char* many) {
     return std::to_string(n) + " " + (n == 1 ? one : many);
-}
-
-std::string Trimmed(const std::string& text) {
-    const char* const kBlank = " \t\r\n";
-    const std::size_t from = text.find_first_not_of(kBlank);
-    return from == std::string::npos ? "" : text.substr(from, text.find_last_not_of(kBlank) + 1 - from);
 }
 
 bool ReadWhole(const std::string& file, std::string* bytes, std::string* error) {

@@ -15,8 +15,8 @@ std::string Quoted(const std::string& text);
 std::string Printable(std::string text);
 // One of several, as in "3 meshes", "1 mesh".
 std::string Counted(long long n, const char* one, const char* many);
-// Without white space at both ends.
-std::string Trimmed(const std::string& text);
+// "v 1 2 3" and a line feed: a line of a Wavefront file.
+std::string Line3(const char* keyword, const float* numbers);
 
 // The whole file; false with "FILE: why" in error.
 bool ReadWhole(const std::string& file, std::string* bytes, std::string* error);

@@ -24,7 +24,8 @@ picture, and looks for what entries name: libraries, pictures, key frames. Every
 
 and after those of an entry, indented, what to do. OFFSET counts in the entry; in faults of the
 package itself, in the file, or of a scrambled one in its unscrambled body. Lines with 'warning:'
-say what the show can live with: what it asks for and the package has not, or what is of no use.
+say what the show can live with, and what it makes of it: what it asks for and the package has
+not, what is of no use, what is odd.
 
 Exit status: 0 the package is good (there may be warnings), 1 it has faults or cannot be checked,
 2 the command line makes no sense.
@@ -36,9 +37,11 @@ const char* RemedyFor(EntryKind kind) {
         return "open it in a picture editor, save it again, and build the package again";
     case EntryKind::Model:
     case EntryKind::Animation:
-        return "make it again from its OBJ files with tamb-pack build; until then the show leaves it out";
+        return "make it again from its OBJ files with tamb-pack build; until then the show draws what it can "
+               "read of it, which may be nothing";
     case EntryKind::Library:
-        return "make it again from its MTL file with tamb-pack build; until then its materials are plain";
+        return "make it again from its MTL file with tamb-pack build; until then the show takes what it can "
+               "read of it, and default colours for the rest";
     case EntryKind::Matrix:
     case EntryKind::Phaser:
     case EntryKind::Raw:
