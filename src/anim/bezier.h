@@ -17,6 +17,10 @@ struct FXBezierPhaseH {
 struct FXBezier3 {
     void Get(float* out, float t) const;
     void GetH(float* out, const FXBezierPhaseH* h) const;
+    // The point whose x lies t of the way from the first point's to the last one's; where x turns back or
+    // stands still, the point at t. t in 0..1.
+    void Get1(float* out, float t) const;
+    void Get1H(float* out, const FXBezierPhaseH* h) const { GetH(out, h); }
 
     float p[3][3] = {};
 };
@@ -26,6 +30,8 @@ struct FXBezier4 {
     void Precompute();
     void Get(float* out, float t) const;
     void GetH(float* out, const FXBezierPhaseH* h) const;
+    void Get1(float* out, float t) const { Get(out, t); }
+    void Get1H(float* out, const FXBezierPhaseH* h) const { GetH(out, h); }
 
     float p[4][3] = {};
     float k[3][3] = {}; // per axis: of t^3, t^2 and t

@@ -157,6 +157,8 @@ void FXBezierSpline::SetActPoints(int a, int b) {
 }
 
 void FXBezierSpline::Get(float* out, float t) const {
+    if (useGet1 && actKind == 3 && !constant && !linear) // of cubic segments both forms are one
+        return actQuadratic->Get1(out, t);
     FXBezierPhaseH h;
     h.Prepare(t);
     GetH(out, &h);
@@ -216,10 +218,8 @@ int FXBezierSpline::TestPhase(int i, int j, float phase) const {
     return j != 0 && phase > phases[j] ? 1 : 0;
 }
 
-void FXBezierSpline::GetAll(float* out, float phase) {
+FXBezierSpline::Place FXBezierSpline::PlaceAt(float phase) const {
     const int n = GetCnt();
-    if (n < 2 || phases.count < n)
-        return Get(out, 0);
     phase = phase >= 0 ? std::min(phase, 1.0f) : 0.0f; // not a number: 0
     int i = std::clamp(actIndex, 0, n - 1);
     while (i < n - 1 && TestPhase(i, i + 1, phase) > 0)
@@ -229,9 +229,24 @@ void FXBezierSpline::GetAll(float* out, float phase) {
     if (!closed)
         i = std::min(i, n - 2); // the end of the last segment
     const int next = i + 1 > n - 1 ? 0 : i + 1;
-    if (i != actIndex)
-        SetActPoints(i, next);
     const float end = next == 0 ? 1.0f : phases[next];
     const float span = end - phases[i];
-    Get(out, span > 0 ? (phase - phases[i]) / span : 0.0f);
+    return {i, next, span > 0 ? (phase - phases[i]) / span : 0.0f};
+}
+
+void FXBezierSpline::GetAll(float* out, float phase) {
+    if (!HasPhases())
+        return Get(out, 0);
+    const Place at = PlaceAt(phase);
+    if (at.i != actIndex)
+        SetActPoints(at.i, at.next);
+    Get(out, at.t);
+}
+
+float FXBezierSpline::GetAllPos(float phase) const {
+    if (!HasPhases())
+        return points.First();
+    const Place at = PlaceAt(phase);
+    const float x = *PointAt(at.i);
+    return x + (*PointAt(at.next) - x) * at.t;
 }

@@ -29,12 +29,15 @@ public:
     // A point at a phase of the whole curve, which is brought into 0..1 first. Steady phases are found at
     // once.
     void GetAll(float* out, float phase);
+    // The x there on the straight line between the two points around the phase. The active segment stays.
+    float GetAllPos(float phase) const;
     // Does the phase lie before (-1), within (0) or behind (+1) the segment from point i to j?
     int TestPhase(int i, int j, float phase) const;
 
     bool closed = false; // the last point leads back to the first
     float tension = 1.0f;
-    bool linear = false; // segments are straight lines
+    bool useGet1 = false; // Get follows x along the ends of an open curve (FXBezier3::Get1)
+    bool linear = false;  // segments are straight lines
     FXFloatArray points;
     FXFloatArray ctrlPoints; // per point: towards the previous, towards the next
     FXBezier3 startBezier;   // the ends of an open curve
@@ -55,6 +58,14 @@ public:
     const FXBezier4* actCubic = nullptr;
 
 private:
+    // The segment around a phase of the whole curve of two points at least, and where on it.
+    struct Place {
+        int i, next;
+        float t;
+    };
+    Place PlaceAt(float phase) const;
+    bool HasPhases() const { return GetCnt() >= 2 && phases.count >= GetCnt(); }
+
     const float* PointAt(int i) const { return &points.items[3 * i]; }
     void ForgetSegment();
     void UseLine(const float* a, const float* b);

@@ -109,10 +109,12 @@ void FXAnim::OnRender(PEnv* env, double time) {
     imodel.OnRender(env, time);
 }
 
-void FXAnim::FitAll(int i, void (FXModel::*fit)(const float*)) {
+void FXAnim::FitAll(int i, void (FXModel::*fit)(const float*), bool halfHoriz) {
     float box[6] = {};
     if (const FXModel* model = EnumModels(i)) {
         model->FindMaxims(box);
+        if (halfHoriz)
+            box[1] = box[0] + 2 * (box[1] - box[0]);
         localForEach(models, [&](FXModel& m) { (m.*fit)(box); });
     }
 }
@@ -127,6 +129,10 @@ void FXAnim::UnitizeStretch(int i) {
 
 void FXAnim::UnitizeStretch1(int i) {
     FitAll(i, &FXModel::UnitizeMaximsStretch1);
+}
+
+void FXAnim::UnitizeStretch1HalfHoriz(int i) {
+    FitAll(i, &FXModel::UnitizeMaximsStretch1, true);
 }
 
 void FXAnim::FlipHoriz() {

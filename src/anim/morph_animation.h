@@ -57,6 +57,7 @@ public:
     void Unitize(int i);
     void UnitizeStretch(int i);
     void UnitizeStretch1(int i);
+    void UnitizeStretch1HalfHoriz(int i); // into the left half: as if the box were twice as wide to the right
     void FlipHoriz();
     void ResizeTextCoords();
     void ResizeTextCoords1();
@@ -97,7 +98,7 @@ private:
     bool SaveHead(std::FILE* file) const;
     bool PackFirstFrame(FXVectorMap* map, std::FILE* file, FXArray<int>* redirects);
     void FinishLoading();
-    void FitAll(int i, void (FXModel::*fit)(const float*));
+    void FitAll(int i, void (FXModel::*fit)(const float*), bool halfHoriz = false);
     void Advance(double time);
     int LastFrame() const { return frameTimes.count - 1; }
     FXModel* EnumModels(int i) const { return i >= 0 && i < models.count ? models[i] : nullptr; }

@@ -11,15 +11,20 @@ public:
 
     using FXArray::capacity;
     using FXArray::count;
+    using FXArray::First; // null, too, where the entry is an empty string
     using FXArray::growBy;
     using FXArray::IsEmpty;
     using FXArray::items; // an empty string is a null pointer
+    using FXArray::Last;
+    using FXArray::MovePos;
     using FXArray::Realloc;
 
     void Push(const char* s); // without memory for it, adds nothing
+    void PushVoid() { Push(nullptr); }
     void Pop();
-    void Change(int i, const char* s); // out of range, or without memory: nothing
-    void Insert(int i, const char* s); // outside 0..count appends
+    void Change(int i, const char* s);                    // out of range, or without memory: nothing
+    void Insert(int i, const char* s);                    // outside 0..count appends
+    void Remove(const char* s) { RemovePos(Findpos(s)); } // the first that equals s
     void RemovePos(int i);
     void RemoveAll();
     void DestroyBuf();

@@ -7,6 +7,7 @@
 
 #include <cstdio>
 
+class FXCanvas;
 class FXLoadBudget;
 class FXMaterial;
 class FXMatlib;
@@ -61,6 +62,14 @@ public:
     void ResizeTexCoords1();               // by the material's extents alone
     void ComputeFrontTexCoords();          // seen along z, for a mesh in -1..1
     void CopyTexCoords(const FXMesh* src); // vertex by vertex, as far as both go
+
+    // Pictures read vertex by vertex (mesh_maps.cpp), at the texture coordinates, with 1 - v under flipV. A
+    // vertex is moved along its normal by `d`, or by blue times `scale` where that is above 0; `touched` then
+    // says so. A colour map's colours are multiplied by rgba.
+    void ExtendPositions(float d);
+    void ApplyBumpMap(const FXCanvas* canvas, float scale);
+    void ApplyColorMap(const FXCanvas* canvas, const float* rgba);
+    void ApplyFrontColorMap(const FXCanvas* canvas, const float* rgba); // seen along z, for a mesh in -1..1
 
     // Fitting (mesh_fit.cpp). Normals stay.
     void Unitize();

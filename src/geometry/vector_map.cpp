@@ -57,6 +57,30 @@ void localSet(FXFloatArray& values, int width, int i, const float* value) {
     std::copy_n(value, width, values.items + static_cast<std::ptrdiff_t>(i) * width);
 }
 
+// Each number less, or plus, the one `step` behind it; the last `step` stay.
+void localDifferences(FXFloatArray& values, int count, int step, bool forward) {
+    const auto change = [&](int i) { // never as floats: a register may not keep every bit of them
+        std::uint32_t bits = 0;
+        std::uint32_t next = 0;
+        std::memcpy(&bits, &values[i], sizeof bits);
+        std::memcpy(&next, &values[i + step], sizeof next);
+        bits = forward ? bits - next : bits + next;
+        std::memcpy(&values[i], &bits, sizeof bits);
+    };
+    if (forward)
+        for (int i = 0; i < count - step; ++i)
+            change(i);
+    else
+        for (int i = count - step - 1; i >= 0; --i)
+            change(i);
+}
+
+void localMangle(FXFloatArray& values, int vectors, int width, bool forward) {
+    const int count = vectors * width;
+    for (const int step : {width, 1}) // whose order makes no difference, either way
+        localDifferences(values, count, step, forward);
+}
+
 } // namespace
 
 void FXVectorMap::Destroy() {
@@ -156,6 +180,16 @@ void FXVectorMap::SetVecNorm(const tagFXVertex* v, int i) {
 void FXVectorMap::SetVecTex(const tagFXVertex* v, int i) {
     localSet(texCoords, 2, i, v->tex);
     texIndex_.isStale = true;
+}
+
+void FXVectorMap::ManglePos(bool forward) {
+    localMangle(positions, posCount, 3, forward);
+}
+void FXVectorMap::MangleNorm(bool forward) {
+    localMangle(normals, normCount, 3, forward);
+}
+void FXVectorMap::MangleTex(bool forward) {
+    localMangle(texCoords, texCount, 2, forward);
 }
 
 bool FXVectorMap::Save(std::FILE* file) const {

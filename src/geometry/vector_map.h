@@ -52,6 +52,13 @@ public:
     // Replaces the contents. A count beyond the bytes there are leaves that kind of vector empty.
     void LoadC(FXPackageData* d);
 
+    // Replaces one kind of vectors by differences, each vector less the next, then each number less the next
+    // (true), or puts the vectors back (false). A float counts as the whole number of its 32 bits, so that
+    // every vector comes back bit for bit, as float differences would not. Records hold vectors as they are.
+    void ManglePos(bool forward);
+    void MangleNorm(bool forward);
+    void MangleTex(bool forward);
+
     // Unpacking: which vertex (0 and up, each made once) was built from a triple of numbers.
     void PushUsed(int p, int n, int t, int vertex);
     int GetUsed(int p, int n, int t) const;       // -1: none yet

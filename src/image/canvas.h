@@ -24,10 +24,35 @@ public:
     bool CreateFromPictCN(FXPackage* pkg, int entry);
     bool CreateFromPictC(FXPackage* pkg, const char* text);
     bool CreateFromPict(const char* fileName);
+    // The red of a second picture, no larger than this one, becomes the alpha here; where it does not reach,
+    // alpha 0. From an entry, its number as text, or a file. False, with nothing changed, without a picture
+    // or for one too large.
+    bool LoadMaskCN(FXPackage* pkg, int entry);
+    bool LoadMaskC(FXPackage* pkg, const char* text);
+    bool LoadMask(const char* fileName);
+
+    // Writes the picture, or its alpha as a grey one, in the format of the file's ending; an old file is
+    // replaced. PNG, TGA and BMP load as they were, except that BMP has no alpha. False without a picture,
+    // without the codec, or when it cannot write the file.
+    bool SaveToPict(const char* fileName) const;
+    bool SaveToMask(const char* fileName) const;
+    // For all JPEG files saved from now on: 0 (smallest) to 99; the codec starts with 99. Nothing without it.
+    static void SetJpegQuality(int quality);
+
+    // The pixel at a place of the picture, 0..1 from its upper left; the nearest one beyond the storage. An
+    // empty canvas is transparent black.
+    void GetColor(float u, float v, float* out) const;
+    // The red there, with v from below.
+    float GetBump(float u, float v) const;
+    // Fills the storage beside and below the picture with its last column and row.
+    void ExtendEdges();
 
     bool opaque = true;        // no pixel loaded or copied so far had alpha below 255
     bool detectTrans = true;   // a file with "tran" in its name is loaded with alphaFromRed
     bool alphaFromRed = false; // loading gives a white picture whose alpha is the source's red
     bool clearOnLoad = true;   // loading fills the whole storage with backColor first
     float backColor[4] = {0, 0, 0, 0};
+
+private:
+    bool TakeMask(const FXCanvas& mask);
 };

@@ -1,7 +1,7 @@
 // From coded pictures to canvases.
 #include "base/str.h"
 #include "image/canvas.h"
-#include "image/codec.h"
+#include "image/codec_image.h"
 #include "image/picture_header.h"
 #include "package/file_block.h"
 #include "package/package.h"
@@ -10,33 +10,6 @@
 #include <cstring>
 
 namespace {
-
-// The codec's image of a picture and the converted clone of it, deleted in this order.
-class CodecImages {
-public:
-    CodecImages() {
-        fxCodec.ilGenImages(1, &image_);
-        fxCodec.ilBindImage(image_);
-    }
-    ~CodecImages() {
-        fxCodec.ilDeleteImages(1, &image_);
-        if (clone_ != 0)
-            fxCodec.ilDeleteImages(1, &clone_);
-    }
-    CodecImages(const CodecImages&) = delete;
-    CodecImages& operator=(const CodecImages&) = delete;
-
-    // The clone becomes the current image. False when there is none.
-    bool Clone() {
-        clone_ = fxCodec.ilCloneCurImage();
-        fxCodec.ilBindImage(clone_);
-        return clone_ != 0;
-    }
-
-private:
-    ILuint image_ = 0;
-    ILuint clone_ = 0;
-};
 
 bool localDetectTransFilename(const char* fileName) {
     FXStr name(fileName);

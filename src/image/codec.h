@@ -11,10 +11,13 @@ using ILint = int;
 using ILboolean = unsigned char;
 
 constexpr ILenum IL_RGBA = 0x1908;
+constexpr ILenum IL_LUMINANCE = 0x1909;
 constexpr ILenum IL_UNSIGNED_BYTE = 0x1401;
 constexpr ILenum IL_IMAGE_WIDTH = 0x0DE4;
 constexpr ILenum IL_IMAGE_HEIGHT = 0x0DE5;
 constexpr ILenum IL_IMAGE_SIZE_OF_DATA = 0x0DE7;
+constexpr ILenum IL_FILE_OVERWRITE = 0x0620;
+constexpr ILenum IL_JPG_QUALITY = 0x0711;
 
 // The entry points, null while the codec is not loaded.
 struct FXCodec {

@@ -3,6 +3,7 @@
 #include "win32/win32.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -20,6 +21,11 @@ void fxSetTickSource(FXTickSource source) {
 
 double fxGetTime() {
     return fxGetTicks() / 1000.0;
+}
+
+double FXTimeDiff::OnTime() {
+    const double now = fxGetTime();
+    return now - std::exchange(last, now);
 }
 
 void fxSleep(double seconds) {

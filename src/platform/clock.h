@@ -13,6 +13,14 @@ void fxSetTickSource(FXTickSource source);
 
 // fxGetTicks in seconds.
 double fxGetTime();
+
+// Measures from one call to the next.
+struct FXTimeDiff {
+    double OnTime(); // seconds since the last call; the first one counts from the start of the clock
+
+    double last = 0.0;
+};
+
 // Rounded to whole milliseconds, at most 49 days; 0 gives up the rest of the time slice, and so does anything
 // below.
 void fxSleep(double seconds);

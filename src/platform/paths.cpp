@@ -1,5 +1,6 @@
 #include "platform/paths.h"
 
+#include "base/path_text.h"
 #include "win32/win32.h"
 
 #include <cstring>
@@ -10,14 +11,14 @@ constexpr std::size_t kPathLength = 259;
 
 char localStartPath[288] = "";
 char localSysFontsPath[288] = "";
+char localGetPath[288] = "";
 
 // "\" unless the path separates with "/" already.
 void localAddPathEnding(char* path) {
     const std::size_t length = std::strlen(path);
     if (length > 0 && (path[length - 1] == '\\' || path[length - 1] == '/'))
         return;
-    const bool slashes = std::strchr(path, '/') != nullptr && std::strchr(path, '\\') == nullptr;
-    path[length] = slashes ? '/' : '\\';
+    path[length] = fxSeparatorOf(path);
     path[length + 1] = '\0';
 }
 
@@ -28,10 +29,7 @@ char* localTypePath(int type) {
 } // namespace
 
 void fxInitPaths() {
-    char folder[kPathLength + 1] = "";
-    const DWORD length = GetCurrentDirectoryA(sizeof folder, folder);
-    fxSetTypePath(1, length > 0 && length < sizeof folder ? folder
-                                                          : "."); // too deep for a buffer: stay where we are
+    fxSetTypePath(1, fxGetActPath());
     char fonts[MAX_PATH] = "";
     if (SHGetFolderPathA(nullptr, CSIDL_FONTS, nullptr, 0, fonts) != 0)
         fonts[0] = '\0';
@@ -59,4 +57,21 @@ bool fxSetActPath(const char* path) {
 
 bool fxSetPath(int type) {
     return fxSetActPath(fxGetTypePath(type));
+}
+
+bool fxSetSubPath(int type, const char* sub) {
+    const char* folder = fxGetTypePath(type);
+    return folder != nullptr && fxSetActPath(fxCombinePaths(folder, sub));
+}
+
+const char* fxGetActPath() {
+    const DWORD length = GetCurrentDirectoryA(kPathLength + 1, localGetPath);
+    if (length == 0 || length > kPathLength)
+        std::memcpy(localGetPath, ".", 2); // too deep for a buffer: stay where we are
+    localAddPathEnding(localGetPath);
+    return localGetPath;
+}
+
+bool fxPathExists(const char* path) {
+    return path != nullptr && GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
 }

@@ -8,5 +8,10 @@ void fxInitPaths();
 void fxSetTypePath(int type, const char* path); // cut to 259 characters, null is empty
 const char* fxGetTypePath(int type);            // null for other types
 
-bool fxSetActPath(const char* path); // makes it the current folder
-bool fxSetPath(int type);            // fxSetActPath of a type path
+bool fxSetActPath(const char* path);          // makes it the current folder
+bool fxSetPath(int type);                     // fxSetActPath of a type path
+bool fxSetSubPath(int type, const char* sub); // the folder `sub` of a type path (fxCombinePaths)
+// The current folder with a separator behind it, valid until the next call; ".\" when it is deeper than 259
+// characters.
+const char* fxGetActPath();
+bool fxPathExists(const char* path); // a file or a folder

@@ -16,3 +16,7 @@ void fxCloseTracesFile(); // the file alone, with the closing banner
 void trc(const char* format, ...) FX_PRINTF(1, 2);  // with thread and time in front
 void err(const char* format, ...) FX_PRINTF(1, 2);  // the same behind "#ERROR: "
 void trc1(const char* format, ...) FX_PRINTF(1, 2); // the message alone
+
+// As err, and also, whether or not the trace is open, in a message box that it waits for; gives the box's
+// result.
+int errmsg(const char* format, ...) FX_PRINTF(1, 2);

@@ -26,11 +26,6 @@ struct FaceTurn {
 constexpr FaceTurn kFaceTurns[FXDemoGadget::kFaces] = {{false, 0},  {false, -90}, {false, 90},
                                                        {true, -90}, {true, 90},   {true, 180}};
 
-void localLoad(FXMaterial* m, FXPackage* pck, int id) {
-    m->LoadTextureCN(pck, id);
-    m->SetDefDiffuse(1.0f);
-}
-
 float localRandomPlace() {
     return (2 * fxGetRandom() - 1) * kPathReach;
 }
@@ -50,14 +45,17 @@ void FXDemoGadget::CreatePath() {
     path.PrecomputePhasesLenght();
 }
 
-void FXDemoGadget::CreateCN(FXPackage* pck, int envId, int skinId) {
+// load(material, whether it is the reflection)
+template <class Load> void FXDemoGadget::Build(Load load) {
     CreatePath();
     travel.SetPlain(kTravel * static_cast<double>(path.avgSegment), true);
     spinX.SetPlain(kSpinX, true);
     spinY.SetPlain(kSpinY, true);
-    localLoad(&skinMat, pck, skinId);
+    load(&skinMat, false);
+    skinMat.SetDefDiffuse(1.0f);
     skinMat.PreserveCols();
-    localLoad(&envMat, pck, envId);
+    load(&envMat, true);
+    envMat.SetDefDiffuse(1.0f);
     envMat.ChangeDarkDiffuse(kReflectionDarkness);
     envMat.PreserveCols();
     FXMatrix front;
@@ -77,6 +75,14 @@ void FXDemoGadget::CreateCN(FXPackage* pck, int envId, int skinId) {
     needStart = waiting = fading = true;
     delay.SetPlain(kDelay, false);
     fade.SetPlain(kFade, false);
+}
+
+void FXDemoGadget::CreateCN(FXPackage* pck, int envId, int skinId) {
+    Build([&](FXMaterial* m, bool isEnv) { m->LoadTextureCN(pck, isEnv ? envId : skinId); });
+}
+
+void FXDemoGadget::Create(const char* envFile, const char* skinFile) {
+    Build([&](FXMaterial* m, bool isEnv) { m->LoadTexture(isEnv ? envFile : skinFile); });
 }
 
 void FXDemoGadget::Destroy() {

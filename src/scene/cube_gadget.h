@@ -19,6 +19,7 @@ public:
     virtual ~FXDemoGadget() = default;
 
     void CreateCN(FXPackage* pck, int envId, int skinId);
+    void Create(const char* envFile, const char* skinFile); // the same with pictures from files
     void Destroy();
     void OnRender(PEnv* env, double time) override;
 
@@ -38,6 +39,7 @@ public:
     FXPhaser fade;
 
 private:
+    template <class Load> void Build(Load load);
     void CreatePath();
     void FadeIn(PEnv* env, double time);
     void PlaceCube(PEnv* env, double time);

@@ -128,3 +128,35 @@ void FXDesk::UpdateTexRc(float l, float t, float r, float b) {
     const FXMaterial* m = mesh.material;
     LayPicture(l, t, r, b, m ? m->extentU : 0, m ? m->extentV : 0);
 }
+
+tagFXVertex* FXDesk::CornerAt(int corner) {
+    constexpr int kVertices[] = {0, 1, 3, 2};
+    return cols == 1 && rows == 1 && corner >= 1 && corner <= 4 ? &mesh.vertices[kVertices[corner - 1]]
+                                                                : nullptr;
+}
+
+void FXDesk::SetVertexPos(int corner, float x, float y) {
+    if (tagFXVertex* vertex = CornerAt(corner)) {
+        vertex->pos[0] = x;
+        vertex->pos[1] = y;
+    }
+}
+
+void FXDesk::SetTexelPos(int corner, float u, float v) {
+    if (tagFXVertex* vertex = CornerAt(corner)) {
+        vertex->tex[0] = u;
+        vertex->tex[1] = v;
+    }
+}
+
+void FXDesk::SetVertexPos1(int corner, int px, int py, int w, int h) {
+    if (w > 0 && h > 0)
+        SetVertexPos(corner, 2 * static_cast<float>(px) / static_cast<float>(w) - 1,
+                     1 - 2 * static_cast<float>(py) / static_cast<float>(h));
+}
+
+void FXDesk::SetTexelPos1(int corner, int px, int py, int w, int h) {
+    if (w > 0 && h > 0)
+        SetTexelPos(corner, static_cast<float>(px) / static_cast<float>(w),
+                    static_cast<float>(py) / static_cast<float>(h));
+}

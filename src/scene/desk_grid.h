@@ -35,12 +35,20 @@ public:
     virtual void UpdateTex1(); // the whole texture, whatever the picture fills of it
     virtual void UpdateTexRc(float l, float t, float r, float b); // a part of the picture, 0..1 each
 
+    // One corner of a desk of one cell, 1 to 4 clockwise from the top left; of other desks, or corners,
+    // nothing. On the screen, of the texture, or in pixels of a screen or texture of w x h (both above 0).
+    void SetVertexPos(int corner, float x, float y);
+    void SetTexelPos(int corner, float u, float v);
+    void SetVertexPos1(int corner, int px, int py, int w, int h);
+    void SetTexelPos1(int corner, int px, int py, int w, int h);
+
     int cols = 0;
     int rows = 0;
     FXMesh mesh;
 
 private:
     template <class Operation> void ForEachVertex(Operation operation);
+    tagFXVertex* CornerAt(int corner);
     void Layout(bool positions, bool normals, float a, float b, bool fromTopLeft);
     void LayPicture(float l, float t, float r, float b, float su, float sv);
 };

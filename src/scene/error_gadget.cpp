@@ -2,16 +2,24 @@
 
 #include "env/environment.h"
 
-void FXErrGadget::CreateCN(FXPackage* pck, int id) {
+template <class Load> void FXErrGadget::Build(Load load) {
     constexpr float kFromCorner = 10; // pixels
     errDesk.Create(1, 1);
-    errMat.LoadTextureCN(pck, id);
+    load();
     errDesk.SetMaterial(&errMat);
     placement.picW = errMat.GetWidthF();
     placement.picH = errMat.GetHeightF();
     placement.screenW = static_cast<float>(fxglobalEnv->screenWidth);
     placement.screenH = static_cast<float>(fxglobalEnv->screenHeight);
     placement.SetPos(kFromCorner, kFromCorner);
+}
+
+void FXErrGadget::CreateCN(FXPackage* pck, int id) {
+    Build([&] { errMat.LoadTextureCN(pck, id); });
+}
+
+void FXErrGadget::Create() {
+    Build([this] { errMat.LoadTexture("error_message.png"); });
 }
 
 void FXErrGadget::Destroy() {

@@ -13,6 +13,7 @@ public:
     virtual ~FXErrGadget() = default;
 
     void CreateCN(FXPackage* pck, int id); // needs the global environment's screen size
+    void Create();                         // the same with the file "error_message.png"
     void Destroy();
     void OnRender(PEnv* env, double time) override;
 
@@ -20,4 +21,7 @@ public:
     FXDesk errDesk;
     FXMaterial errMat;
     FXScrPos01 placement;
+
+private:
+    template <class Load> void Build(Load load);
 };

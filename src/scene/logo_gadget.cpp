@@ -29,10 +29,22 @@ void localScale(PEnv* env, float x, float y) {
 } // namespace
 
 void FXOrinGadget::CreateCN(FXPackage* pck, int pictureId, int modelId) {
-    needStart = true;
     medallion.LoadCN(pck, modelId);
     medallion.UpdateMeshes();
     labelMat.LoadTextureCN(pck, pictureId);
+    FinishCreate();
+}
+
+void FXOrinGadget::Create() {
+    medallion.Load("orin_medallion.om");
+    medallion.UpdateMeshes();
+    medallion.UpdateColCol(kLabelColor);
+    labelMat.LoadTexture("label.png");
+    FinishCreate();
+}
+
+void FXOrinGadget::FinishCreate() {
+    needStart = true;
     label.Create(1, 1);
     label.UpdateColCol(kLabelColor);
     label.mesh.colorMode = 1;

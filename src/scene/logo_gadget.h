@@ -13,6 +13,8 @@ public:
     virtual ~FXOrinGadget() = default;
 
     void CreateCN(FXPackage* pck, int pictureId, int modelId);
+    // The same with the files "orin_medallion.om" and "label.png"; the medallion is as faint as the label.
+    void Create();
     void Destroy();
     // Round on any screen: sized by the height, or by the width of a portrait one. Lit by the scene's lights.
     // Leaves the label's matrix in force and lights off.
@@ -26,5 +28,6 @@ public:
     FXPhaser spin;
 
 private:
+    void FinishCreate();
     void DrawModel(PEnv* env, double time);
 };

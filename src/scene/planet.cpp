@@ -33,11 +33,11 @@ FXPlanet::FXPlanet() {
     }
 }
 
-void FXPlanet::AddLayerCN(FXPackage* pck, int id) {
+template <class Load> void FXPlanet::Add(Load load) {
     if (layerCount >= kMaxLayers)
         return;
     auto* model = new FXModel;
-    model->LoadCN(pck, id);
+    load(model);
     model->UpdateMeshes();
     model->PreserveColMat();
     models.Push(model);
@@ -45,6 +45,14 @@ void FXPlanet::AddLayerCN(FXPackage* pck, int id) {
         settings->Push(0);
     curLayer = layerCount++;
     Color(model, layerColor);
+}
+
+void FXPlanet::AddLayerCN(FXPackage* pck, int id) {
+    Add([&](FXModel* model) { model->LoadCN(pck, id); });
+}
+
+void FXPlanet::AddLayer(const char* path) {
+    Add([&](FXModel* model) { model->Load(path); });
 }
 
 void FXPlanet::SetLayerRot(int mode, double d1, double d2) {

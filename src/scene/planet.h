@@ -23,6 +23,7 @@ public:
 
     // A model that does not load makes a layer that draws nothing. An eleventh layer is not added.
     void AddLayerCN(FXPackage* pck, int id);
+    void AddLayer(const char* path); // the same from a file
     // mode: 0 none, 1 about x, 2 about y, 3 about x, then y. Seconds per turn.
     void SetLayerRot(int mode, double d1, double d2);
     // Stretches along an axis (0 none, 1 x, 2 y, 3 z), then flattens. The period is shared with
@@ -50,6 +51,7 @@ public:
     FXMatrix layerMatrix;
 
 private:
+    template <class Load> void Add(Load load);
     void Turn(PEnv* env, int layer, double time);
     void Pulse(PEnv* env, int layer, double time);
     void Color(FXModel* model, const float* rgba) const;

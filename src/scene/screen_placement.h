@@ -1,6 +1,7 @@
 // Places a flat picture on the screen by pixels.
 #pragma once
 
+#include "base/rect.h"
 #include "env/drawable.h"
 #include "math/matrix.h"
 
@@ -13,6 +14,12 @@ public:
     void SetPos(float x, float y);     // of the upper left corner, in pixels from the screen's
     void ShiftPos(float dx, float dy); // in fractions of the screen
     void Update();
+    void UpdateSize(); // the picture's size in the middle of the screen, whatever the position
+    // Narrows the placement, as it is, where an area of w x h is wider in proportion than the screen; mode 0
+    // keeps its middle in place, 1 its right edge, any other its left one.
+    void UpdateAspectH1(int mode, float w, float h);
+    // The picture's pixels on a screen of w x h, rounded down towards 0; nothing without a screen.
+    void GetPixelRC(FXRect* rc, int w, int h) const;
     void OnRender(PEnv* env, double time) override; // draws nothing itself
     virtual void Destroy() {}
 
@@ -24,4 +31,7 @@ public:
     float posY = 0;
     FXMatrix placeMatrix;
     bool relative = false; // on top of the matrix in force
+
+private:
+    bool HasSizes() const { return screenW > 0 && screenH > 0 && picW > 0 && picH > 0; }
 };

@@ -115,6 +115,10 @@ struct CRITICAL_SECTION {
 #define WAIT_OBJECT_0 0u
 #define WAIT_TIMEOUT 258u
 
+#define INVALID_FILE_ATTRIBUTES 0xFFFFFFFFu
+#define FILE_ATTRIBUTE_DIRECTORY 0x0010u
+#define FILE_ATTRIBUTE_NORMAL 0x0080u
+
 #define ERROR_SUCCESS 0
 #define ERROR_FILE_NOT_FOUND 2
 #define ERROR_MORE_DATA 234
@@ -225,6 +229,7 @@ DWORD WINAPI FormatMessageA(DWORD flags, const void* source, DWORD message, DWOR
                             DWORD size, void* arguments);
 DWORD WINAPI GetCurrentDirectoryA(DWORD size, char* buffer);
 BOOL WINAPI SetCurrentDirectoryA(const char* path);
+DWORD WINAPI GetFileAttributesA(const char* path);
 HRESULT WINAPI SHGetFolderPathA(HWND owner, int folder, HANDLE token, DWORD flags, char* path);
 HINSTANCE WINAPI ShellExecuteA(HWND owner, const char* verb, const char* file, const char* parameters,
                                const char* folder, int show);

@@ -113,6 +113,10 @@ BOOL SetCurrentDirectoryA(const char* path) {
     return NoteFakeCall("SetCurrentDirectoryA(%s)", path), TRUE;
 }
 
+DWORD GetFileAttributesA(const char*) {
+    return INVALID_FILE_ATTRIBUTES;
+}
+
 HRESULT SHGetFolderPathA(HWND, int folder, HANDLE, DWORD, char* path) {
     std::snprintf(path, MAX_PATH, "C:\\Folder%d", folder);
     return 0;

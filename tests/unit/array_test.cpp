@@ -1,5 +1,7 @@
 #include "base/arrays.h"
+#include "base/byte_block.h"
 #include "base/file_handle.h"
+#include "base/rect.h"
 #include "base/str_array.h"
 #include "unit/temp_folder.h"
 
@@ -102,6 +104,63 @@ TEST(StrArray, OwnsItsStrings) {
     a.RemovePos(1);
     a.Pop();
     EXPECT_EQ(a.count, 1);
+    EXPECT_TRUE(a.First() == a.items[0] && a.Last() == a.items[0]);
+    a.Pop();
+    EXPECT_TRUE(a.First() == nullptr && a.Last() == nullptr);
+}
+
+TEST(StrArray, EditsAndIgnoresPlacesOutside) {
+    using A = FXStrArray;
+    const std::pair<std::function<void(A&)>, std::vector<std::string>> cases[] = {
+        {[](A& a) { a.Remove("b"), a.Remove("x"); }, {"a", "", "b"}},
+        {[](A& a) { a.Remove(nullptr), a.MovePos(0, 1); }, {"b", "a", "b"}},
+        {[](A& a) { a.MovePos(3, -1), a.MovePos(3, 1), a.MovePos(0, -1); }, {"a", "b", "b", ""}},
+        {[](A& a) { a.Pop(), a.PushVoid(); }, {"a", "b", "", ""}}, // nothing of the popped one
+    };
+    for (const auto& [edit, to] : cases) {
+        A a;
+        for (const char* s : {"a", "b", "", "b"})
+            a.Push(s);
+        edit(a);
+        std::vector<std::string> left;
+        for (int i = 0; i < a.count; ++i)
+            left.emplace_back(a.Get(i));
+        EXPECT_EQ(left, to);
+    }
+}
+
+TEST(Memory, GrowsAndKeepsWhatIsThere) {
+    FXMemory memory;
+    EXPECT_EQ(memory.GetItemPtr(0), nullptr);
+    ASSERT_TRUE(memory.Realloc(2));
+    *memory.GetItemPtr(1) = 7;
+    ASSERT_TRUE(memory.Realloc(100) && memory.Realloc(5));
+    EXPECT_TRUE(memory.GetSize() == 100 && *memory.GetItemPtr(1) == 7 && *memory.GetItemPtr(99) == 0);
+    EXPECT_TRUE(memory.GetItemPtr(100) == nullptr && memory.GetItemPtr(-1) == nullptr);
+    const AllocLimit limit(200);
+    EXPECT_FALSE(memory.Realloc(201));
+    EXPECT_EQ(*memory.GetItemPtr(1), 7);
+}
+
+TEST(Rect, CombinesWithAnother) {
+    const struct {
+        FXRect a, b, around, common;
+    } cases[] = {{{0, 0, 4, 4}, {2, 1, 6, 3}, {0, 0, 6, 4}, {2, 1, 4, 3}},
+                 {{5, 6, 7, 8}, {1, 2, 3, 4}, {1, 2, 7, 8}, {}},
+                 {{0, 0, 4, 4}, {4, 0, 8, 4}, {0, 0, 8, 4}, {}}, // side by side
+                 {{0, 0, 4, 4}, {9, 9, 9, 20}, {0, 0, 4, 4}, {}},
+                 {{}, {-3, -2, -1, 5}, {-3, -2, -1, 5}, {}}};
+    const auto same = [](const FXRect& a, const FXRect& b) {
+        return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+    };
+    for (const auto& c : cases) {
+        FXRect around = c.a, common;
+        common.Set(c.a.left, c.a.top, c.a.right, c.a.bottom);
+        around.CombineOr(c.b);
+        common.CombineAnd(c.b);
+        EXPECT_TRUE(same(around, c.around) && same(common, c.common)) << &c - cases;
+        EXPECT_EQ(common.IsEmpty(), &c != cases);
+    }
 }
 
 TEST(StrArray, RecordsComeBackAndALengthThatLiesCostsNoMemory) {

@@ -184,6 +184,66 @@ TEST(Spline, TravelsWithoutAJumpOrACorner) {
     }
 }
 
+TEST(Spline, GivesTheXBetweenItsPoints) {
+    const struct {
+        float phase, open, closed; // x on 0, 1, 3 and back
+    } kCases[] = {{0.25f, 0.75f, 1.5f}, {0.5f, 1.5f, 3}, {0.75f, 2.25f, 1.5f}, {1, 3, 0}, {-1, 0, 0}};
+    FXBezierSpline open, closed, few;
+    Fill(&open, {{0, 5}, {1, 5}, {3, 5}});
+    Fill(&closed, {{0}, {1}, {3}}, {.closed = true});
+    const Point before = At(open, 0.25f);
+    for (const auto& c : kCases) {
+        EXPECT_FLOAT_EQ(open.GetAllPos(c.phase), c.open) << c.phase;
+        EXPECT_FLOAT_EQ(closed.GetAllPos(c.phase), c.closed) << c.phase;
+    }
+    EXPECT_EQ(At(open, 0.25f), before) << "the active segment stays";
+    EXPECT_EQ(few.GetAllPos(0.5f), 0.0f);
+    Fill(&few, {{7}});
+    EXPECT_EQ(few.GetAllPos(0.5f), 7.0f);
+}
+
+TEST(Bezier, FollowsXWhereItRises) {
+    const struct {
+        float x0, x1, x2;
+        float atQuarter; // x at t = 1/4
+    } kCases[] = {{0, 0, 4, 1},     {0, 1, 4, 1},      {0, 4, 4, 1}, {4, 1, 0, 3}, {0, 2, 4, 1},
+                  {0, 8, 4, 3.25f}, {2, 5, 2, 3.125f}, {2, 2, 2, 2}}; // turns back, or stands still: as Get
+    for (const auto& c : kCases) {
+        const FXBezier3 bezier = {{{c.x0, 0, 1}, {c.x1, 5, 1}, {c.x2, 0, 1}}};
+        Point at, plain;
+        for (const auto& [t, x] : {std::pair{0.0f, c.x0}, {0.25f, c.atQuarter}, {1.0f, c.x2}}) {
+            bezier.Get1(at.data(), t);
+            ExpectNear({at[0], at[2]}, {x, 1});
+        }
+        FXBezierPhaseH h;
+        h.Prepare(0.25f);
+        bezier.Get(plain.data(), h.t);
+        bezier.Get1H(at.data(), &h);
+        EXPECT_EQ(at, plain);
+    }
+    FXBezierSpline spline;
+    Fill(&spline, {{0, 0}, {4, 0}, {4, 4}});
+    spline.useGet1 = true;
+    for (const auto& [a, b] : {std::pair{0, 1}, {1, 2}}) { // quadratic: x goes 0 to 4, and out and back
+        spline.SetActPoints(a, b);
+        Point at, plain;
+        (a == 0 ? spline.startBezier : spline.endBezier).Get(plain.data(), 0.25f);
+        at = At(spline, 0.25f);
+        EXPECT_NEAR(at[0], a == 0 ? 1 : plain[0], 1e-6f);
+        EXPECT_EQ(at == plain, a == 1);
+    }
+    spline.closed = true;
+    spline.SetActPoints(0, 1);
+    const Point at = At(spline, 0.25f);
+    FXBezierPhaseH h;
+    h.Prepare(0.25f);
+    Point one, byPhase;
+    spline.beziers[0].Get1(one.data(), 0.25f);
+    spline.beziers[0].Get1H(byPhase.data(), &h);
+    spline.useGet1 = false;
+    EXPECT_TRUE(at == At(spline, 0.25f) && one == at && byPhase == at) << "cubic: no other way";
+}
+
 TEST(SplineSet, GivesWhatTheSplinesGive) {
     constexpr int kSplines = 7;
     for (const int points : {1, 2, 3, 4, 6})

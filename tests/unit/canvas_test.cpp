@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -64,6 +65,46 @@ TEST(Canvas, CopiesTheUsedPixelsRowByRow) {
     fxSetAllocLimit(8);
     EXPECT_FALSE(to.Copy(&from));
     fxSetAllocLimit(0);
+}
+
+// 3 x 2 pixels, red 1, 2, 3 over 4, 5, 6, in a storage of 4 x 4 full of 99.
+void MakeSmall(FXCanvas* canvas) {
+    ASSERT_TRUE(canvas->Realloc(4, 4) && canvas->Realloc(3, 2));
+    canvas->height = 4;
+    static_cast<FXPixmap*>(canvas)->Clear(99);
+    for (std::uint32_t i = 0; i < 6; ++i)
+        canvas->pixels[i / 3 * 4 + i % 3] = i + 1;
+}
+
+TEST(Canvas, IsReadAtAnyPlace) {
+    const struct {
+        float u, v;
+        std::uint32_t color, bump; // red
+    } kCases[] = {{0, 0, 1, 99},  {0.34f, 0.5f, 5, 5},   {0.9f, 0.9f, 6, 3},
+                  {1, 0, 99, 99}, {0, 1, 99, 1},         {-5, -0.1f, 1, 99},
+                  {9, 9, 99, 99}, {2e9f, -2e9f, 99, 99}, {std::nanf(""), std::nanf(""), 1, 1}};
+    FXCanvas canvas;
+    float color[4] = {7, 7, 7, 7};
+    canvas.GetColor(0, 0, color);
+    EXPECT_TRUE(fxColIsZero(color) && canvas.GetBump(0, 0) == 0);
+    MakeSmall(&canvas);
+    for (const auto& c : kCases) {
+        canvas.GetColor(c.u, c.v, color);
+        EXPECT_EQ(std::lround(color[0] * 255), c.color) << c.u << " " << c.v;
+        EXPECT_EQ(std::lround(canvas.GetBump(c.u, c.v) * 255), c.bump) << c.u << " " << c.v;
+    }
+    canvas.pixels[0] = 0x00FF3300u;
+    canvas.GetColor(0, 0, color);
+    EXPECT_TRUE(color[0] == 0 && color[1] == 0.2f && color[2] == 1 && color[3] == 0);
+}
+
+TEST(Canvas, ExtendsItsEdges) {
+    FXCanvas canvas;
+    canvas.ExtendEdges(); // nothing there
+    MakeSmall(&canvas);
+    canvas.ExtendEdges();
+    EXPECT_EQ(std::vector<std::uint32_t>(canvas.pixels, canvas.pixels + 16),
+              (std::vector<std::uint32_t>{1, 2, 3, 3, 4, 5, 6, 6, 4, 5, 6, 6, 4, 5, 6, 6}));
 }
 
 TEST(Colors, AreCutToBytesAndComeBack) {

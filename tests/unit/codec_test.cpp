@@ -7,6 +7,7 @@
 #include "unit/trace_lines.h"
 
 #include <climits>
+#include <functional>
 
 namespace {
 
@@ -260,6 +261,90 @@ TEST_F(Codec, RefusesSizesThatCannotBe) {
     }
     FXCanvas canvas;
     EXPECT_TRUE(canvas.CreateFromPictCN(&package_, 1)) << "the last one, with memory";
+}
+
+TEST_F(Codec, SavesThePictureAndItsMaskAsTheyLoadAgain) {
+    const struct {
+        const char* name;
+        bool alpha;
+        int tolerance;
+    } cases[] = {{"a.png", true, 0}, {"a.TGA", true, 0}, {"a.bmp", false, 0}, {"a.Jpg", false, 90}};
+    FXCanvas canvas;
+    ASSERT_TRUE(canvas.Realloc(5, 3)); // rows of the storage are longer
+    static_cast<FXPixmap&>(canvas).Clear(0);
+    for (std::uint32_t i = 0; i < 15; ++i)
+        canvas.pixels[i / 5 * 8 + i % 5] = (i * 17) << 24 | (i < 10 ? 0x00102030u + i : 0x00F0E0D0u + i);
+    for (const auto& c : cases) {
+        const std::string name = folder_.File(c.name), mask = folder_.File(std::string("mask-") + c.name);
+        for (const std::string& file : {name, mask})
+            folder_.Write(std::filesystem::path(file).filename(), "an old file");
+        ASSERT_TRUE(canvas.SaveToPict(name.c_str()) && canvas.SaveToMask(mask.c_str())) << c.name;
+        FXCanvas picture, grey;
+        ASSERT_TRUE(picture.CreateFromPict(name.c_str()) && grey.CreateFromPict(mask.c_str())) << c.name;
+        ASSERT_TRUE(picture.GetWidth() == 5 && picture.GetHeight() == 3 && grey.GetHeight() == 3) << c.name;
+        for (int i = 0; i < 15; ++i)
+            for (int channel = 0; channel < 4; ++channel) {
+                const auto at = [&](const FXCanvas& of, int byte) {
+                    return static_cast<int>(of.pixels[i / 5 * 8 + i % 5] >> 8 * byte & 255);
+                };
+                const bool absent = channel == 3 && !c.alpha;
+                EXPECT_NEAR(at(picture, channel), absent ? 255 : at(canvas, channel), c.tolerance) << c.name;
+                EXPECT_NEAR(at(grey, channel), channel == 3 ? 255 : at(canvas, 3), c.tolerance) << c.name;
+            }
+    }
+    std::size_t sizes[2];
+    for (const int quality : {-5, 500}) {
+        FXCanvas::SetJpegQuality(quality);
+        ASSERT_TRUE(canvas.SaveToPict(folder_.File("q.jpg").c_str()));
+        sizes[quality > 0] = folder_.Read("q.jpg").size();
+    }
+    EXPECT_LT(sizes[0], sizes[1]);
+    for (const std::string& file : {folder_.File("no/folder.png"), folder_.File("a.none"), std::string()})
+        EXPECT_FALSE(canvas.SaveToPict(file.c_str()) || canvas.SaveToMask(file.c_str())) << file;
+    EXPECT_FALSE(canvas.SaveToPict(nullptr) || FXCanvas().SaveToPict(folder_.File("b.png").c_str()));
+    fxUnloadDevil();
+    FXCanvas::SetJpegQuality(50);
+    EXPECT_FALSE(canvas.SaveToPict(folder_.File("b.png").c_str()));
+}
+
+TEST_F(Codec, TakesTheAlphaOfAMask) {
+    const std::string kMask = Tga(2, 1, {0x00AABB80u, 0x123456FFu}), kWhole = Tga(3, 2, std::vector(6, ~0u));
+    Load({{1, kTga, kMask},
+          {2, kTga, kWhole},
+          {3, kTga, Tga(4, 1, {1, 2, 3, 4})},
+          {4, kTga, Tga(1, 3, {1, 2, 3})},
+          {6, kTga, Tga(3, 1, std::vector(3, ~0u))},
+          {5, kTga, std::string(kMask).replace(16, 1, "\x10").substr(0, 20)}}); // 16 bits, cut
+    const std::string file = folder_.Write("TRANS.tga", kMask);
+    const struct {
+        std::function<bool(FXCanvas&)> load;
+        bool loads;
+        std::vector<std::uint32_t> alphas;
+        bool opaque;
+    } cases[] = {
+        {[&](FXCanvas& c) { return c.LoadMaskCN(&package_, 1); }, true, {0x80, 255, 0, 0, 0, 0}, false},
+        {[&](FXCanvas& c) { return c.LoadMaskC(&package_, "1"); }, true, {0x80, 255, 0, 0, 0, 0}, false},
+        {[&](FXCanvas& c) { return c.LoadMask(file.c_str()); }, true, {0x80, 255, 0, 0, 0, 0}, false},
+        {[&](FXCanvas& c) { return c.LoadMaskCN(&package_, 2); }, true, std::vector(6, 255u), true},
+        {[&](FXCanvas& c) { return c.LoadMaskCN(&package_, 6); }, true, {255, 255, 255, 0, 0, 0}, false},
+        {[&](FXCanvas& c) { return c.LoadMaskCN(&package_, 3); }, false, std::vector(6, 9u),
+         true}, // too wide
+        {[&](FXCanvas& c) { return c.LoadMaskCN(&package_, 4); }, false, std::vector(6, 9u),
+         true}, // too high
+        {[&](FXCanvas& c) { return c.LoadMaskCN(&package_, 5); }, false, std::vector(6, 9u), true}, // refused
+        {[&](FXCanvas& c) { return c.LoadMaskC(&package_, "mask"); }, false, std::vector(6, 9u), true},
+        {[&](FXCanvas& c) { return c.LoadMask(""); }, false, std::vector(6, 9u), true},
+    };
+    for (const auto& c : cases) {
+        FXCanvas canvas;
+        ASSERT_TRUE(canvas.Realloc(3, 2));
+        static_cast<FXPixmap&>(canvas).Clear(0x09ABCDEFu);
+        EXPECT_EQ(c.load(canvas), c.loads) << &c - cases;
+        for (std::size_t i = 0; i < 6; ++i)
+            EXPECT_EQ(canvas.pixels[i / 3 * 4 + i % 3], c.alphas[i] << 24 | 0x00ABCDEFu) << &c - cases;
+        EXPECT_EQ(canvas.pixels[3] >> 24, c.loads ? 0u : 9u) << "beside the picture";
+        EXPECT_EQ(canvas.opaque, c.opaque) << &c - cases;
+    }
 }
 
 TEST_F(Codec, ThatFailsHalfwayGivesNoPicture) {

@@ -127,4 +127,42 @@ TEST(Desk, ShadesTowardsTheBottomRight) {
     EXPECT_EQ(Reds(desk), (Values{1, 1, 1, 1, 0.75f, 0.5f, 1, 0.5f, 0}));
 }
 
+TEST(Desk, OfOneCellIsPulledByItsCorners) {
+    using Set = void (FXDesk::*)(int, float, float);
+    using Set1 = void (FXDesk::*)(int, int, int, int, int);
+    const struct {
+        float (tagFXVertex::*pair)[2]; // null: the position
+        Set set;
+        Set1 set1;
+        float x, y; // of pixel 25 to the right, 150 down, of 100 x 200
+    } kCases[] = {{nullptr, &FXDesk::SetVertexPos, &FXDesk::SetVertexPos1, -0.5f, -0.5f},
+                  {&tagFXVertex::tex, &FXDesk::SetTexelPos, &FXDesk::SetTexelPos1, 0.25f, 0.75f}};
+    for (const auto& c : kCases) {
+        const auto values = [&](const FXDesk& desk) {
+            return c.pair != nullptr ? Pairs(desk, c.pair) : Places(desk);
+        };
+        FXDesk desk;
+        desk.Create(1, 1);
+        const Values before = values(desk);
+        desk.mesh.vertices[1].pos[2] = 5;
+        for (const int corner : {0, 5, -1, INT_MAX}) {
+            (desk.*c.set)(corner, 7, 8);
+            (desk.*c.set1)(1, corner, 1, corner > 0 ? 0 : 1, corner > 0 ? 1 : -1); // no such size
+        }
+        EXPECT_EQ(values(desk), before);
+        for (int corner = 1; corner <= 4; ++corner)
+            (desk.*c.set)(corner, static_cast<float>(corner), static_cast<float>(10 * corner));
+        EXPECT_EQ(values(desk), (Values{1, 2, 4, 3, 10, 20, 40, 30}));
+        EXPECT_EQ(desk.mesh.vertices[1].pos[2], 5.0f);
+        (desk.*c.set1)(3, 25, 150, 100, 200);
+        EXPECT_EQ(values(desk), (Values{1, 2, 4, c.x, 10, 20, 40, c.y}));
+        for (const auto& [cols, rows] : {std::pair{2, 1}, {1, 2}, {0, 0}}) {
+            desk.Create(cols, rows);
+            const Values larger = values(desk);
+            (desk.*c.set)(1, 7, 8);
+            EXPECT_EQ(values(desk), larger) << cols << " x " << rows;
+        }
+    }
+}
+
 } // namespace

@@ -75,6 +75,87 @@ TEST_F(Placement, PutsAPictureOnItsPixels) {
     }
 }
 
+TEST_F(Placement, SizesAndNarrowsWhatItPlaces) {
+    const struct {
+        const char* what;
+        void (*change)(FXScrPos01& p);
+        float sx, sy, x, y;
+    } kCases[] = {
+        {"placed", [](FXScrPos01&) {}, 0.25f, 0.5f, -0.5f, 0.25f},
+        {"size alone", [](FXScrPos01& p) { p.UpdateSize(); }, 0.25f, 0.5f, 0, 0},
+        {"no size", [](FXScrPos01& p) { p.picW = 0, p.UpdateSize(); }, 1, 1, 0, 0},
+        {"centred", [](FXScrPos01& p) { p.UpdateAspectH1(0, 800, 300); }, 0.125f, 0.5f, -0.5f, 0.25f},
+        {"right", [](FXScrPos01& p) { p.UpdateAspectH1(1, 800, 300); }, 0.125f, 0.5f, -0.375f, 0.25f},
+        {"left", [](FXScrPos01& p) { p.UpdateAspectH1(7, 800, 300); }, 0.125f, 0.5f, -0.625f, 0.25f},
+        {"as wide", [](FXScrPos01& p) { p.UpdateAspectH1(1, 400, 300); }, 0.25f, 0.5f, -0.5f, 0.25f},
+        {"less wide", [](FXScrPos01& p) { p.UpdateAspectH1(1, 300, 300); }, 0.25f, 0.5f, -0.5f, 0.25f},
+        {"no height", [](FXScrPos01& p) { p.UpdateAspectH1(1, 300, 0); }, 0.25f, 0.5f, -0.5f, 0.25f},
+        {"no width", [](FXScrPos01& p) { p.UpdateAspectH1(1, 0, 0); }, 0.25f, 0.5f, -0.5f, 0.25f},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.what);
+        FXScrPos01 placement;
+        placement.screenW = 800;
+        placement.screenH = 600;
+        placement.picW = 200;
+        placement.picH = 300;
+        placement.SetPos(100, 75);
+        c.change(placement);
+        ExpectMatrix(placement.placeMatrix, {Move(c.x, c.y, 0), Scale(c.sx, c.sy, 1)});
+    }
+}
+
+TEST_F(Placement, TellsItsPixelsOnAnotherScreen) {
+    const struct {
+        float screenW, screenH, posX, posY;
+        int w, h;
+        std::array<int, 4> expected; // a picture of 200.5 x 300
+    } kCases[] = {{800, 600, 100, 75, 800, 600, {100, 75, 300, 375}},
+                  {800, 600, 100.75f, 75, 3200, 300, {403, 37, 1204, 187}}, // of the whole pixels 301 and 375
+                  {800, 600, -101, -75, 400, 1200, {-50, -150, 49, 450}},
+                  {0, 600, 100, 75, 400, 300, {}},
+                  {800, -1, 100, 75, 400, 300, {}},
+                  {800, 600, 1e30f, std::nanf(""), 400, 300, {}}};
+    for (const auto& c : kCases) {
+        FXScrPos01 placement;
+        placement.screenW = c.screenW;
+        placement.screenH = c.screenH;
+        placement.picW = 200.5f;
+        placement.picH = 300;
+        placement.SetPos(c.posX, c.posY);
+        FXRect rc = {9, 9, 9, 9};
+        placement.GetPixelRC(&rc, c.w, c.h);
+        EXPECT_EQ((std::array{rc.left, rc.top, rc.right, rc.bottom}), c.expected) << c.posX;
+    }
+}
+
+TEST_F(Gadget, AreMadeFromFilesAlike) {
+    const std::filesystem::path start = std::filesystem::current_path();
+    std::filesystem::current_path(folder_.File(""));
+    folder_.Write("orin_medallion.om", TriangleModel(folder_));
+    FXCanvas canvas;
+    for (const auto& [entry, name] : {std::pair{0, "error_message.png"}, {5, "label.png"}, {6, "skin.png"}})
+        EXPECT_TRUE(canvas.CreateFromPictCN(&package_, entry) && canvas.SaveToPict(name));
+    FXErrGadget error;
+    FXOrinGadget logo;
+    FXDemoGadget cube;
+    error.Create();
+    logo.Create();
+    cube.Create("label.png", "skin.png");
+    std::filesystem::current_path(start);
+
+    error.visible = true;
+    ExpectMatrix(Draw(&error, 0).at(0).matrix,
+                 {Move(-0.6875f, 0.84375f, 0), Scale(0.29296875f, 0.13020833f, 1)});
+    const auto& drawn = Draw(&logo, 5);
+    ASSERT_EQ(drawn.size(), 2u);
+    EXPECT_TRUE(drawn[0].mesh->vertices[0].color[3] == 0.4f && drawn[0].mesh->colorMode == 1);
+    EXPECT_TRUE(logo.labelMat.GetWidth() == 3 && logo.spin.start == 5 && logo.spin.duration == 8);
+    EXPECT_TRUE(cube.envMat.GetWidth() == 3 && cube.skinMat.GetWidth() == 1);
+    EXPECT_TRUE(cube.envMat.keptColors[1][0] == 0.5f && cube.skinMat.keptColors[1][0] == 1);
+    EXPECT_TRUE(cube.path.GetCnt() == 20 && cube.skins[5].mesh.material == &cube.skinMat);
+}
+
 TEST_F(Gadget, ErrorPictureStandsInTheCornerWhenVisible) {
     FXErrGadget gadget;
     gadget.CreateCN(&package_, 0);

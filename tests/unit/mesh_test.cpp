@@ -9,6 +9,7 @@
 
 #include <climits>
 #include <cmath>
+#include <span>
 
 namespace {
 
@@ -262,6 +263,80 @@ TEST(MeshTexCoords, AreProjectedAndCopied) {
     EXPECT_EQ(VertexOf(longer, 0).tex, (Tex{0, 1}));
     EXPECT_EQ(VertexOf(longer, 1).tex, (Tex{0.5f, 0.25f}));
     EXPECT_EQ(VertexOf(longer, 2).tex, (Tex{9, 9})) << "beyond the source";
+}
+
+TEST(MeshMaps, MoveAndColourVerticesByAPicture) {
+    FXCanvas picture; // 2 x 2; the left column is black, the right one (0.2, 0.4, 0.6) over (1, 0, 1)
+    ASSERT_TRUE(picture.Realloc(2, 2));
+    std::ranges::copy(std::array{0u, 0xFF996633u, 0u, 0x80FF00FFu}, picture.pixels);
+    const float half[4] = {0.5f, 1, 0.5f, 1};
+    const struct {
+        const char* what;
+        void (*apply)(FXMesh& mesh, const FXCanvas& picture, const float* rgba);
+        bool flipV;
+        Vector pos;     // of the vertex whose texture coordinate is (0.75, 0.25)
+        int touched[2]; // there, and where the picture is black
+        std::array<float, 3> color;
+    } kCases[] = {
+        {"extend",
+         [](FXMesh& m, const FXCanvas&, const float*) { m.ExtendPositions(0.5f); },
+         false,
+         {0.5f, -0.5f, 1},
+         {1, 1},
+         {9, 9, 9}},
+        {"bump",
+         [](FXMesh& m, const FXCanvas& p, const float*) { m.ApplyBumpMap(&p, 5); },
+         false,
+         {0.5f, -0.5f, 6},
+         {1, 0},
+         {9, 9, 9}},
+        {"bump, flipped",
+         [](FXMesh& m, const FXCanvas& p, const float*) { m.ApplyBumpMap(&p, 5); },
+         true,
+         {0.5f, -0.5f, 10},
+         {1, 0},
+         {9, 9, 9}},
+        {"bump inwards",
+         [](FXMesh& m, const FXCanvas& p, const float*) { m.ApplyBumpMap(&p, -5); },
+         false,
+         {0.5f, -0.5f, 0},
+         {0, 0},
+         {9, 9, 9}},
+        {"colour",
+         [](FXMesh& m, const FXCanvas& p, const float* c) { m.ApplyColorMap(&p, c); },
+         false,
+         {0.5f, -0.5f, 0},
+         {7, 7},
+         {0.1f, 0.4f, 0.3f}},
+        {"colour, flipped",
+         [](FXMesh& m, const FXCanvas& p, const float* c) { m.ApplyColorMap(&p, c); },
+         true,
+         {0.5f, -0.5f, 0},
+         {7, 7},
+         {0.5f, 0, 0.5f}},
+        {"colour from the front", // down to the right
+         [](FXMesh& m, const FXCanvas& p, const float* c) { m.ApplyFrontColorMap(&p, c); },
+         false,
+         {0.5f, -0.5f, 0},
+         {7, 7},
+         {0.5f, 0, 0.5f}},
+    };
+    for (const auto& c : kCases) {
+        FXMesh mesh;
+        MakeMesh(&mesh,
+                 {{{0.5f, -0.5f, 0}, {0, 0, 2}, {0.75f, 0.25f}}, {{0.5f, 0.5f, 0}, {}, {0.25f, 0.25f}}}, {});
+        for (tagFXVertex& v : std::span(mesh.vertices, 2)) {
+            v.touched = 7;
+            std::fill_n(v.color, 4, 9.0f);
+        }
+        mesh.flipV = c.flipV;
+        c.apply(mesh, picture, half);
+        EXPECT_EQ(VertexOf(mesh, 0).pos, c.pos) << c.what;
+        EXPECT_TRUE(mesh.vertices[0].touched == c.touched[0] && mesh.vertices[1].touched == c.touched[1])
+            << c.what;
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_FLOAT_EQ(mesh.vertices[0].color[i], c.color[i]) << c.what << " " << i;
+    }
 }
 
 TEST(MeshFit, BringsABoxInto1) {

@@ -262,14 +262,18 @@ TEST_F(Morph, MovesAKeyFrameWithItsNameAndTime) {
 
 // The last key frame's box is 8..9, 0..1 and no depth.
 TEST_F(Morph, IsFittedByOneKeyFrame) {
-    for (void (FXAnim::*fit)(int) : {&FXAnim::Unitize, &FXAnim::UnitizeStretch, &FXAnim::UnitizeStretch1}) {
+    const std::pair<void (FXAnim::*)(int), float> kFits[] = {{&FXAnim::UnitizeStretch1HalfHoriz, -9.0f},
+                                                             {&FXAnim::Unitize, -17.0f},
+                                                             {&FXAnim::UnitizeStretch, -17.0f},
+                                                             {&FXAnim::UnitizeStretch1, -17.0f}};
+    for (const auto& [fit, first] : kFits) {
         Make(&anim_, {1, 1, 1});
         anim_.models.Push(nullptr);
         for (const int nothing : {-1, 3, 4})
             (anim_.*fit)(nothing);
         EXPECT_EQ(First(0).pos[0], 0.0f);
         (anim_.*fit)(2);
-        EXPECT_TRUE(First(0).pos[0] == -17 && First(2).pos[0] == -1);
+        EXPECT_TRUE(First(0).pos[0] == first && First(2).pos[0] == -1);
     }
     anim_.ComputeFrontTexCoords(2, -1);
     anim_.ComputeFrontTexCoords(3, -1);

@@ -1,6 +1,6 @@
 #include "base/file_handle.h"
 #include "package/package_data.h"
-#include "scene/phaser.h"
+#include "scene/pausing_phaser.h"
 #include "unit/temp_folder.h"
 
 #include <cmath>
@@ -51,6 +51,42 @@ TEST(Phaser, RunsAsItsFlagsSay) {
         phaser.Restart(500);
         EXPECT_TRUE(phaser.phase == 0 && phaser.running && !phaser.wrapped && !phaser.reverse);
     }
+}
+
+TEST(Phaser, PausesBetweenRunsThereAndBack) {
+    const struct {
+        bool autoRestart;
+        std::vector<std::pair<double, float>> steps; // time, phase
+    } kCases[] = {{true,
+                   {{10.5, 0.5f},
+                    {11.25, 0.75f},
+                    {11.75, 0.25f},
+                    {12, 0},
+                    {13, 0},
+                    {13.75, 0},
+                    {14, 0},
+                    {14.5, 0.5f},
+                    {15.5, 0.5f},
+                    {16.25, 0},
+                    {17.75, 0},
+                    {18.25, 0},
+                    {18.75, 0.5f}}},
+                  {false, {{10.5, 0.5f}, {11.25, 0.75f}, {12, 0}, {12.25, 0.25f}, {13.25, 0.75f}}}};
+    for (const bool restartForward : {true, false})
+        for (const auto& c : kCases) {
+            FXPhaser1 phaser;
+            phaser.SetPlain(1, false);
+            phaser.pingPong = true;
+            phaser.autoRestart = c.autoRestart;
+            phaser.restartForward = restartForward;
+            phaser.pause = 2;
+            phaser.Restart(10);
+            FXPhaser& plain = phaser;
+            for (const auto& [time, phase] : c.steps) {
+                plain.OnRender(nullptr, time);
+                EXPECT_FLOAT_EQ(phaser.phase, phase) << c.autoRestart << " at " << time;
+            }
+        }
 }
 
 TEST(Phaser, LoopsDoNotDrift) {

@@ -119,7 +119,10 @@ TEST_F(Planet, SettersNeedALayerAndTheEleventhIsRefused) {
                 planet_.pulse[0].duration == 4);
     planet_.AddLayerCN(&package_, 99); // no such model
     EXPECT_TRUE(planet_.layerCount == 1 && Draw(0).empty());
+    planet_.AddLayer(folder_.Write("layer", TriangleModel(folder_, "sun")).c_str());
+    EXPECT_TRUE(planet_.layerCount == 2 && planet_.curLayer == 1 && Draw(0).size() == 1 && AlphaOf(1) == 1);
     Add(11);
+    planet_.AddLayer(folder_.File("layer").c_str());
     EXPECT_TRUE(planet_.layerCount == 10 && planet_.curLayer == 9 && planet_.models.count == 10);
     EXPECT_EQ(Draw(0).size(), 9u);
     planet_.pulse[9].Restart(7);

@@ -68,6 +68,17 @@ TEST(Clock, CountsAndSleepsInMilliseconds) {
     EXPECT_GE(fxGetTime() - before, 0.022);
 }
 
+TEST(Clock, TellsTheTimeBetweenCalls) {
+    static std::uint32_t ticks = 5000;
+    fxSetTickSource([] { return ticks; });
+    FXTimeDiff diff;
+    EXPECT_EQ(diff.OnTime(), 5.0) << "since the clock's start";
+    ticks = 5250;
+    EXPECT_EQ(diff.OnTime(), 0.25);
+    EXPECT_EQ(diff.OnTime(), 0.0);
+    fxSetTickSource(nullptr);
+}
+
 TEST(Random, RunsFromZeroToOneBothIncluded) {
     std::set<float> values;
     for (unsigned seed = 0; seed < 1u << 16; ++seed) {
@@ -188,6 +199,22 @@ TEST(Paths, ChooseTheCurrentFolder) {
     fxInitPaths();
     EXPECT_TRUE(fs::equivalent(fxGetTypePath(1), folder.File("")));
     EXPECT_GT(std::strlen(fxGetTypePath(2)), 1u);
+    EXPECT_STREQ(fxGetActPath(), fxGetTypePath(1));
+    fs::create_directory(folder.File("sub"));
+    for (const auto& [sub, there] : {std::pair{"/sub", true}, {"none", false}, {"sub/../sub/.", true}}) {
+        EXPECT_EQ(fxSetSubPath(1, sub), there) << sub;
+        EXPECT_TRUE(!there || fs::equivalent(fxGetActPath(), folder.File("sub"))) << sub;
+    }
+    EXPECT_FALSE(fxSetSubPath(3, "sub"));
+    for (const std::string& path : {std::string("../sub"), std::string("../sub\\"), folder.Write("file", "")})
+        EXPECT_TRUE(fxPathExists(path.c_str())) << path;
+    for (const char* path : {"sub", "", static_cast<const char*>(nullptr)})
+        EXPECT_FALSE(fxPathExists(path));
+    for (const int depth : {100, 200}) { // too deep for the buffer
+        fs::create_directory(std::string(static_cast<std::size_t>(depth), 'd'));
+        fs::current_path(std::string(static_cast<std::size_t>(depth), 'd'));
+    }
+    EXPECT_STREQ(fxGetActPath(), ".\\");
     fs::current_path(start);
 }
 

@@ -1,4 +1,6 @@
 #include "base/file_handle.h"
+#include "base/long_str.h"
+#include "base/memory.h"
 #include "base/path_text.h"
 #include "base/str.h"
 #include "unit/temp_folder.h"
@@ -75,6 +77,89 @@ TEST(PathText, FindsNamesAndTheWayBetweenPaths) {
     for (const auto& [from, to, way] : cases)
         EXPECT_STREQ(fxBuildRelativePath(from, false, to, true), way);
     EXPECT_STREQ(fxBuildRelativePath("/a/b/x", true, "/a/b/c", true), "c");
+}
+
+TEST(PathText, MakesPathsOfPaths) {
+    using Make = const char* (*)(const char*, const char*);
+    const std::string most(257, 'x');
+    const struct {
+        Make make;
+        const char *path, *other;
+        std::string made;
+    } cases[] = {
+        {fxCombinePaths, "/a", "b/c.png", "/a/b/c.png"},
+        {fxCombinePaths, "/a/", "/b/", "/a/b/"},
+        {fxCombinePaths, "C:\\a", "..\\..\\..\\b", "C:\\b"},
+        {fxCombinePaths, "C:\\a", "D:\\b/.\\c", "D:\\b\\c"},
+        {fxCombinePaths, "C:\\a", "\\\\b", "C:\\b"},
+        {fxCombinePaths, "/a/b", "//c", "/c"},
+        {fxCombinePaths, "\\\\server\\a", "../b", "\\\\server\\b"},
+        {fxCombinePaths, "a", "../../b", "../b"},
+        {fxCombinePaths, "a", "../../../b", "../../b"},
+        {fxCombinePaths, "/", "..", "/"},
+        {fxCombinePaths, nullptr, "b/c", "b/c"},
+        {fxCombinePaths, "/a", nullptr, "/a/"},
+        {fxCombinePaths, "/a", most.c_str(), ""}, // 260 characters
+        {fxCombinePaths, "a", most.c_str(), "a\\" + most},
+        {fxChangeExt, "a.b/c.png", ".jpg", "a.b/c.jpg"},
+        {fxChangeExt, "a.b/c", "jpg", "a.b/c.jpg"},
+        {fxChangeExt, "a/c.tar.gz", nullptr, "a/c.tar"},
+        {fxChangeExt, "a/.c", "d", "a/.c.d"},
+        {fxChangeExt, "a/..", "d", "a/...d"},
+        {fxAppenfFname, "a.b\\c.png", "_1", "a.b\\c_1.png"},
+        {fxAppenfFname, "a.b\\c", "_1", "a.b\\c_1"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.make(c.path, c.other), c.made) << (c.path ? c.path : "null");
+    EXPECT_STREQ(fxChangeExt(fxAppenfFname(fxCombinePaths("/a", "b.png"), "_1"), "tga"), "/a/b_1.tga");
+}
+
+TEST(LongStr, HoldsAnyTextAndKeepsItsBlock) {
+    const std::string longer(5000, 'x');
+    FXLongStr s;
+    EXPECT_TRUE(s.IsEmpty() && s.Compare(nullptr) && s.Compare("") && s.iCompare(nullptr) && !s.iCompare(""));
+    s.Append(longer.c_str());
+    s.Append(" \t");
+    s.TrimSpaces();
+    EXPECT_EQ(s.text, longer);
+    const char* block = s.text;
+    const std::tuple<const char*, std::string> cases[] = {
+        {"  aB c\t", "ab c"}, {" \n", ""}, {"X\xC4", "x\xC4"}, {nullptr, ""}};
+    for (const auto& [text, to] : cases) {
+        s.Set(text);
+        s.TrimSpaces();
+        s.ToLower();
+        EXPECT_TRUE(s.text == to && s.len == static_cast<int>(to.size()) && s.Compare(to.c_str())) << to;
+        EXPECT_EQ(s.text, block) << "it fits";
+    }
+    s.Set("Ab");
+    s.Append(s.text);
+    s.Set(s.text + 1);
+    EXPECT_TRUE(s.Compare("bAb") && !s.Compare("bab") && !s.Compare("bA") && !s.Compare("bAbb"));
+    EXPECT_TRUE(s.iCompare("BaB") && !s.iCompare("BaBB") && !s.iCompare(nullptr) && !s.iCompare(""));
+    fxSetAllocLimit(5000);
+    s.Append(longer.c_str());
+    fxSetAllocLimit(0);
+    EXPECT_STREQ(s.text, "bAb") << "no memory";
+    s.ClearBuf();
+    EXPECT_TRUE(s.text == nullptr && s.capacity == 0);
+}
+
+TEST(LongStr, GoesToWideTextAndBack) {
+    FXLongStrW wide;
+    wide.RemoveLast();
+    wide.Set(FXConvertW(" Wide").text);
+    for (const wchar_t c : {L's', L'\0', L'!'})
+        wide.AppendChar(c);
+    wide.RemoveLast();
+    wide.TrimSpaces();
+    EXPECT_TRUE(wide.Compare(L"Wides") && wide.len == 5);
+    wide.ToLower();
+    EXPECT_STREQ(FXConvertC(wide.text).text, "wides");
+    for (const char* text : {"", static_cast<const char*>(nullptr), "\xFF\xFE"})
+        EXPECT_EQ(FXConvertW(text).text, nullptr);
+    EXPECT_EQ(FXConvertC(L"").text, nullptr);
+    EXPECT_EQ(FXConvertC(nullptr).text, nullptr);
 }
 
 } // namespace

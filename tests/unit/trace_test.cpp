@@ -9,6 +9,17 @@
 
 namespace {
 
+std::string shown; // in the last message box
+
+} // namespace
+
+int MessageBoxA(HWND owner, const char* text, const char* title, UINT type) {
+    shown = std::string(title) + "|" + text;
+    return owner == nullptr && type == MB_ICONHAND ? 42 : 0;
+}
+
+namespace {
+
 const std::string kLine = std::string(48, '-') + "\n";
 
 class Trace : public testing::Test {
@@ -54,6 +65,18 @@ TEST_F(Trace, WritesEachEntryAtOnceIntoTheFirstFileCutAt4096Characters) {
     trc1("%s", std::string(4096, 'a').c_str());
     trc1("%s", std::string(5000, 'b').c_str());
     EXPECT_EQ(Log(), lines + refused + std::string(4096, 'a') + std::string(4096, 'b'));
+}
+
+TEST_F(Trace, ShowsAMessageAlsoWhileItIsClosed) {
+    EXPECT_EQ(errmsg("lost %d", 3), 42);
+    EXPECT_EQ(shown, "Error|lost 3");
+    ASSERT_TRUE(fxOpenTraces(name_.c_str()));
+    EXPECT_EQ(errmsg("%s", std::string(5000, '%').c_str()), 42);
+    const std::string message(4096, '%');
+    EXPECT_EQ(shown, "Error|" + message);
+    err("%s", message.c_str());
+    const std::string entries = Log().substr(banner_.size());
+    EXPECT_EQ(entries.substr(0, entries.size() / 2), entries.substr(entries.size() / 2)) << "as err does";
 }
 
 TEST_F(Trace, KeepsTheEntriesOfTwoThreadsApartAlsoWhileItCloses) {

@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <numeric>
 #include <tuple>
 
@@ -283,6 +284,48 @@ TEST(Unpacking, OfWhatDoesNotAddUpGivesAnEmptyMesh) {
         EXPECT_EQ(mesh.FromVMap(&map, &pool), c.corners > 0 || c.room == 0) << c.what;
         EXPECT_EQ(mesh.indexCount, c.corners) << c.what;
         EXPECT_EQ(mesh.vertexCount, c.vertices) << c.what;
+    }
+}
+
+TEST(VectorMap, IsMangledAndComesBackBitForBit) {
+    using Map = FXVectorMap;
+    const struct {
+        void (Map::*mangle)(bool);
+        FXFloatArray Map::*kind;
+        int Map::*count;
+        int width;
+        std::vector<std::uint32_t> from, to; // as bits
+    } kCases[] = {
+        // Less the next vector: 7 7 7, 9 12 15, 1 2 3; then less the next number.
+        {&Map::ManglePos,
+         &Map::positions,
+         &Map::posCount,
+         3,
+         {17, 21, 25, 10, 14, 18, 1, 2, 3},
+         {0, 0, ~1u, ~2u, ~2u, 14, ~0u, ~0u, 3}},
+        // Not numbers, of both kinds, infinite and -0.
+        {&Map::MangleNorm,
+         &Map::normals,
+         &Map::normCount,
+         3,
+         {0x7FA00001, 0, 0x80000000, 0x7F800000, ~0u, 1},
+         {0x00200000, 0x80000002, 0x007FFFFF, 0x7F800001, ~1u, 1}},
+        {&Map::MangleTex, &Map::texCoords, &Map::texCount, 2, {5, 3, 2, 1}, {1, 0, 1, 1}},
+        {&Map::MangleTex, &Map::texCoords, &Map::texCount, 2, {}, {}},
+    };
+    for (const auto& c : kCases) {
+        Map map;
+        FXFloatArray& values = map.*c.kind;
+        ASSERT_TRUE(values.Realloc(9));
+        values.count = static_cast<int>(c.from.size());
+        map.*c.count = values.count / c.width;
+        std::memcpy(values.items, c.from.data(), 4 * c.from.size());
+        for (const auto& [forward, expected] : {std::pair{true, &c.to}, {false, &c.from}}) {
+            (map.*c.mangle)(forward);
+            std::vector<std::uint32_t> bits(c.from.size());
+            std::memcpy(bits.data(), values.items, 4 * bits.size());
+            EXPECT_EQ(bits, *expected) << &c - kCases << " " << forward;
+        }
     }
 }
 

@@ -3,7 +3,20 @@
 
 #include <cstdio>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
+
+namespace {
+
+// The separator at the end may be the other one: "\" alone is the root.
+std::string localSlashEnding(const char* path) {
+    std::string name = path;
+    if (!name.empty() && name.back() == '\\')
+        name.back() = '/';
+    return name;
+}
+
+} // namespace
 
 DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
     if (getcwd(buffer, size) != nullptr)
@@ -14,10 +27,14 @@ DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
 }
 
 BOOL SetCurrentDirectoryA(const char* path) {
-    std::string folder = path;
-    if (!folder.empty() && folder.back() == '\\')
-        folder.back() = '/'; // "\" alone is the root
-    return chdir(folder.c_str()) == 0 ? TRUE : FALSE;
+    return chdir(localSlashEnding(path).c_str()) == 0 ? TRUE : FALSE;
+}
+
+DWORD GetFileAttributesA(const char* path) {
+    struct stat entry = {};
+    if (stat(localSlashEnding(path).c_str(), &entry) != 0)
+        return INVALID_FILE_ATTRIBUTES;
+    return S_ISDIR(entry.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
 }
 
 HRESULT SHGetFolderPathA(HWND, int folder, HANDLE, DWORD, char* path) {
