@@ -5,6 +5,7 @@
 #include "host/saver_mode.h"
 #include "host/saver_password.h"
 #include "host/saver_window.h"
+#include "platform/report.h"
 
 HINSTANCE hMainInstance = nullptr;
 HWND hMainWindow = nullptr;
@@ -58,10 +59,16 @@ int localRunMessages() {
     return static_cast<int>(message.wParam);
 }
 
-// The window that the command line names, or null when there is no such window.
+// The window that the command line names. Null when it names none, or one that does not exist, which is
+// reported.
 HWND localNamedWindow(const SaverCommand& command) {
     const HWND window = reinterpret_cast<HWND>(static_cast<UINT_PTR>(command.window));
-    return command.hasWindow && command.window != 0 && IsWindow(window) != FALSE ? window : nullptr;
+    if (!command.hasWindow)
+        return nullptr;
+    if (command.window != 0 && IsWindow(window) != FALSE)
+        return window;
+    fxReport("there is no window %u", command.window);
+    return nullptr;
 }
 
 void localConfigure() {
@@ -72,6 +79,8 @@ void localConfigure() {
 
 int localPreview(const SaverCommand& command) {
     fChildPreview = 1;
+    if (!command.hasWindow)
+        fxReport("the preview needs the number of a window, as in /p 1234");
     const HWND parent = localNamedWindow(command);
     return parent != nullptr ? LaunchScreenSaver(parent) : 0;
 }

@@ -3,20 +3,45 @@
 #include "base/file_handle.h"
 #include "package/scramble.h"
 
+#include <cerrno>
 #include <cstring>
+
+namespace {
+
+constexpr const char* kCut = "is damaged or ends too early: some of its entries are missing";
+
+}
 
 bool FXPackage::Load(const char* fileName) {
     Destroy();
+    problem.Clear();
+    return LoadFile(fileName);
+}
+
+bool FXPackage::LoadFile(const char* fileName) {
     const FXFile file = fxOpenFile(fileName, "rb");
-    FXStr header;
-    if (!file || !header.Load(file.get()) || !header.nCompare("pck01", 5))
+    if (!file) {
+        problem.Format("cannot be opened: %s", std::strerror(errno));
         return false;
+    }
+    FXStr header;
+    const bool read = header.Load(file.get());
+    if (std::ferror(file.get()) != 0) {
+        problem.Format("cannot be read: %s", std::strerror(errno));
+        return false;
+    }
+    if (!read || !header.nCompare("pck01", 5)) {
+        problem.Set(std::ftell(file.get()) == 0 ? "is empty" : "is not a Tamblor package");
+        return false;
+    }
     const bool scrambled = std::strchr(header.text + 5, 's') != nullptr;
 
     int size = 0;
     FXBytes body = fxReadRest(file.get(), &size);
-    if (!body)
+    if (!body) {
+        problem.Set("cannot be read: too large, or no memory");
         return false;
+    }
     if (scrambled)
         fxScramble(body.get(), static_cast<std::size_t>(size));
     TakeBody(std::move(body), size);
@@ -33,6 +58,10 @@ void FXPackage::TakeBody(FXBytes body, int size) {
     for (FXArray<int>* table : {&ids, &offsets, &sizes, &types})
         cursor.ReadArray(table);
 
+    if (ids.IsEmpty())
+        problem.Set("has no entries");
+    else if (offsets.count < ids.count || sizes.count < ids.count)
+        problem.Set(kCut);
     // Only a package that lies has tables of different lengths: there are as many entries as ids, and what a
     // table lacks is 0.
     for (FXArray<int>* table : {&offsets, &sizes, &types}) {
@@ -61,6 +90,8 @@ void FXPackage::RecompClasses() {
         const std::int64_t end = static_cast<std::int64_t>(offsets[i]) + sizes[i];
         if (offsets[i] >= 0 && sizes[i] >= 0 && end <= dataSize)
             cursor->InitData(dataBlock + offsets[i], sizes[i]);
+        else
+            problem.Set(kCut);
         cursors.Push(cursor);
     }
 }

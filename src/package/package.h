@@ -28,7 +28,7 @@ public:
     FXPackage& operator=(const FXPackage&) = delete;
 
     // Replaces the contents; after a failure (no file, no package, no memory, beyond 2 GiB) the package is
-    // empty.
+    // empty. What is wrong with the file, or missing from it, is then in `problem`.
     bool Load(const char* fileName);
     // The cursor of the first entry with that id, rewound; null when there is none. Every call gives the same
     // cursor.
@@ -64,8 +64,10 @@ public:
     FXArray<int> pendingIds;
     FXStrArray pendingFiles;
     FXStrArray tmpFiles;
+    FXStr problem; // of the last load, e.g. "ends too early"; empty: none
 
 private:
+    bool LoadFile(const char* fileName);
     void TakeBody(FXBytes body, int size);
     void RecompClasses();
 

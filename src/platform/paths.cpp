@@ -12,6 +12,7 @@ constexpr std::size_t kPathLength = 259;
 char localStartPath[288] = "";
 char localSysFontsPath[288] = "";
 char localGetPath[288] = "";
+constexpr const char* kStateFolder = "tamblor";
 
 // "\" unless the path separates with "/" already.
 void localAddPathEnding(char* path) {
@@ -74,4 +75,18 @@ const char* fxGetActPath() {
 
 bool fxPathExists(const char* path) {
     return path != nullptr && GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
+}
+
+FXStr fxStateFile(const char* name) {
+    FXStr file;
+    char folder[288] = "";
+    if (SHGetFolderPathA(nullptr, CSIDL_LOCAL_APPDATA | CSIDL_FLAG_CREATE, nullptr, 0, folder) != 0)
+        return file;
+    localAddPathEnding(folder);
+    file.Set(folder);
+    file.Append(kStateFolder);
+    CreateDirectoryA(file.text, nullptr);
+    file.AppendChar(folder[std::strlen(folder) - 1]);
+    file.Append(name);
+    return file;
 }

@@ -2,6 +2,8 @@
 // current.
 #pragma once
 
+#include "base/str.h"
+
 // Type path 1 is the start folder, later the data folder; 2 the system's fonts folder. They end with a
 // separator.
 void fxInitPaths();
@@ -15,3 +17,7 @@ bool fxSetSubPath(int type, const char* sub); // the folder `sub` of a type path
 // characters.
 const char* fxGetActPath();
 bool fxPathExists(const char* path); // a file or a folder
+
+// The whole name of a file in the folder where programs keep what they note down about their runs for this
+// user. The folder is made when it is missing. Empty when there is none.
+FXStr fxStateFile(const char* name);

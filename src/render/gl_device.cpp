@@ -61,13 +61,23 @@ bool FXGL::CreateChild(void* window) {
     if (format == 0 || !SetPixelFormat(dc, format, &wanted))
         return false;
     rc = wglCreateContext(dc);
-    if (rc == nullptr)
+    if (rc == nullptr || !TryContext())
         return false;
-    wglMakeCurrent(dc, rc);
     const bool clamps = InitExtensions();
     ClrParams();
     wglMakeCurrent(nullptr, nullptr);
     return clamps;
+}
+
+// Makes the new context current. One that cannot be is none.
+bool FXGL::TryContext() {
+    if (wglMakeCurrent(dc, rc))
+        return true;
+    const DWORD reason = GetLastError(); // the caller's to ask for
+    wglDeleteContext(rc);
+    rc = nullptr;
+    SetLastError(reason);
+    return false;
 }
 
 void FXGL::Destroy() {

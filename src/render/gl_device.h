@@ -5,15 +5,18 @@
 
 // Binds OpenGL to a window that somebody else made and owns the context. Draws in immediate mode with the
 // fixed function pipeline into the cube -1..1 x -1..1 x -2..2; a larger z lies farther away. All drawing
-// operations need the context current on the calling thread (SetAct).
+// operations need the context current on the calling thread (SetAct). Without a context (rc is null) there is
+// no loop to draw, and the texture operations do nothing: a show is built and taken down all the same.
 class FXGL : public FXEnv {
 public:
     FXGL() = default;
     ~FXGL() override { FXGL::Destroy(); }
 
     // False when there is no window, no pixel format or no context, and also, with the context in use all the
-    // same, when the driver cannot clamp textures to their edge.
+    // same, when the driver cannot clamp textures to their edge. Where there is no context, the platform's
+    // last error says why.
     bool CreateChild(void* window) override;
+    bool CanDraw() const override { return rc != nullptr; }
     void Destroy() override;
     void ClrParams() override;
     void SetAct(bool on) override;
@@ -65,7 +68,7 @@ public:
     HWND savedParent = nullptr; // while enlarged
     RECT savedRect = {};
     HDC dc = nullptr;
-    HGLRC rc = nullptr;
+    HGLRC rc = nullptr; // null: nothing can be drawn
     float clearColor[4] = {0, 0, 0, 0};
     bool hasBgra = false;
     bool hasSeparateSpecular = false;
@@ -74,6 +77,7 @@ public:
     bool hasCubeMap = false;
 
 private:
+    bool TryContext();
     void ReadSize();
     void PlaceWindow(int x, int y, int w, int h);
 };

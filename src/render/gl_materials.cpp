@@ -43,12 +43,16 @@ bool localBind(const FXMaterial* m) {
 } // namespace
 
 bool FXGL::PrepareTexture(FXMaterial* m) {
+    if (rc == nullptr)
+        return true;
     localBindNamed(m);
     localUpload(*m->picture, m->mipmaps);
     return true;
 }
 
 bool FXGL::FastPrepareTexture(FXMaterial* m, FXPixmap* p) {
+    if (rc == nullptr)
+        return true;
     localBindNamed(m);
     localUpload(*p, false);
     m->extentU = static_cast<float>(static_cast<double>(p->usedWidth) / p->width);
@@ -58,7 +62,7 @@ bool FXGL::FastPrepareTexture(FXMaterial* m, FXPixmap* p) {
 }
 
 void FXGL::UnprepareTexture(FXMaterial* m) {
-    if (m->texName != 0)
+    if (m->texName != 0 && rc != nullptr)
         glDeleteTextures(1, &m->texName);
     m->texName = 0;
 }

@@ -44,6 +44,8 @@ void FXEnv::Destroy() {
 }
 
 bool FXEnv::StartLoop(PRender* target) {
+    if (!CanDraw())
+        return false;
     stop = false;
     render = target;
     if (thread != nullptr && fxWaitThread(thread, 0.0)) { // a loop that has ended by itself

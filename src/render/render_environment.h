@@ -26,6 +26,8 @@ public:
     // millisecond's pause between frames allows, with the device current and the frame locked. A loop that
     // runs already changes its target. False when no thread can be had.
     bool StartLoop(PRender* target) override;
+    // Whether a loop would have anything to draw with; none is started otherwise.
+    virtual bool CanDraw() const { return true; }
     // Returns when the frame that is being drawn is done. A loop that does not end in time is ended by force.
     void StopLoop(double timeout) override;
     void Lock(bool on) override;

@@ -4,6 +4,7 @@
 #include "image/desktop_shot.h"
 #include "platform/configuration.h"
 #include "platform/paths.h"
+#include "platform/report.h"
 #include "platform/threads.h"
 #include "platform/trace.h"
 #include "scene/show.h"
@@ -55,16 +56,37 @@ void localResetState(bool asPreview) {
             phaser.Restart(0);
 }
 
-void localChooseFolder() {
+// The data folder becomes the current one. When it cannot, the package is looked for in the one that is
+// current, but nothing is written there.
+bool localChooseFolder() {
     fxInitPaths();
     fxSetTypePath(1, orinPath);
-    fxSetPath(1);
+    return fxSetPath(1);
 }
 
-void localOpenTrace() {
-    fxOpenTraces(logsFile);
+// In the data folder, or for this user where that cannot be written.
+void localOpenTrace(bool inDataFolder) {
+    if (*logsFile == '\0' || (inDataFolder && fxOpenTraces(logsFile)) || fxTracesOpened())
+        return;
+    const FXStr elsewhere = fxStateFile(logsFile);
+    if (!elsewhere.IsEmpty())
+        fxOpenTraces(elsewhere.text);
+}
+
+void localReportConfiguration(bool found, DWORD error) {
     if (!configProblem.IsEmpty())
-        err("%s\n", configProblem.text);
+        fxReport("%s", configProblem.text);
+    if (!found)
+        fxReport("data folder %s: %s", orinPath, fxErrorWords(error).text);
+}
+
+void localLoadPackage() {
+    pck.Load(kPackageFile);
+    if (pck.problem.IsEmpty())
+        return;
+    fxReport("package %s%s %s", fxGetActPath(), kPackageFile, pck.problem.text);
+    if (orinPath[0] == '\0')
+        fxReport("no data folder is known: %s", configSearch.text);
 }
 
 // The picture lives on as a texture; what remains of a desktop that cannot be photographed is black.
@@ -151,18 +173,22 @@ void localCreateShow(FXScrShot* shot) {
 // Everything but the loop; the context stays current.
 void localBuild(HWND window, bool asPreview, FXScrShot* shot) {
     localResetState(asPreview);
-    localChooseFolder();
+    const bool found = localChooseFolder();
+    const DWORD error = GetLastError();
     if (!isPreview)
-        localOpenTrace();
+        localOpenTrace(found);
+    localReportConfiguration(found, error);
     fxLoadDevil();
     if (!isPreview)
         shot->Update(); // now, before anything of the saver is drawn
     gr.CreateChild(window);
+    if (gr.rc == nullptr)
+        fxReport("no OpenGL, the screen stays black: %s", fxErrorWords(GetLastError()).text);
     if (!isPreview && !gr.TestGL(false))
         hasError = true;
     fxSetEnv(&gr);
     gr.SetAct(true);
-    pck.Load(kPackageFile);
+    localLoadPackage();
     err_gad.CreateCN(&pck, kErrorPicture);
     err_gad.visible = hasError;
     if (isPreview) {

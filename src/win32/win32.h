@@ -121,8 +121,13 @@ struct CRITICAL_SECTION {
 
 #define ERROR_SUCCESS 0
 #define ERROR_FILE_NOT_FOUND 2
+#define ERROR_PATH_NOT_FOUND 3
+#define ERROR_ACCESS_DENIED 5
+#define ERROR_NOT_SUPPORTED 50
 #define ERROR_MORE_DATA 234
+#define ERROR_INVALID_WINDOW_HANDLE 1400
 #define ERROR_BAD_CONFIGURATION 1610
+#define ERROR_BAD_DRIVER 2001
 
 #define WM_CREATE 0x0001
 #define WM_DESTROY 0x0002
@@ -179,7 +184,9 @@ struct CRITICAL_SECTION {
 #define PFD_SUPPORT_OPENGL 0x0020u
 
 #define CSIDL_FONTS 0x0014
+#define CSIDL_LOCAL_APPDATA 0x001C
 #define CSIDL_SYSTEMX86 0x0029
+#define CSIDL_FLAG_CREATE 0x8000
 #define KEY_QUERY_VALUE 0x0001u
 #define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(std::intptr_t{static_cast<LONG>(0x80000001u)}))
 #define FORMAT_MESSAGE_IGNORE_INSERTS 0x0200u
@@ -214,6 +221,12 @@ void WINAPI EnterCriticalSection(CRITICAL_SECTION* section);
 BOOL WINAPI TryEnterCriticalSection(CRITICAL_SECTION* section);
 void WINAPI LeaveCriticalSection(CRITICAL_SECTION* section);
 
+// What the last function that failed on this thread says about it; its words are FormatMessageA's.
+DWORD WINAPI GetLastError();
+void WINAPI SetLastError(DWORD error);
+DWORD WINAPI FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD language, char* buffer,
+                            DWORD size, void* arguments);
+
 // Modules.
 HMODULE WINAPI LoadLibraryA(const char* name);
 FARPROC WINAPI GetProcAddress(HMODULE module, const char* name);
@@ -225,11 +238,10 @@ LSTATUS WINAPI RegOpenKeyExA(HKEY root, const char* name, DWORD options, DWORD a
 LSTATUS WINAPI RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
                                 DWORD* size);
 LSTATUS WINAPI RegCloseKey(HKEY key);
-DWORD WINAPI FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD language, char* buffer,
-                            DWORD size, void* arguments);
 DWORD WINAPI GetCurrentDirectoryA(DWORD size, char* buffer);
 BOOL WINAPI SetCurrentDirectoryA(const char* path);
 DWORD WINAPI GetFileAttributesA(const char* path);
+BOOL WINAPI CreateDirectoryA(const char* path, void* security);
 HRESULT WINAPI SHGetFolderPathA(HWND owner, int folder, HANDLE token, DWORD flags, char* path);
 HINSTANCE WINAPI ShellExecuteA(HWND owner, const char* verb, const char* file, const char* parameters,
                                const char* folder, int show);

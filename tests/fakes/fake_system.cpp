@@ -72,6 +72,14 @@ LSTATUS RegCloseKey(HKEY) {
     return NoteFakeCall("RegCloseKey()"), ERROR_SUCCESS;
 }
 
+DWORD GetLastError() {
+    return fakeWin32.lastError;
+}
+
+void SetLastError(DWORD error) {
+    fakeWin32.lastError = error;
+}
+
 DWORD FormatMessageA(DWORD, const void*, DWORD message, DWORD, char* buffer, DWORD size, void*) {
     return static_cast<DWORD>(std::snprintf(buffer, size, "status %u", message));
 }
@@ -110,7 +118,11 @@ DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
 }
 
 BOOL SetCurrentDirectoryA(const char* path) {
-    return NoteFakeCall("SetCurrentDirectoryA(%s)", path), TRUE;
+    return NoteFakeCall("SetCurrentDirectoryA(%s)", path), !FakeFails("SetCurrentDirectoryA");
+}
+
+BOOL CreateDirectoryA(const char* path, void*) {
+    return NoteFakeCall("CreateDirectoryA(%s)", path), TRUE;
 }
 
 DWORD GetFileAttributesA(const char*) {

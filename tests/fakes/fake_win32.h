@@ -31,6 +31,7 @@ struct FakeWin32 {
     std::map<std::string, std::map<std::string, FARPROC>> modules;
     std::map<std::string, PROC> glEntryPoints; // by wglGetProcAddress
     std::set<std::string> failing;             // functions that fail, by name
+    DWORD lastError = 0;                       // what they leave behind, until somebody sets another
 
     // What GetMessageA does, one by one, while no message is posted. With no step left it reports an error.
     std::deque<std::function<void()>> steps;

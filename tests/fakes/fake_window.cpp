@@ -192,11 +192,13 @@ HGLRC wglCreateContext(HDC) {
     return FakeHandle<HGLRC>(0x61, "wglCreateContext");
 }
 BOOL wglDeleteContext(HGLRC) {
+    fakeWin32.lastError = 0;
     return NoteFakeCall("wglDeleteContext()"), TRUE;
 }
 
 BOOL wglMakeCurrent(HDC dc, HGLRC context) {
-    return NoteFakeCall("wglMakeCurrent(%s)", dc != nullptr && context != nullptr ? "on" : "off"), TRUE;
+    const bool on = dc != nullptr && context != nullptr;
+    return NoteFakeCall("wglMakeCurrent(%s)", on ? "on" : "off"), !on || !FakeFails("wglMakeCurrent");
 }
 
 PROC wglGetProcAddress(const char* name) {

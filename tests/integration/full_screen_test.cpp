@@ -139,6 +139,7 @@ TEST_F(FullScreen, TheTraceFileHoldsTheStartUpFacts) {
                            "version: [^\n]+\n(" + entry + "[A-Z]+_[a-z_A-Z]+\n)+" + entry +
                            "unload devil\n$");
     EXPECT_TRUE(std::regex_match(log, whole)) << log;
+    EXPECT_EQ(saver.Errors(), "");
 }
 
 } // namespace

@@ -5,14 +5,18 @@
 
 #include <X11/keysym.h>
 
+#include <sstream>
+
 namespace {
 
 TEST(Preview, DrawsTheStillInsideItsParentAndNothingElse) {
     VirtualDisplay display(400, 300);
     ASSERT_TRUE(display.Ok());
     const unsigned long parent = display.CreateParent(100, 80, 152, 112);
+    std::ostringstream number; // as X tools write it
+    number << std::hex << std::showbase << parent;
     SaverProcess saver;
-    saver.Start(&display, {"/p", std::to_string(parent)});
+    saver.Start(&display, {"/p", number.str()});
     // The parent is black, the still is not: its sun stands at the lower left.
     EXPECT_TRUE(display.WaitForPixel(100 + 30, 80 + 90, 0x000000, 40, true));
     EXPECT_EQ(display.VisibleWindows().size(), 1u) << "the saver has no window of its own on the screen";
@@ -22,6 +26,7 @@ TEST(Preview, DrawsTheStillInsideItsParentAndNothingElse) {
     ExpectInputIsIgnored(saver, display);
     display.DestroyParent(parent);
     EXPECT_EQ(saver.WaitForExit(), 0) << "it goes with its parent";
+    EXPECT_EQ(saver.Errors(), "");
 }
 
 TEST(Preview, AWindowThatIsGoneEndsItQuietly) {

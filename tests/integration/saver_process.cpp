@@ -123,6 +123,8 @@ void SaverProcess::Start(const VirtualDisplay* display, const std::vector<std::s
     if (pid_ == 0) {
         const int fd = open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(fd, STDERR_FILENO);
+        if (!folder.empty() && chdir(folder.c_str()) != 0)
+            _exit(126);
         execve(argv[0], argv.data(), envp.data());
         _exit(127);
     }

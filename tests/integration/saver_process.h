@@ -36,7 +36,10 @@ public:
     SaverProcess& operator=(const SaverProcess&) = delete;
 
     const ScratchFolder& Data() const { return data_; }
+    // Everything that it wrote to its standard error stream.
+    std::string Errors() const { return data_.Read("stderr"); }
     std::map<std::string, std::string> environment;
+    std::filesystem::path folder; // in which it starts; the test's own when empty
 
     void Start(const VirtualDisplay* display, const std::vector<std::string>& arguments);
     // The time on the saver's clock, in ms: it stands still until the test moves it.

@@ -18,7 +18,7 @@ constexpr int kPatienceMs = 40000;
 constexpr int kPollMs = 10;
 
 // Xvfb picks a free number itself and writes it to the pipe once it listens: no race between tests.
-int StartServer(int width, int height, int* number) {
+int StartServer(int width, int height, const char* lacks, int* number) {
     int ends[2];
     if (pipe(ends) != 0)
         return -1;
@@ -30,7 +30,7 @@ int StartServer(int width, int height, int* number) {
         if (freopen("/dev/null", "w", stderr) == nullptr || freopen("/dev/null", "w", stdout) == nullptr)
             _exit(126);
         execl(XVFB_EXE, "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", screen.c_str(), "-nolisten", "tcp",
-              static_cast<char*>(nullptr));
+              lacks ? "-extension" : nullptr, lacks, nullptr);
         _exit(127);
     }
     close(ends[1]);
@@ -55,8 +55,8 @@ int ChannelDistance(std::uint32_t a, std::uint32_t b) {
     return worst;
 }
 
-VirtualDisplay::VirtualDisplay(int width, int height) : width_(width), height_(height) {
-    server_ = StartServer(width, height, &number_);
+VirtualDisplay::VirtualDisplay(int width, int height, const char* lacks) : width_(width), height_(height) {
+    server_ = StartServer(width, height, lacks, &number_);
     if (server_ < 0)
         return;
     display_ = XOpenDisplay(Name().c_str());
@@ -200,10 +200,10 @@ unsigned long VirtualDisplay::WaitForWindow() const {
     return 0;
 }
 
-unsigned long VirtualDisplay::CreateParent(int x, int y, int width, int height) {
+unsigned long VirtualDisplay::CreateParent(int x, int y, int width, int height, unsigned long colour) {
     const Window window =
         XCreateSimpleWindow(display_, DefaultRootWindow(display_), x, y, static_cast<unsigned>(width),
-                            static_cast<unsigned>(height), 0, 0, 0);
+                            static_cast<unsigned>(height), 0, 0, colour);
     XMapWindow(display_, window);
     XSync(display_, False);
     return window;

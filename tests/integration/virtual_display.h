@@ -21,7 +21,8 @@ int ChannelDistance(std::uint32_t a, std::uint32_t b);
 
 class VirtualDisplay {
 public:
-    VirtualDisplay(int width, int height);
+    // `lacks` names an extension that the server is to be without.
+    VirtualDisplay(int width, int height, const char* lacks = nullptr);
     ~VirtualDisplay();
     VirtualDisplay(const VirtualDisplay&) = delete;
     VirtualDisplay& operator=(const VirtualDisplay&) = delete;
@@ -45,7 +46,7 @@ public:
     // Windows on the screen: direct children of the root that are visible, and not just a pixel for messages.
     std::vector<unsigned long> VisibleWindows() const;
     unsigned long WaitForWindow() const;
-    unsigned long CreateParent(int x, int y, int width, int height);
+    unsigned long CreateParent(int x, int y, int width, int height, unsigned long colour = 0);
     void DestroyParent(unsigned long window);
     std::vector<unsigned long> ChildrenOf(unsigned long window) const;
     // A visible window of that size on the screen or in a window there; 0 when there is none.

@@ -68,11 +68,14 @@ TEST_F(Device, GivesBackWhatItGotWhateverStepFails) {
                  {"ChoosePixelFormat", {"wglMakeCurrent(off)", "ReleaseDC()"}},
                  {"SetPixelFormat", {"wglMakeCurrent(off)", "ReleaseDC()"}},
                  {"wglCreateContext", {"wglMakeCurrent(off)", "ReleaseDC()"}},
+                 {"wglMakeCurrent", {"wglMakeCurrent(off)", "ReleaseDC()"}},
                  {"", {"wglMakeCurrent(off)", "wglDeleteContext()", "ReleaseDC()"}}};
     for (const auto& c : cases) {
         const bool fails = *c.failing != '\0';
         fakeWin32.failing = {c.failing};
+        fakeWin32.lastError = ERROR_BAD_DRIVER;
         EXPECT_NE(gl_.CreateChild(kFakeWindow), fails) << c.failing;
+        EXPECT_TRUE(!fails || (gl_.rc == nullptr && GetLastError() == ERROR_BAD_DRIVER)) << c.failing;
         EXPECT_EQ(GLRecorder::Take().empty(), fails) << c.failing;
         TakeFakeCalls();
         gl_.Destroy();
@@ -82,7 +85,7 @@ TEST_F(Device, GivesBackWhatItGotWhateverStepFails) {
     }
     ASSERT_TRUE(Create());
     EXPECT_FALSE(gl_.CreateChild(nullptr));
-    EXPECT_EQ(TakeFakeCalls(), cases[4].released) << "the one before";
+    EXPECT_EQ(TakeFakeCalls(), cases[5].released) << "the one before";
 }
 
 TEST_F(Device, KnowsWhatTheDriverOffers) {

@@ -2,6 +2,8 @@
 #include "package/scramble.h"
 #include "unit/package_bytes.h"
 
+#include <tuple>
+
 namespace {
 
 std::string Scrambled(std::string body) {
@@ -47,24 +49,29 @@ TEST(Package, LoadsPlainAndScrambled) {
 TEST(Package, IsEmptyWithoutAPackage) {
     const TempFolder folder;
     FXPackage package;
-    std::string bad[] = {folder.File("missing"),
-                         folder.File(""), // a folder
-                         folder.Write("1", ""),
-                         folder.Write("2", Header("pck02") + kBody),
-                         folder.Write("3", Header("pck0") + kBody),
-                         folder.Write("4", Ints({INT_MAX}) + "pck01"),
-                         folder.Write("5", Ints({-5}) + "pck01" + kBody),
-                         folder.Write("6", Header("pck01"))};
-    std::filesystem::resize_file(bad[7], (1ull << 31) + 9); // a hole, no disk: beyond what an int counts
-    for (const std::string& file : bad) {
+    const std::pair<std::string, std::string> bad[] = {
+        {folder.File("missing"), "cannot be opened: No such file or directory"},
+        {folder.File(""), "cannot be read: Is a directory"},
+        {folder.Write("1", ""), "is empty"},
+        {folder.Write("2", Header("pck02") + kBody), "is not a Tamblor package"},
+        {folder.Write("3", Header("pck0") + kBody), "is not a Tamblor package"},
+        {folder.Write("4", Ints({INT_MAX}) + "pck01"), "is not a Tamblor package"},
+        {folder.Write("5", Ints({-5}) + "pck01" + kBody), "is not a Tamblor package"},
+        {folder.Write("6", Header("pck01")), "cannot be read: too large, or no memory"}};
+    // A hole, no disk: beyond what an int counts.
+    std::filesystem::resize_file(std::rbegin(bad)->first, (1ull << 31) + 9);
+    for (const auto& [file, problem] : bad) {
         ASSERT_TRUE(package.Load(folder.Write("good", Header("pck01") + kBody).c_str()));
+        EXPECT_STREQ(package.problem.text, "");
         EXPECT_FALSE(package.Load(file.c_str())) << file;
+        EXPECT_EQ(package.problem.text, problem);
         EXPECT_EQ(Entry(package, 5), "none");
         EXPECT_EQ(package.GetDataType(2), -1);
         EXPECT_EQ(package.dataSize, 0);
     }
     for (const std::string& nothing : {Ints({0, 0, 0, 0}), std::string()}) {
         EXPECT_TRUE(package.Load(folder.Write("none", Header("pck01") + nothing).c_str()));
+        EXPECT_STREQ(package.problem.text, "has no entries");
         EXPECT_TRUE(package.ids.IsEmpty() && package.firstId == 0 && package.dataBlock == nullptr);
     }
 }
@@ -72,27 +79,29 @@ TEST(Package, IsEmptyWithoutAPackage) {
 TEST(Package, TablesThatLieReadNothingOutsideAndCostNoMemory) {
     const TempFolder folder;
     const std::string ones = Table({1});
-    const std::pair<std::string, std::string> cases[] = {
-        {ones + Table({0}) + Table({4}) + ones, ""}, // beyond the end
-        {ones + Table({-1}) + Table({2}) + ones, ""},
-        {ones + Table({INT_MAX}) + Table({INT_MAX}) + ones, ""},
-        {ones + Table({INT_MIN}) + Table({INT_MIN}) + ones, ""},
-        {ones + Table({1}) + Table({2}) + ones, "bc"},
-        {ones + Table({1}) + Table({2}) + Ints({0}), "bc"}, // no type
-        {ones + Table({1}) + Table({2, 3, 4}) + ones, "bc"},
-        {Table({1, 2, 3}) + Table({1}) + Table({2}) + ones, "bc"},
-        {Ints({INT_MAX, 1}) + Table({0}) + Table({1}) + ones, "none"},
-        {Ints({-1, 1}), "none"},
-        {Table({2, 1}) + Table({1}) + Table({2, 1}), "a"}, // what a table lacks is 0: here the offset
-        {Table({2, 1}) + Table({1, 1}) + Table({2}), ""},  // the size
+    const char* const kCut = "is damaged or ends too early: some of its entries are missing";
+    const std::tuple<std::string, std::string, const char*> cases[] = {
+        {ones + Table({0}) + Table({4}) + ones, "", kCut}, // beyond the end
+        {ones + Table({-1}) + Table({2}) + ones, "", kCut},
+        {ones + Table({INT_MAX}) + Table({INT_MAX}) + ones, "", kCut},
+        {ones + Table({INT_MIN}) + Table({INT_MIN}) + ones, "", kCut},
+        {ones + Table({1}) + Table({2}) + ones, "bc", ""},
+        {ones + Table({1}) + Table({2}) + Ints({0}), "bc", ""}, // no type
+        {ones + Table({1}) + Table({2, 3, 4}) + ones, "bc", ""},
+        {Table({1, 2, 3}) + Table({1}) + Table({2}) + ones, "bc", kCut},
+        {Ints({INT_MAX, 1}) + Table({0}) + Table({1}) + ones, "none", "has no entries"},
+        {Ints({-1, 1}), "none", "has no entries"},
+        {Table({2, 1}) + Table({1}) + Table({2, 1}), "a", kCut}, // what a table lacks is 0: here the offset
+        {Table({2, 1}) + Table({1, 1}) + Table({2}), "", kCut},  // the size
     };
     fxSetAllocLimit(4096);
     FXPackage package;
-    for (const auto& [tables, entry] : cases)
+    for (const auto& [tables, entry, problem] : cases)
         for (const std::string& file :
              {Header("pck01") + tables + "abc", Header("pck01s") + Scrambled(tables + "abc")}) {
             EXPECT_TRUE(package.Load(folder.Write("p", file).c_str()));
             EXPECT_EQ(Entry(package, 1), entry) << testing::PrintToString(tables);
+            EXPECT_STREQ(package.problem.text, problem) << testing::PrintToString(tables);
             for (const int count :
                  {package.offsets.count, package.sizes.count, package.types.count, package.cursors.count})
                 EXPECT_EQ(count, package.ids.count);

@@ -44,6 +44,12 @@ protected:
         return path;
     }
 
+    // Beside this program, and where it is installed to.
+    static std::string InstalledPlaces() {
+        const fs::path prefix = fs::read_symlink("/proc/self/exe").parent_path().parent_path();
+        return (prefix / "share/tamblor/tamb.dat, ").string() + TAMBLOR_INSTALLED_DATA + "/tamb.dat";
+    }
+
     fs::path folder;
     LSTATUS status = -1;
 };
@@ -83,6 +89,14 @@ TEST_F(Settings, TheNearestPlaceWins) {
     const std::string installed = Read(&status); // there is one where the project is built as a whole
     EXPECT_TRUE(status == ERROR_FILE_NOT_FOUND ? installed == "untouched"
                                                : fs::exists(installed + "/tamb.dat"));
+    char words[1024] = "";
+    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_FILE_NOT_FOUND, 0, words, sizeof words,
+                   nullptr);
+    std::string places = "looked for in TAMBLOR_DATA, ";
+    for (const char* place : {"user", "site", "system"})
+        places += (folder / place / "tamblor/tamblor.conf, ").string();
+    EXPECT_TRUE(std::string(words).starts_with(places)) << words;
+    EXPECT_EQ(std::string(words).substr(places.size()), InstalledPlaces());
     Write("system", "path = /of/system");
     EXPECT_EQ(Read(&status), "/of/system");
     Write("site", "path = /of/site");

@@ -437,6 +437,61 @@ TEST_F(Show, PoorOpenGLShowsTheErrorPictureOnTop) {
     }
 }
 
+TEST_F(Show, WithoutAContextNothingIsHandedToOpenGL) {
+    WritePackage();
+    for (const char* failing :
+         {"GetDC", "ChoosePixelFormat", "SetPixelFormat", "wglCreateContext", "wglMakeCurrent"})
+        for (const bool preview : {false, true}) {
+            SCOPED_TRACE(failing);
+            std::filesystem::remove(folder_.File("tamb.log"));
+            fakeWin32.failing = {failing};
+            fakeWin32.lastError = ERROR_BAD_DRIVER;
+            const std::string words = "no OpenGL, the screen stays black: status 2001\n";
+            testing::internal::CaptureStderr();
+            InitScene(kFakeWindow, preview);
+            EXPECT_EQ(testing::internal::GetCapturedStderr(), "tamblor: " + words);
+            EXPECT_EQ(folder_.Read("tamb.log").ends_with("] " + words), !preview);
+            EXPECT_EQ(show::gr.thread, nullptr) << "no loop";
+            FXPixmap picture;
+            EXPECT_TRUE(picture.Realloc(1, 1) && show::gr.FastPrepareTexture(&show::scr_mat, &picture));
+            EXPECT_EQ(show::scr_mat.texName, 0u);
+            show::scr_mat.texName = 1; // of a context that was lost
+            DestroyScene();
+            EXPECT_EQ(GLRecorder::Take(), Calls{});
+            fxCloseTraces();
+        }
+}
+
+TEST_F(Show, SaysWhereItFoundNoPackage) {
+    configSearch.Set("looked for in many places");
+    const struct {
+        const char* folder;
+        bool exists, package;
+        std::string words;
+    } cases[] = {{"/the show", true, true, ""},
+                 {"/the show", false, true, "data folder /the show: status 3\n"},
+                 {"", true, false,
+                  "package /start/tamb.dat cannot be opened: No such file or directory\n"
+                  "tamblor: no data folder is known: looked for in many places\n"}};
+    for (const auto& c : cases) {
+        std::snprintf(orinPath, sizeof orinPath, "%s", c.folder);
+        std::filesystem::remove(folder_.File("tamb.log"));
+        std::filesystem::remove(folder_.File("tamb.dat"));
+        if (c.package)
+            WritePackage();
+        fakeWin32.failing = {c.exists ? "" : "SetCurrentDirectoryA"};
+        fakeWin32.lastError = ERROR_PATH_NOT_FOUND;
+        testing::internal::CaptureStderr();
+        Build();
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words.empty() ? "" : "tamblor: " + c.words);
+        EXPECT_NE(show::pck.ids.IsEmpty(), c.package) << "looked for in the folder that is current";
+        EXPECT_EQ(std::filesystem::exists(folder_.File("tamb.log")), c.exists);
+        DestroyScene();
+        fxCloseTraces();
+    }
+    configSearch.Clear();
+}
+
 TEST_F(Show, IsTakenDownAndBuiltAgain) {
     WritePackage();
     for (int build = 0; build < 3; ++build) {

@@ -1,7 +1,9 @@
 // The current folder and the shell's folders.
 #include "win32/win32.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,11 +11,28 @@
 namespace {
 
 // The separator at the end may be the other one: "\" alone is the root.
-std::string localSlashEnding(const char* path) {
+std::string SlashEnding(const char* path) {
     std::string name = path;
     if (!name.empty() && name.back() == '\\')
         name.back() = '/';
     return name;
+}
+
+constexpr mode_t kPrivate = 0700;
+
+// Where programs keep what they remember from run to run; empty when nobody says.
+std::string StateFolder() {
+    const char* state = std::getenv("XDG_STATE_HOME");
+    if (state != nullptr && *state == '/')
+        return state;
+    const char* home = std::getenv("HOME");
+    return home != nullptr && *home == '/' ? std::string(home) + "/.local/state" : "";
+}
+
+void CreateFolders(const std::string& path) {
+    for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1))
+        mkdir(path.substr(0, end).c_str(), kPrivate);
+    mkdir(path.c_str(), kPrivate);
 }
 
 } // namespace
@@ -27,21 +46,33 @@ DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
 }
 
 BOOL SetCurrentDirectoryA(const char* path) {
-    return chdir(localSlashEnding(path).c_str()) == 0 ? TRUE : FALSE;
+    if (chdir(SlashEnding(path).c_str()) == 0)
+        return TRUE;
+    SetLastError(errno == EACCES ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND);
+    return FALSE;
 }
 
 DWORD GetFileAttributesA(const char* path) {
     struct stat entry = {};
-    if (stat(localSlashEnding(path).c_str(), &entry) != 0)
+    if (stat(SlashEnding(path).c_str(), &entry) != 0)
         return INVALID_FILE_ATTRIBUTES;
     return S_ISDIR(entry.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
 }
 
+BOOL CreateDirectoryA(const char* path, void*) {
+    return mkdir(path, kPrivate) == 0 ? TRUE : FALSE;
+}
+
 HRESULT SHGetFolderPathA(HWND, int folder, HANDLE, DWORD, char* path) {
     constexpr HRESULT kFailed = static_cast<HRESULT>(0x80004005u);
-    if (folder != CSIDL_FONTS)
+    const std::string found = folder == CSIDL_FONTS                                  ? "/usr/share/fonts"
+                              : (folder & ~CSIDL_FLAG_CREATE) == CSIDL_LOCAL_APPDATA ? StateFolder()
+                                                                                     : "";
+    if (found.empty() || found.size() >= MAX_PATH)
         return kFailed;
-    std::snprintf(path, MAX_PATH, "/usr/share/fonts");
+    if ((folder & CSIDL_FLAG_CREATE) != 0)
+        CreateFolders(found);
+    std::snprintf(path, MAX_PATH, "%s", found.c_str());
     return 0;
 }
 

@@ -2,6 +2,7 @@
 //   1. the environment variable TAMBLOR_DATA
 //   2. tamblor/tamblor.conf in the user's configuration folder, then in the system's
 //   3. the folder that the package was installed or built into, beside the executable
+#include "win32/posix/last_error.h"
 #include "win32/posix/settings_file.h"
 #include "win32/win32.h"
 
@@ -19,8 +20,6 @@ namespace {
 constexpr std::string_view kSaverKey = "Software\\OrinLab\\Screensavers\\Tamblor";
 int theKey; // the address stands for the opened key
 
-std::string lastProblem;
-
 std::string Variable(const char* name, const std::string& otherwise) {
     const char* value = std::getenv(name);
     return value != nullptr && *value != '\0' ? value : otherwise;
@@ -35,29 +34,42 @@ std::vector<std::string> ConfigurationFolders() {
     return folders;
 }
 
-std::string InstalledFolder() {
+// The search for the data folder.
+struct Search {
+    std::string folder;  // empty: there is none
+    std::string problem; // of the first bad file
+    std::string tried = "TAMBLOR_DATA";
+};
+
+void SearchInstalled(Search* search) {
     std::error_code failed;
     const fs::path prefix = fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
-    for (const fs::path& folder : {prefix / "share" / "tamblor", fs::path(TAMBLOR_INSTALLED_DATA)})
-        if (folder.is_absolute() && fs::exists(folder / "tamb.dat", failed))
-            return folder.string();
-    return "";
+    for (const fs::path& folder : {prefix / "share" / "tamblor", fs::path(TAMBLOR_INSTALLED_DATA)}) {
+        const fs::path package = folder / "tamb.dat";
+        search->tried += ", " + package.string();
+        if (search->folder.empty() && folder.is_absolute() && fs::exists(package, failed))
+            search->folder = folder.string();
+    }
 }
 
-// The first folder that somebody names; bad files are passed over and remembered in lastProblem.
-std::string DataFolder() {
-    lastProblem.clear();
-    std::string folder = Variable("TAMBLOR_DATA", "");
+// The first folder that somebody names; bad files are passed over.
+Search SearchDataFolder() {
+    Search search;
+    search.folder = Variable("TAMBLOR_DATA", "");
     for (const std::string& place : ConfigurationFolders()) {
+        const std::string name = place + "/tamblor/tamblor.conf";
+        search.tried += ", " + name;
         SettingsFile file;
-        if (!ReadSettingsFile(place + "/tamblor/tamblor.conf", &file))
+        if (!ReadSettingsFile(name, &file))
             continue;
-        if (lastProblem.empty())
-            lastProblem = file.problem;
-        if (folder.empty())
-            folder = file.values["path"];
+        if (search.problem.empty())
+            search.problem = file.problem;
+        if (search.folder.empty())
+            search.folder = file.values["path"];
     }
-    return folder.empty() ? InstalledFolder() : folder;
+    if (search.folder.empty())
+        SearchInstalled(&search);
+    return search;
 }
 
 } // namespace
@@ -77,27 +89,20 @@ LSTATUS RegOpenKeyExA(HKEY root, const char* name, DWORD, DWORD, HKEY* key) {
 LSTATUS RegQueryValueExA(HKEY, const char* name, DWORD*, DWORD*, BYTE* data, DWORD* size) {
     if (std::strcmp(name, "path") != 0)
         return ERROR_FILE_NOT_FOUND;
-    const std::string folder = DataFolder();
+    const Search search = SearchDataFolder();
+    SetErrorWords(ERROR_BAD_CONFIGURATION, search.problem);
+    SetErrorWords(ERROR_FILE_NOT_FOUND, "looked for in " + search.tried);
+    const std::string& folder = search.folder;
     if (folder.size() + 1 > *size)
         return ERROR_MORE_DATA;
     if (!folder.empty())
         std::memcpy(data, folder.c_str(), folder.size() + 1);
     *size = static_cast<DWORD>(folder.size() + 1);
-    if (!lastProblem.empty())
+    if (!search.problem.empty())
         return ERROR_BAD_CONFIGURATION;
     return folder.empty() ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
 }
 
 LSTATUS RegCloseKey(HKEY) {
     return ERROR_SUCCESS;
-}
-
-DWORD FormatMessageA(DWORD, const void*, DWORD message, DWORD, char* buffer, DWORD size, void*) {
-    const std::string text =
-        message == ERROR_BAD_CONFIGURATION ? lastProblem : "status " + std::to_string(message);
-    const std::size_t length = std::min<std::size_t>(text.size(), size > 0 ? size - 1 : 0);
-    std::memcpy(buffer, text.data(), length);
-    if (size > 0)
-        buffer[length] = '\0';
-    return static_cast<DWORD>(length);
 }

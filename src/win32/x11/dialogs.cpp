@@ -10,9 +10,9 @@ int MessageBoxA(HWND, const char* text, const char* title, UINT) {
 
 // There is no settings dialog on any system; a person at a terminal is told what to do instead.
 INT_PTR DialogBoxParamA(HINSTANCE, const char*, HWND, DLGPROC, LPARAM) {
-    std::fputs("tamblor: nothing to set up here. \"tamblor /s\" runs the show, any key ends it. Another "
-               "show's folder is "
-               "set by a line\n\"path = /the/folder\" in ~/.config/tamblor/tamblor.conf\n",
+    std::fputs("tamblor: there is nothing to set up. \"tamblor /s\" runs the show, any key ends it.\n"
+               "Another show's folder is named by a line \"path = /folder\" in "
+               "~/.config/tamblor/tamblor.conf\n",
                stderr);
     return -1;
 }

@@ -1,24 +1,61 @@
 // The process entry, and the facts of the process.
 #include "win32/x11/x11.h"
 
+#include <charconv>
 #include <csignal>
 #include <cstring>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace {
 
 std::string commandLine;
 
 // As a shell would join them: words with blanks in quotes.
-std::string Joined(char** words) {
+std::string Joined(std::span<const std::string> words) {
     std::string line;
-    for (; *words != nullptr; ++words) {
-        const char* quote = **words == '\0' || std::strpbrk(*words, " \t") != nullptr ? "\"" : "";
+    for (const std::string& word : words) {
+        const char* quote = word.empty() || word.find_first_of(" \t") != std::string::npos ? "\"" : "";
         if (!line.empty())
             line += ' ';
-        line.append(quote).append(*words).append(quote);
+        line.append(quote).append(word).append(quote);
     }
     return line;
+}
+
+// 0x1c00007, as the tools of X write a window's number, in decimal; anything else, and more than 32 bits, as
+// it is.
+std::string InDecimal(const std::string& number) {
+    std::uint32_t value = 0;
+    const char* end = number.data() + number.size();
+    if (!number.starts_with("0x") && !number.starts_with("0X"))
+        return number;
+    const auto [stop, error] = std::from_chars(number.data() + 2, end, value, 16);
+    return error == std::errc() && stop == end ? std::to_string(value) : number;
+}
+
+// The length of a switch that takes a window's number ("/p", "-A", "p") at the start of a word; 0: none.
+std::size_t WindowSwitch(const std::string& word) {
+    const std::size_t letter = word.starts_with('/') || word.starts_with('-') ? 1 : 0;
+    return letter < word.size() && std::strchr("pPaA", word[letter]) != nullptr ? letter + 1 : 0;
+}
+
+// The arguments, with window numbers in decimal.
+std::vector<std::string> Arguments(std::span<char* const> words) {
+    std::vector<std::string> arguments;
+    bool awaited = false; // the word before was a switch
+    for (const char* each : words) {
+        std::string word = each;
+        const std::size_t length = WindowSwitch(word);
+        if (awaited)
+            word = InDecimal(word);
+        else if (length > 0)
+            word.replace(length, std::string::npos, InDecimal(word.substr(length)));
+        awaited = length > 0 && length == word.size();
+        arguments.push_back(word);
+    }
+    return arguments;
 }
 
 // The first request takes the show down in good order; should that hang, the second one is the system's. What
@@ -53,9 +90,10 @@ BOOL SystemParametersInfoA(UINT, UINT, void*, UINT) {
     return TRUE;
 }
 
-int main(int, char** words) {
+int main(int count, char** words) {
     ListenToSignals();
-    commandLine = Joined(words);
-    std::string arguments = words[0] != nullptr ? Joined(words + 1) : "";
+    const std::vector<std::string> all(words, words + count);
+    commandLine = Joined(all);
+    std::string arguments = count > 0 ? Joined(Arguments({words + 1, words + count})) : "";
     return WinMain(nullptr, nullptr, arguments.data(), SW_SHOWNORMAL);
 }

@@ -20,6 +20,7 @@ struct HDC__ {
 struct HGLRC__ {
     Display* display;
     GLXContext context;
+    bool works = false; // it has been current
 };
 
 namespace {
@@ -84,6 +85,29 @@ bool CreateSurface(HDC__& dc) {
     return trap.Clean();
 }
 
+// Where there will be no picture, the window shows black instead of what lies below.
+void ShowBlack(Display* display, Window window) {
+    ErrorTrap trap(display);
+    XSetWindowBackground(display, window, BlackPixel(display, DefaultScreen(display)));
+    XClearWindow(display, window);
+    trap.Clean();
+}
+
+// For the functions that end in a context.
+BOOL Fail(HDC dc, DWORD error) {
+    SetLastError(error);
+    if (dc == nullptr)
+        return FALSE;
+    if (dc->surface != None) {
+        ErrorTrap trap(dc->display);
+        XDestroyWindow(dc->display, dc->surface);
+        dc->surface = None;
+        trap.Clean();
+    }
+    ShowBlack(dc->display, dc->target);
+    return FALSE;
+}
+
 } // namespace
 
 HDC GetDC(HWND window) {
@@ -92,8 +116,11 @@ HDC GetDC(HWND window) {
     auto dc = std::make_unique<HDC__>();
     dc->display = GlConnection();
     dc->target = IdOf(window);
-    if (dc->display == nullptr || XGetWindowAttributes(dc->display, dc->target, &dc->facts) == 0)
+    if (dc->display == nullptr || XGetWindowAttributes(dc->display, dc->target, &dc->facts) == 0) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+        ShowBlack(Connection(), dc->target);
         return nullptr;
+    }
     theDc = dc.release();
     return theDc;
 }
@@ -114,7 +141,7 @@ int ReleaseDC(HWND, HDC dc) {
 // Nearest to what is wanted: drivers have no 16 bits of stencil, some have none at all.
 int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* wanted) {
     if (dc == nullptr || glXQueryExtension(dc->display, nullptr, nullptr) == False)
-        return 0;
+        return Fail(dc, ERROR_NOT_SUPPORTED);
     const int ladder[][2] = {
         {wanted->cDepthBits, wanted->cStencilBits}, {wanted->cDepthBits, 8}, {wanted->cDepthBits, 0}, {1, 0}};
     for (const auto& [depthBits, stencilBits] : ladder) {
@@ -122,13 +149,13 @@ int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* wanted) {
         if (dc->config != nullptr)
             return kTheFormat;
     }
-    return 0;
+    return Fail(dc, ERROR_BAD_DRIVER);
 }
 
 BOOL SetPixelFormat(HDC dc, int format, const PIXELFORMATDESCRIPTOR*) {
     if (dc == nullptr || format != kTheFormat || dc->config == nullptr || dc->surface != None)
         return FALSE;
-    return CreateSurface(*dc) ? TRUE : FALSE;
+    return CreateSurface(*dc) ? TRUE : Fail(dc, ERROR_BAD_DRIVER);
 }
 
 void FitSurface(int width, int height) {
@@ -144,8 +171,10 @@ HGLRC wglCreateContext(HDC dc) {
         return nullptr;
     ErrorTrap trap(dc->display);
     const GLXContext context = glXCreateNewContext(dc->display, dc->config, GLX_RGBA_TYPE, nullptr, True);
-    if (!trap.Clean() || context == nullptr)
+    if (!trap.Clean() || context == nullptr) {
+        Fail(dc, ERROR_BAD_DRIVER);
         return nullptr;
+    }
     return new HGLRC__{dc->display, context};
 }
 
@@ -160,8 +189,13 @@ BOOL wglDeleteContext(HGLRC context) {
 }
 
 BOOL wglMakeCurrent(HDC dc, HGLRC context) {
-    if (dc != nullptr && context != nullptr)
-        return glXMakeCurrent(dc->display, dc->surface, context->context);
+    if (dc != nullptr && context != nullptr) {
+        if (glXMakeCurrent(dc->display, dc->surface, context->context)) {
+            context->works = true;
+            return TRUE;
+        }
+        return context->works ? FALSE : Fail(dc, ERROR_BAD_DRIVER);
+    }
     return theDc == nullptr || glXMakeCurrent(theDc->display, None, nullptr) ? TRUE : FALSE;
 }
 
