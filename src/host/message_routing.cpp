@@ -43,7 +43,7 @@ constexpr Row<SaverAction> kSaverActions[] = {
     {WM_PAINT, SaverAction::KeepPainted}, {WM_KEYDOWN, SaverAction::Key},
     {WM_KEYUP, SaverAction::Key},         {WM_CHAR, SaverAction::Key},
     {WM_SYSKEYDOWN, SaverAction::Key},    {WM_SYSKEYUP, SaverAction::Key},
-    {WM_SYSCHAR, SaverAction::Key},
+    {WM_SYSCHAR, SaverAction::Key},       {WM_SIZE, SaverAction::Resized},
 };
 
 enum class DefRule { Default, Close, VerifyPassword, Cursor, Activation, PointerMoved, CloseRequest };

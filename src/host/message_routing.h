@@ -26,6 +26,7 @@ enum class SaverAction {
     Key,     // destroy the window, then to DefScreenSaverProc
     KeepBackground,
     KeepPainted, // OpenGL paints
+    Resized,     // the scene gets the size of the client area, then to DefScreenSaverProc
 };
 SaverAction RouteSaverMessage(UINT message);
 

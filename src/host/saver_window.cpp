@@ -52,6 +52,9 @@ LRESULT CALLBACK ScreenSaverProc(HWND window, UINT message, WPARAM wParam, LPARA
         escapeHit = true;
         DestroyWindow(window);
         break;
+    case SaverAction::Resized:
+        ResizeScene(static_cast<int>(lParam & 0xFFFF), static_cast<int>(lParam >> 16 & 0xFFFF));
+        break;
     case SaverAction::Default:
         break;
     }

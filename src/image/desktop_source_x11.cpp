@@ -1,7 +1,8 @@
-// The desktop on X11: the root window's pixels with everything that is on it, through shared memory where the
-// server offers it.
+// The desktop on X11: what the root window and everything on it show on the primary monitor, through shared
+// memory where the server offers it.
 #include "image/desktop_source.h"
 #include "platform/trace.h"
+#include "win32/x11/monitors.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -80,11 +81,11 @@ public:
     SharedImage(const SharedImage&) = delete;
     SharedImage& operator=(const SharedImage&) = delete;
 
-    XImage* Photograph() {
+    XImage* Photograph(int x, int y) {
         if (!attached_)
             return nullptr;
         const ErrorTrap trap;
-        const Status taken = XShmGetImage(display, DefaultRootWindow(display), image_, 0, 0, AllPlanes);
+        const Status taken = XShmGetImage(display, DefaultRootWindow(display), image_, x, y, AllPlanes);
         XSync(display, False);
         return taken != 0 && !sawError ? image_ : nullptr;
     }
@@ -135,14 +136,14 @@ void CopyPixels(XImage* image) {
     }
 }
 
-bool Photograph(int w, int h) {
+bool Photograph(int x, int y, int w, int h) {
     SharedImage shared(w, h);
-    if (XImage* image = shared.Photograph()) {
+    if (XImage* image = shared.Photograph(x, y)) {
         CopyPixels(image);
         return true;
     }
     const ErrorTrap trap;
-    XImage* image = XGetImage(display, DefaultRootWindow(display), 0, 0, static_cast<unsigned>(w),
+    XImage* image = XGetImage(display, DefaultRootWindow(display), x, y, static_cast<unsigned>(w),
                               static_cast<unsigned>(h), AllPlanes, ZPixmap);
     if (image == nullptr)
         return false;
@@ -160,11 +161,11 @@ bool fxDesktopCopy(int w, int h) {
         err("XOpenDisplay (desktop capture)\n");
         return false;
     }
-    const int screen = DefaultScreen(display);
-    copyWidth = std::min(w, DisplayWidth(display, screen));
-    copyHeight = std::min(h, DisplayHeight(display, screen));
+    const Place primary = ListMonitors(display).front();
+    copyWidth = std::min(w, primary.width);
+    copyHeight = std::min(h, primary.height);
     copy.assign(static_cast<std::size_t>(copyWidth) * static_cast<std::size_t>(copyHeight) * 4, 0);
-    if (!Photograph(copyWidth, copyHeight)) {
+    if (!Photograph(primary.x, primary.y, copyWidth, copyHeight)) {
         err("XGetImage (desktop capture)\n");
         fxDesktopUnlock();
         return false;

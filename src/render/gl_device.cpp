@@ -52,6 +52,7 @@ bool FXGL::CreateChild(void* window) {
         return false;
     screenWidth = GetSystemMetrics(SM_CXSCREEN);
     screenHeight = GetSystemMetrics(SM_CYSCREEN);
+    newSize_ = 0;
     ReadSize();
     dc = GetDC(glWindow);
     if (dc == nullptr)
@@ -122,10 +123,30 @@ void FXGL::ClrParams() {
 }
 
 void FXGL::SetAct(bool on) {
-    if (on)
+    if (on) {
         wglMakeCurrent(dc, rc);
-    else
+        ApplyNewSize();
+    } else {
         wglMakeCurrent(nullptr, nullptr);
+    }
+}
+
+void FXGL::Resize(int w, int h) {
+    if (w > 0 && h > 0)
+        newSize_ = static_cast<std::uint64_t>(w) << 32 | static_cast<std::uint32_t>(h);
+}
+
+void FXGL::ApplyNewSize() {
+    if (rc == nullptr)
+        return;
+    const std::uint64_t size = newSize_.exchange(0);
+    const int w = static_cast<int>(size >> 32);
+    const int h = static_cast<int>(size & 0xFFFFFFFFu);
+    if (size == 0 || (w == width && h == height))
+        return;
+    width = w;
+    height = h;
+    glViewport(0, 0, width, height);
 }
 
 void FXGL::RenderEnd() {

@@ -3,6 +3,9 @@
 
 #include "render/render_environment.h"
 
+#include <atomic>
+#include <cstdint>
+
 // Binds OpenGL to a window that somebody else made and owns the context. Draws in immediate mode with the
 // fixed function pipeline into the cube -1..1 x -1..1 x -2..2; a larger z lies farther away. All drawing
 // operations need the context current on the calling thread (SetAct). Without a context (rc is null) there is
@@ -57,6 +60,10 @@ public:
     // texture, and not at all where the driver has no multitexture.
     void RenderMesh(FXMesh* mesh) override;
 
+    // The window's client area has this size now, in pixels. From any thread: taken over when the context is
+    // made current next. A size without area, as of a minimised window, is passed over.
+    void Resize(int w, int h);
+
     // What the driver offers; traces it. Needs the context current. True when it can clamp to the edge.
     bool InitExtensions();
     // Is the name, with or without what stands before its "GL_", in the driver's list?
@@ -80,6 +87,9 @@ private:
     bool TryContext();
     void ReadSize();
     void PlaceWindow(int x, int y, int w, int h);
+    void ApplyNewSize();
+
+    std::atomic<std::uint64_t> newSize_ = 0; // width << 32 | height; 0: nothing new
 };
 
 // Locks an environment and makes its device current for as long as it lives: for code outside the loop.

@@ -217,6 +217,10 @@ void InitScene(HWND window, bool asPreview) {
     gr.StartLoop(&sc);
 }
 
+void ResizeScene(int width, int height) {
+    gr.Resize(width, height);
+}
+
 void DestroyScene() {
     gr.StopLoop(kNoLimit);
     preview.Destroy();

@@ -14,6 +14,8 @@ public:
 // Builds the show for a window and starts the render loop. What cannot be had (package, entries, codec,
 // desktop picture, a sufficient OpenGL) is missing from the show, and the trace says so.
 void InitScene(HWND window, bool preview);
+// The window's client area has a new size, in pixels: the next frame fills it.
+void ResizeScene(int width, int height);
 // Waits for the frame that is being drawn, then releases everything.
 void DestroyScene();
 

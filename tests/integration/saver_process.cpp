@@ -86,10 +86,12 @@ bool SaverProcess::WaitUntilShown(const VirtualDisplay& display) const {
 }
 
 bool SaverProcess::SeeFrames(const VirtualDisplay& display) const {
+    return SeeFrames(display, display.Width() / 2, display.Height() / 2);
+}
+
+bool SaverProcess::SeeFrames(const VirtualDisplay& display, int x, int y) const {
     constexpr std::uint32_t kStep = 40; // a slow machine may take longer for a frame, and miss some
     constexpr std::uint32_t kMost = 20000;
-    const int x = display.Width() / 2;
-    const int y = display.Height() / 2;
     for (std::uint32_t ms = 0; ms < kMost; ms += kStep) {
         SetClock(kStartMs + ms);
         usleep(kStep * 1000);

@@ -51,9 +51,11 @@ public:
     int WaitForExit();
     bool Running();
 
-    // Lets the clock run from kStartMs until the desktop at the screen's centre begins to fade: frames are
-    // drawn, and their first stage lasts a second more at least. False when that does not happen.
+    // Lets the clock run from kStartMs until the desktop at the show's centre, else the screen's, begins to
+    // fade: frames are drawn, and their first stage lasts a second more at least. False when that does not
+    // happen.
     bool SeeFrames(const VirtualDisplay& display) const;
+    bool SeeFrames(const VirtualDisplay& display, int x, int y) const;
 
     static constexpr std::uint32_t kStartMs = 1000000;
 

@@ -208,6 +208,28 @@ TEST_F(Device, PresentsAndIsCurrentOnDemand) {
     EXPECT_EQ(TakeFakeCalls(), (Calls{"wglMakeCurrent(on)", "SwapBuffers()", "wglMakeCurrent(off)"}));
 }
 
+TEST_F(Device, TakesANewSizeOverWithTheNextFrame) {
+    ASSERT_TRUE(Create());
+    const struct {
+        int width, height;
+        const char* calls;
+    } kCases[] = {{152, 112, ""}, {0, 0, ""}, {300, 0, ""}, {304, 112, "glViewport(0,0,304,112)"}};
+    for (const auto& c : kCases) {
+        gl_.Resize(c.width, c.height);
+        EXPECT_EQ(GLRecorder::TakeText(), "") << "the context is another thread's";
+        gl_.SetAct(true);
+        EXPECT_EQ(GLRecorder::TakeText(), c.calls) << c.width << "x" << c.height;
+        gl_.SetAct(false);
+        gl_.SetAct(true);
+        EXPECT_EQ(GLRecorder::TakeText(), "") << "once is enough";
+    }
+    EXPECT_TRUE(gl_.width == 304 && gl_.height == 112);
+    gl_.Resize(9, 9);
+    ASSERT_TRUE(Create());
+    gl_.SetAct(true);
+    EXPECT_EQ(GLRecorder::TakeText(), "") << "the size of the window before";
+}
+
 TEST_F(Device, MultipliesMatricesFromTheRight) {
     ASSERT_TRUE(Create());
     FXMatrix scale, move, identity;

@@ -31,6 +31,9 @@ void InitScene(HWND, bool preview) {
     NoteFakeCall("InitScene(%s, %s)", preview ? "preview" : "full", orinPath);
     ticks += 3000; // it takes its time
 }
+void ResizeScene(int width, int height) {
+    NoteFakeCall("ResizeScene(%d, %d)", width, height);
+}
 void DestroyScene() {
     NoteFakeCall("DestroyScene()");
 }
@@ -284,7 +287,10 @@ TEST_F(Host, EveryMessageHasItsWay) {
         {WM_CLOSE, 0, Full, "= 0"},
         {WM_CLOSE, 0, Preview, ends + "= 0"},
         {SCRM_VERIFYPW, 0, Full, "= 1"},
+        {WM_SIZE, 0, Full, "ResizeScene(800, 600) DefWindowProcA(0x5) = 0"},
+        {WM_SIZE, 0, Preview, "ResizeScene(800, 600) DefWindowProcA(0x5) = 0"},
     };
+    constexpr LPARAM kSize = 600 << 16 | 800; // for the one message that reads it
     for (const Case& c : cases) {
         SetUp();
         AdoptFakeWindow(SysScreenSaverProc);
@@ -294,7 +300,7 @@ TEST_F(Host, EveryMessageHasItsWay) {
         fChildPreview = c.state == Preview;
         closing = c.state == Closing;
         checking_pwd = c.state == CheckingPassword;
-        const LRESULT answer = SendMessageA(kFakeWindow, c.message, c.wParam, 0);
+        const LRESULT answer = SendMessageA(kFakeWindow, c.message, c.wParam, kSize);
         std::string reaction;
         for (const std::string& call : TakeFakeCalls())
             reaction += call + " ";

@@ -42,6 +42,12 @@ void PostActivation(const XFocusChangeEvent& focus) {
     Post(WM_ACTIVATE, active, 0);
 }
 
+// A preview fills its parent.
+void OnParentEvent(const XEvent& event) {
+    if (event.type == ConfigureNotify)
+        FollowParent();
+}
+
 // The window went with its parent: everything is taken down but the window itself.
 void OnGone() {
     saverWindow.gone = true;
@@ -51,7 +57,13 @@ void OnGone() {
 } // namespace
 
 void TranslateEvent(const XEvent& event) {
-    if (saverWindow.id == None || event.xany.window != saverWindow.id)
+    if (saverWindow.id == None)
+        return;
+    if (saverWindow.fullScreen && event.xany.window == saverWindow.parent)
+        return OnScreenEvent(event);
+    if (event.xany.window == saverWindow.parent)
+        return OnParentEvent(event);
+    if (event.xany.window != saverWindow.id && !IsCover(event.xany.window))
         return;
     switch (event.type) {
     case KeyPress:
@@ -61,13 +73,14 @@ void TranslateEvent(const XEvent& event) {
         return PostButton(event.xbutton);
     case MotionNotify:
         return Post(WM_MOUSEMOVE, 0, PlaceOf(event.xmotion.x, event.xmotion.y));
-    case FocusIn:
     case FocusOut:
+        if (event.xfocus.detail != NotifyPointer)
+            OnInputLost();
+        [[fallthrough]];
+    case FocusIn:
         return PostActivation(event.xfocus);
     case Expose:
         return Post(WM_PAINT, 0, 0);
-    case VisibilityNotify:
-        return OnCovered(event.xvisibility.state != VisibilityUnobscured);
     case ClientMessage:
         if (event.xclient.data.l[0] ==
             static_cast<long>(XInternAtom(Connection(), "WM_DELETE_WINDOW", False)))

@@ -1,41 +1,38 @@
-// What makes the saver's window the only thing that the user sees and talks to: it stays on top, receives
-// every key and every move of the pointer, and hides the cursor.
+// What makes the saver's window the only thing that the user sees and talks to: it covers the primary
+// monitor, black windows cover the others, all of them stay on top, receive every key and every move of the
+// pointer, and hide the cursor.
 #include "win32/x11/x11.h"
 
 #include <X11/XKBlib.h>
 
+#include <algorithm>
 #include <bitset>
 #include <chrono>
+#include <utility>
 
 namespace {
 
 using Clock = std::chrono::steady_clock; // not the show's, which may stand still
 using std::chrono::milliseconds;
 
-constexpr milliseconds kTick{50};
-constexpr int kGrabTries = 20;      // for a second; a menu that is open holds the keyboard until it closes
+// Between two requests for the keyboard and the pointer: soon in the first second, patiently after. A menu
+// that is open holds both until it closes.
+constexpr milliseconds kAskSoon{50};
+constexpr milliseconds kSoonFor{1000};
+constexpr milliseconds kAskPatiently{250};
+constexpr milliseconds kLook{50};   // not more often at what lies above, however much moves on the screen
 constexpr milliseconds kRaise{500}; // not more often: another program may want to be on top as much
 
-int triesLeft = 0;
-Clock::time_point nextTry;
-Clock::time_point nextRaise;
-bool covered = false;
+Clock::time_point wantedSince; // since when keyboard or pointer are missing
+Clock::time_point nextAsk;
+Clock::time_point nextLook;
+bool monitorsChanged = false;
+bool stackChanged = false;
 bool keyboardHeld = false;
 bool pointerHeld = false;
 Window focusBefore = None;
 Cursor blank = None;
 std::bitset<256> downBefore;
-
-Cursor BlankCursor(Display* display) {
-    if (blank == None) {
-        const char nothing[1] = {0};
-        XColor black = {};
-        const Pixmap bitmap = XCreateBitmapFromData(display, saverWindow.id, nothing, 1, 1);
-        blank = XCreatePixmapCursor(display, bitmap, bitmap, &black, &black, 0, 0);
-        XFreePixmap(display, bitmap);
-    }
-    return blank;
-}
 
 void TryGrabs() {
     Display* display = Connection();
@@ -45,18 +42,95 @@ void TryGrabs() {
     if (!pointerHeld)
         pointerHeld =
             XGrabPointer(display, saverWindow.id, False, ButtonPressMask | PointerMotionMask, GrabModeAsync,
-                         GrabModeAsync, None, saverWindow.cursorHidden ? BlankCursor(display) : None,
+                         GrabModeAsync, None, saverWindow.cursorHidden ? BlankCursor() : None,
                          CurrentTime) == GrabSuccess;
+}
+
+Window FocusedWindow() {
+    Window focus = None;
+    int revert = 0;
+    XGetInputFocus(Connection(), &focus, &revert);
+    return focus;
 }
 
 // The next best without a grab: keys go to the window that has the focus.
 void TakeFocus() {
-    int revert = 0;
-    XGetInputFocus(Connection(), &focusBefore, &revert);
+    const Window focus = FocusedWindow();
+    if (focus == saverWindow.id)
+        return;
+    if (focusBefore == None)
+        focusBefore = focus;
     XSetInputFocus(Connection(), saverWindow.id, RevertToPointerRoot, CurrentTime);
 }
 
-} // namespace
+void AskForInput(Clock::time_point now) {
+    TryGrabs();
+    const bool soon = now - wantedSince < kSoonFor;
+    if (!soon && !keyboardHeld)
+        TakeFocus();
+    nextAsk = now + (soon ? kAskSoon : kAskPatiently);
+}
+
+bool IsOwn(Window window) {
+    return window == saverWindow.id || IsCover(window);
+}
+
+// Whether all our windows are shown, above all others that show anything.
+bool IsOnTop() {
+    Display* display = Connection();
+    Window root = None;
+    Window parent = None;
+    Window* windows = nullptr; // from the lowest to the highest
+    unsigned count = 0;
+    if (XQueryTree(display, DefaultRootWindow(display), &root, &parent, &windows, &count) == 0)
+        return true;
+    std::size_t missing = 1 + Covers().size();
+    bool above = false;
+    for (unsigned i = count; i > 0 && missing > 0 && !above; --i) {
+        XWindowAttributes facts = {};
+        if (XGetWindowAttributes(display, windows[i - 1], &facts) == 0 || facts.map_state == IsUnmapped ||
+            facts.c_class == InputOnly)
+            continue;
+        if (IsOwn(windows[i - 1]))
+            --missing;
+        else
+            above = true;
+    }
+    if (windows != nullptr)
+        XFree(windows);
+    return missing == 0 && !above;
+}
+
+// The saver's window last: monitors may overlap.
+void Raise() {
+    for (const Window cover : Covers())
+        XMapRaised(Connection(), cover);
+    XMapRaised(Connection(), saverWindow.id);
+}
+
+void StayOnTop(Clock::time_point now) {
+    stackChanged = false;
+    nextLook = now + kLook;
+    if (IsOnTop())
+        return;
+    Raise();
+    nextLook = now + kRaise;
+}
+
+void FollowMonitors() {
+    monitorsChanged = false;
+    const std::vector<Place> before(Monitors().begin(), Monitors().end());
+    ReadMonitors();
+    if (std::ranges::equal(Monitors(), before))
+        return;
+    FitCovers(Monitors().subspan(1));
+    PlaceSaver(Monitors().front());
+    Raise();
+}
+
+void OnStacked(Window window) {
+    stackChanged = stackChanged || !IsOwn(window);
+}
 
 // The Return that started the saver is no wish to end it. Its repeats must not look like new presses.
 void RememberKeysDown() {
@@ -68,40 +142,90 @@ void RememberKeysDown() {
     XkbSetDetectableAutoRepeat(display, True, nullptr);
 }
 
+} // namespace
+
+Cursor BlankCursor() {
+    if (blank == None) {
+        Display* display = Connection();
+        const char nothing[1] = {0};
+        XColor black = {};
+        const Pixmap bitmap = XCreateBitmapFromData(display, DefaultRootWindow(display), nothing, 1, 1);
+        blank = XCreatePixmapCursor(display, bitmap, bitmap, &black, &black, 0, 0);
+        XFreePixmap(display, bitmap);
+    }
+    return blank;
+}
+
+void PrepareFullScreen() {
+    RememberKeysDown();
+    FitCovers(Monitors().subspan(1));
+}
+
 void EnterFullScreen() {
-    keyboardHeld = pointerHeld = covered = false;
-    triesLeft = kGrabTries;
-    nextTry = nextRaise = Clock::now();
+    keyboardHeld = pointerHeld = false;
+    monitorsChanged = stackChanged = true; // what happened before the root window was watched is not reported
+    wantedSince = nextAsk = nextLook = Clock::now();
     HoldScreen();
 }
 
 int HoldScreen() {
     const auto now = Clock::now();
-    const bool wanting = triesLeft > 0 && !(keyboardHeld && pointerHeld);
-    if (wanting && now >= nextTry) {
-        TryGrabs();
-        nextTry = now + kTick;
-        if (--triesLeft == 0 && !keyboardHeld)
-            TakeFocus();
-    }
-    if (covered && now >= nextRaise) {
-        XRaiseWindow(Connection(), saverWindow.id);
-        nextRaise = now + kRaise;
-    }
-    return wanting || covered ? static_cast<int>(kTick.count()) : -1;
+    if (monitorsChanged)
+        FollowMonitors();
+    if (stackChanged && now >= nextLook)
+        StayOnTop(now);
+    const auto wanting = [] { return !keyboardHeld || !pointerHeld; };
+    if (wanting() && now >= nextAsk)
+        AskForInput(now);
+    auto wake = Clock::time_point::max();
+    if (stackChanged)
+        wake = std::min(wake, nextLook);
+    if (wanting())
+        wake = std::min(wake, nextAsk);
+    if (wake == Clock::time_point::max())
+        return -1;
+    return static_cast<int>(std::chrono::ceil<milliseconds>(wake - now).count());
 }
 
-void OnCovered(bool is) {
-    covered = is;
+void OnInputLost() {
+    if (keyboardHeld && pointerHeld)
+        wantedSince = nextAsk = Clock::now();
+    keyboardHeld = pointerHeld = false;
+}
+
+void OnScreenEvent(const XEvent& event) {
+    if (IsMonitorEvent(Connection(), event)) {
+        monitorsChanged = true;
+        return;
+    }
+    switch (event.type) {
+    case MapNotify:
+        return OnStacked(event.xmap.window);
+    case ConfigureNotify:
+        return OnStacked(event.xconfigure.window);
+    case ReparentNotify:
+        return OnStacked(event.xreparent.window);
+    case CirculateNotify:
+        return OnStacked(event.xcirculate.window);
+    case UnmapNotify: // by somebody else; the server ends the grabs of a window that is not seen
+        if (IsOwn(event.xunmap.window))
+            stackChanged = true;
+        if (event.xunmap.window == saverWindow.id)
+            OnInputLost();
+        return;
+    default:
+        return;
+    }
 }
 
 void LeaveFullScreen() {
     Display* display = Connection();
     XUngrabKeyboard(display, CurrentTime);
     XUngrabPointer(display, CurrentTime);
-    if (focusBefore != None)
+    if (focusBefore != None && FocusedWindow() == saverWindow.id)
         XSetInputFocus(display, focusBefore, RevertToPointerRoot, CurrentTime);
     focusBefore = None;
+    FitCovers({});
     if (blank != None)
         XFreeCursor(display, blank);
     blank = None;
@@ -120,6 +244,6 @@ HCURSOR SetCursor(HCURSOR cursor) {
         return nullptr;
     saverWindow.cursorHidden = cursor == nullptr;
     if (saverWindow.cursorHidden)
-        XDefineCursor(Connection(), saverWindow.id, BlankCursor(Connection()));
+        XDefineCursor(Connection(), saverWindow.id, BlankCursor());
     return nullptr;
 }

@@ -161,9 +161,9 @@ BOOL SetPixelFormat(HDC dc, int format, const PIXELFORMATDESCRIPTOR*) {
 void FitSurface(int width, int height) {
     if (theDc == nullptr || theDc->surface == None)
         return;
-    XResizeWindow(theDc->display, theDc->surface, static_cast<unsigned>(width),
-                  static_cast<unsigned>(height));
-    XSync(theDc->display, False);
+    // Not on OpenGL's connection: the loop's thread waits for replies there.
+    XResizeWindow(Connection(), theDc->surface, static_cast<unsigned>(width), static_cast<unsigned>(height));
+    XSync(Connection(), False);
 }
 
 HGLRC wglCreateContext(HDC dc) {

@@ -66,7 +66,7 @@ void Pump(Display* display) {
         timeout = 0;
     }
     pollfd sources[] = {{ConnectionNumber(display), POLLIN, 0}, {signalPipe.ReadEnd(), POLLIN, 0}};
-    poll(sources, 2, timeout);
+    poll(sources, 2, posted.empty() ? timeout : 0);
     if (signalPipe.Signalled() && saverWindow.id != None)
         DestroyWindow(HandleOf(saverWindow.id));
 }

@@ -1,16 +1,31 @@
-// The screen as a whole: its size, its pointer, who has the keyboard.
+// The screen as a whole: its monitors, its pointer, who has the keyboard.
 #include "win32/x11/x11.h"
 
-int GetSystemMetrics(int index) {
-    Display* display = Connection();
-    if (display == nullptr)
-        return 0;
-    const int screen = DefaultScreen(display);
-    return index == SM_CXSCREEN   ? DisplayWidth(display, screen)
-           : index == SM_CYSCREEN ? DisplayHeight(display, screen)
-                                  : 0;
+namespace {
+
+std::vector<Place> monitors;
+
+} // namespace
+
+void ReadMonitors() {
+    monitors = ListMonitors(Connection());
 }
 
+std::span<const Place> Monitors() {
+    if (monitors.empty())
+        ReadMonitors();
+    return monitors;
+}
+
+int GetSystemMetrics(int index) {
+    if (Connection() == nullptr)
+        return 0;
+    const Place& primary = Monitors().front();
+    return index == SM_CXSCREEN ? primary.width : index == SM_CYSCREEN ? primary.height : 0;
+}
+
+// Where the pointer is on the X screen: that does not change when another monitor becomes the primary one,
+// and positions are only compared with each other.
 BOOL GetCursorPos(POINT* position) {
     Display* display = Connection();
     if (display == nullptr)

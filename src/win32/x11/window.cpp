@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 SaverWindow saverWindow;
 
@@ -16,23 +17,28 @@ namespace {
 std::string className;
 WNDPROC classProc = nullptr;
 
-// A window's place: relative to its parent, or on the screen.
-struct Place {
-    int x = 0, y = 0, width = 0, height = 0;
-};
-
+// A window's place: relative to its parent, or on the screen as Win32 counts. The root window stands for the
+// desktop, which is as large as the primary monitor.
 bool FindPlace(HWND window, bool onScreen, Place* place) {
     Display* display = Connection();
     if (display == nullptr || window == nullptr)
         return false;
+    const Place& primary = Monitors().front();
+    if (IdOf(window) == DefaultRootWindow(display)) {
+        *place = {0, 0, primary.width, primary.height};
+        return true;
+    }
     XWindowAttributes facts = {};
     ErrorTrap trap(display);
     if (XGetWindowAttributes(display, IdOf(window), &facts) == 0)
         return false;
     *place = {facts.x, facts.y, facts.width, facts.height};
     Window child = None;
-    if (onScreen)
+    if (onScreen) {
         XTranslateCoordinates(display, IdOf(window), facts.root, 0, 0, &place->x, &place->y, &child);
+        place->x -= primary.x;
+        place->y -= primary.y;
+    }
     return trap.Clean();
 }
 
@@ -40,10 +46,17 @@ RECT RectOf(const Place& place) {
     return {place.x, place.y, place.x + place.width, place.y + place.height};
 }
 
+// From a place in a parent as Win32 counts to X's.
+Place PlaceIn(Window parent, const Place& place) {
+    if (parent != DefaultRootWindow(Connection()))
+        return place;
+    const Place& primary = Monitors().front();
+    return {place.x + primary.x, place.y + primary.y, place.width, place.height};
+}
+
 Window CreateXWindow(Display* display, Window parent, const Place& place, bool child) {
     constexpr long kAsChild = StructureNotifyMask | ExposureMask; // keys and clicks stay the parent's
-    constexpr long kAsScreen = kAsChild | KeyPressMask | KeyReleaseMask | ButtonPressMask |
-                               PointerMotionMask | FocusChangeMask | VisibilityChangeMask;
+    constexpr long kAsScreen = kAsChild | kInputMask | FocusChangeMask;
     XSetWindowAttributes wishes = {};
     wishes.background_pixmap = None; // what lies below stays visible until the first frame
     wishes.border_pixel = 0;
@@ -55,6 +68,17 @@ Window CreateXWindow(Display* display, Window parent, const Place& place, bool c
                       static_cast<unsigned>(std::max(place.height, 1)), 0, CopyFromParent, InputOutput,
                       nullptr, CWBackPixmap | CWBorderPixel | CWOverrideRedirect | CWEventMask, &wishes);
     return trap.Clean() ? id : None;
+}
+
+// What happens around the window: to the monitors and on top of it, or to its parent's size.
+void WatchSurroundings() {
+    Display* display = Connection();
+    XSelectInput(display, saverWindow.parent,
+                 saverWindow.fullScreen ? StructureNotifyMask | SubstructureNotifyMask : StructureNotifyMask);
+    if (saverWindow.fullScreen)
+        WatchMonitors(display);
+    else
+        FollowParent();
 }
 
 void Introduce(Display* display, Window id, const char* title) {
@@ -71,7 +95,7 @@ void Show() {
         return;
     saverWindow.shown = true;
     if (saverWindow.fullScreen)
-        RememberKeysDown();
+        PrepareFullScreen();
     XMapRaised(Connection(), saverWindow.id);
     XSync(Connection(), False);
     if (saverWindow.fullScreen)
@@ -91,6 +115,24 @@ void Release() {
 
 } // namespace
 
+void PlaceSaver(const Place& place) {
+    const Place before = std::exchange(saverWindow.place, place);
+    if (place == before)
+        return;
+    XMoveResizeWindow(Connection(), saverWindow.id, place.x, place.y, static_cast<unsigned>(place.width),
+                      static_cast<unsigned>(place.height));
+    if (place.width == before.width && place.height == before.height)
+        return;
+    FitSurface(place.width, place.height);
+    PostMessageA(HandleOf(saverWindow.id), WM_SIZE, 0, place.height << 16 | (place.width & 0xFFFF));
+}
+
+void FollowParent() {
+    Place parent;
+    if (FindPlace(HandleOf(saverWindow.parent), false, &parent))
+        PlaceSaver(PlaceIn(saverWindow.parent, {0, 0, parent.width, parent.height}));
+}
+
 ATOM RegisterClassA(const WNDCLASSA* windowClass) {
     className = windowClass->lpszClassName;
     classProc = windowClass->lpfnWndProc;
@@ -109,14 +151,18 @@ HWND CreateWindowExA(DWORD, const char* name, const char* title, DWORD style, in
     if (saverWindow.id != None || classProc == nullptr || className != name)
         return nullptr;
     const bool child = (style & WS_CHILD) != 0;
-    const Window id = CreateXWindow(display, child ? IdOf(parent) : DefaultRootWindow(display),
-                                    {x, y, width, height}, child);
+    const Window outer = child ? IdOf(parent) : DefaultRootWindow(display);
+    const Place place = PlaceIn(outer, {x, y, width, height});
+    const Window id = CreateXWindow(display, outer, place, child);
     if (id == None)
         return nullptr;
     saverWindow = {};
     saverWindow.id = id;
     saverWindow.proc = classProc;
+    saverWindow.parent = outer;
+    saverWindow.place = place;
     saverWindow.fullScreen = !child;
+    WatchSurroundings();
     Introduce(display, id, title);
     if (SendMessageA(HandleOf(id), WM_CREATE, 0, 0) == -1) {
         Release();
@@ -157,7 +203,9 @@ HWND SetParent(HWND window, HWND parent) {
         return nullptr;
     if (children != nullptr)
         XFree(children);
-    XReparentWindow(display, saverWindow.id, parent ? IdOf(parent) : root, 0, 0);
+    saverWindow.parent = parent ? IdOf(parent) : root;
+    saverWindow.place.x = saverWindow.place.y = 0;
+    XReparentWindow(display, saverWindow.id, saverWindow.parent, 0, 0);
     return trap.Clean() ? HandleOf(before) : nullptr;
 }
 
@@ -166,13 +214,9 @@ BOOL SetWindowPos(HWND window, HWND, int x, int y, int width, int height, UINT) 
         return FALSE;
     Display* display = Connection();
     ErrorTrap trap(display);
-    XMoveResizeWindow(display, saverWindow.id, x, y, static_cast<unsigned>(width),
-                      static_cast<unsigned>(height));
+    PlaceSaver(PlaceIn(saverWindow.parent, {x, y, width, height}));
     XRaiseWindow(display, saverWindow.id);
-    if (!trap.Clean())
-        return FALSE;
-    FitSurface(width, height);
-    return TRUE;
+    return trap.Clean() ? TRUE : FALSE;
 }
 
 // OpenGL paints, at its own pace.

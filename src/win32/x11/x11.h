@@ -1,12 +1,18 @@
 // What the files of this folder share. The layer serves a program of one window: the saver's, which covers
-// the screen or lies in somebody else's window. All of it belongs to the main thread, but for OpenGL
+// the primary monitor or lies in somebody else's window. All of it belongs to the main thread, but for OpenGL
 // (gl_context.cpp), which has a connection to the X server of its own, so that no two threads ever wait for
 // each other's replies.
+//
+// Win32's screen coordinates begin at the primary monitor's corner, X's at the screen's. Places here are X's.
 #pragma once
 
 #include "win32/win32.h"
+#include "win32/x11/monitors.h"
 
 #include <X11/Xlib.h>
+
+#include <span>
+#include <vector>
 
 // A connection to the X server whose errors end nothing: a request that fails is passed over, and when the
 // server goes away the process ends at once with exit code 0. Null when there is no server.
@@ -27,6 +33,8 @@ private:
 struct SaverWindow {
     Window id = None; // None: there is no window
     WNDPROC proc = nullptr;
+    Window parent = None;
+    Place place; // in the parent
     bool fullScreen = false;
     bool shown = false;
     bool cursorHidden = false;
@@ -46,23 +54,45 @@ inline bool IsSaverWindow(HWND window) {
     return window != nullptr && IdOf(window) == saverWindow.id;
 }
 
+// The window takes a place in its parent; its picture and the procedure follow when the size is a new one.
+void PlaceSaver(const Place& place);
+
+// It fills its parent, which may have another size now.
+void FollowParent();
+
+// The input that any window of ours receives on the screen.
+constexpr long kInputMask = KeyPressMask | KeyReleaseMask | ButtonPressMask | PointerMotionMask;
+
 // Puts the message of an event, if it has one, into the queue.
 void TranslateEvent(const XEvent& event);
 void DropMessages();
 
+// screen.cpp: the monitors as they were last read, the primary one first.
+std::span<const Place> Monitors();
+void ReadMonitors();
+
+// covers.cpp: one black window for each of these places, and no others.
+void FitCovers(std::span<const Place> places);
+bool IsCover(Window window);
+std::span<const Window> Covers();
+
 // full_screen.cpp: what makes the window the only thing that the user sees and talks to.
-// Before the window is shown: a key that is down now was pressed for somebody else.
-void RememberKeysDown();
+// Before the window is shown: covers the other monitors. A key that is down now was pressed for somebody
+// else.
+void PrepareFullScreen();
 // True for the events of such a key, until it is released.
 bool IsStaleKey(unsigned code, bool pressed);
 // After it is shown: takes the keyboard and the pointer.
 void EnterFullScreen();
 void LeaveFullScreen();
-// Asks again for the keyboard and the pointer while somebody else holds them, and comes up again when
-// covered. Gives the milliseconds until it wants to be called again, -1 for not before an event.
+// Asks for the keyboard and the pointer while somebody else holds them, comes up again when covered, and
+// follows the monitors. Gives the milliseconds until it wants to be called again, -1 for not before an event.
 int HoldScreen();
-// Other windows came above (true) or left.
-void OnCovered(bool covered);
+// The keyboard, and maybe the pointer, is somebody else's now.
+void OnInputLost();
+// An event of the root window: monitors changed, or windows on the screen.
+void OnScreenEvent(const XEvent& event);
+Cursor BlankCursor();
 
 // gl_context.cpp: the picture in the window takes the window's new size.
 void FitSurface(int width, int height);

@@ -1,0 +1,22 @@
+// Where the monitors lie on the X screen.
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include <vector>
+
+// Relative to a window's parent, or on the whole X screen.
+struct Place {
+    int x = 0, y = 0, width = 0, height = 0;
+
+    bool operator==(const Place&) const = default;
+};
+
+// On the X screen, the primary one first: the one flagged so, else the leftmost. Without RandR 1.5, or
+// with every monitor off, the whole screen is one; the list is never empty.
+std::vector<Place> ListMonitors(Display* display);
+
+// Asks for the events that report other monitors, or other places of theirs. They come to the root window.
+void WatchMonitors(Display* display);
+// True for such an event.
+bool IsMonitorEvent(Display* display, const XEvent& event);
