@@ -92,6 +92,7 @@ public:
 
 private:
     void LoadHead(FXPackageData* d);
+    // Without a package they are Load_v02 and Load_v03, of a file.
     int Load_v02CN(FXPackage* pck, FXLoadBudget* budget);
     int Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
     void LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);

@@ -135,10 +135,10 @@ int FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
     }
     std::vector<FXNumPool> pools(static_cast<std::size_t>(meshes));
     for (FXNumPool& pool : pools)
-        pool.LoadC(d);
+        pool.LoadC(pck, d);
     FXVectorMap map;
     for (FXModel* model : models) {
-        map.LoadC(d);
+        map.LoadC(pck, d);
         for (int m = 0; m < meshes; ++m)
             model->loadedMeshes[m]->FromVMap(&map, &pools[static_cast<std::size_t>(m)]);
     }

@@ -38,6 +38,8 @@ public:
     // budget, where one is given, is empty.
     void LoadMeshC(FXPackage* pck, FXPackageData* d, FXMatlib* lib, FXLoadBudget* budget = nullptr);
     void LoadMeshIC(FXPackage* pck, FXPackageData* d, FXMatlib* lib, FXLoadBudget* budget = nullptr);
+    void LoadMesh(std::FILE* file, FXMatlib* lib); // the same records from a file that stands before them
+    void LoadMeshI(std::FILE* file, FXMatlib* lib);
     bool SaveMesh(std::FILE* file) const;
     bool SaveMeshI(std::FILE* file) const;
 

@@ -3,6 +3,7 @@
 #include "geometry/mesh.h"
 #include "image/material.h"
 #include "image/material_library.h"
+#include "package/file_block.h"
 #include "package/package_data.h"
 #include "platform/trace.h"
 
@@ -54,6 +55,16 @@ void FXMesh::LoadMeshIC(FXPackage*, FXPackageData* d, FXMatlib* lib, FXLoadBudge
     // A corner takes a byte of the pool that follows, a vertex a corner.
     const bool canBe = corners >= 0 && corners <= d->left && vertexLimit >= 0;
     ReallocWithin(budget, canBe ? std::min(vertexLimit, corners) : 0, canBe ? corners : 0);
+}
+
+void FXMesh::LoadMesh(std::FILE* file, FXMatlib* lib) {
+    FXFileRest rest(file);
+    LoadMeshC(nullptr, &rest.data, lib);
+}
+
+void FXMesh::LoadMeshI(std::FILE* file, FXMatlib* lib) {
+    FXFileRest rest(file);
+    LoadMeshIC(nullptr, &rest.data, lib);
 }
 
 bool FXMesh::SaveHead(std::FILE* file, float u, float v) const {

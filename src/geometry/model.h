@@ -103,6 +103,7 @@ public:
 
 private:
     void LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
+    // Without a package they are Load_v02 and Load_v03, of a file.
     void Load_v02CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
     void Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
     void DrawAll(PEnv* env, int transparent) const;

@@ -100,10 +100,10 @@ void FXModel::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget)
     const int count = d->ReadCount();
     FXVectorMap map;
     FXNumPool pool;
-    map.LoadC(d);
+    map.LoadC(pck, d);
     localLoadMeshes(count, budget, &loadedMeshes, [&](FXMesh* mesh) {
         mesh->LoadMeshIC(pck, d, matlib, budget);
-        pool.LoadC(d);
+        pool.LoadC(pck, d);
         mesh->FromVMap(&map, &pool);
     });
 }

@@ -2,6 +2,7 @@
 
 #include "base/file_handle.h"
 #include "base/memory.h"
+#include "package/file_block.h"
 #include "package/package_data.h"
 
 #include <cstring>
@@ -66,7 +67,12 @@ bool FXNumPool::Save(std::FILE* file) const {
     return fxWrite(&n, sizeof n, 1, file) && fxWrite(buffer, 1, static_cast<std::size_t>(n), file);
 }
 
-void FXNumPool::LoadC(FXPackageData* d) {
+void FXNumPool::Load(std::FILE* file) {
+    FXFileRest rest(file);
+    LoadC(nullptr, &rest.data);
+}
+
+void FXNumPool::LoadC(FXPackage*, FXPackageData* d) {
     size = 0;
     const int n = d->ReadInt();
     const void* bytes = d->ReadBlc(n);

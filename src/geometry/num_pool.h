@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+class FXPackage;
 class FXPackageData;
 
 class FXNumPool {
@@ -25,7 +26,9 @@ public:
     bool GetNextWord(unsigned short* value);
     bool GetNextInt(int* value);
     bool Save(std::FILE* file) const;
-    void LoadC(FXPackageData* d); // a size beyond the bytes there are leaves the pool empty
+    // A size beyond the bytes there are leaves the pool empty.
+    void LoadC(FXPackage* pck, FXPackageData* d);
+    void Load(std::FILE* file);
     void DestroyBuf();
 
     unsigned char* buffer = nullptr;

@@ -1,5 +1,6 @@
 #include "geometry/vector_map.h"
 
+#include "package/file_block.h"
 #include "package/package_data.h"
 
 #include <algorithm>
@@ -197,7 +198,12 @@ bool FXVectorMap::Save(std::FILE* file) const {
            localSave(texCoords, texCount, 2, file);
 }
 
-void FXVectorMap::LoadC(FXPackageData* d) {
+void FXVectorMap::Load(std::FILE* file) {
+    FXFileRest rest(file);
+    LoadC(nullptr, &rest.data);
+}
+
+void FXVectorMap::LoadC(FXPackage*, FXPackageData* d) {
     Destroy();
     posCount = localLoad(&positions, 3, d);
     normCount = localLoad(&normals, 3, d);

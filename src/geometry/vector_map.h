@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+class FXPackage;
 class FXPackageData;
 
 // Asked while packing: may two vertices, each named by mesh and vertex, share what is stored for one of them?
@@ -50,7 +51,8 @@ public:
 
     bool Save(std::FILE* file) const;
     // Replaces the contents. A count beyond the bytes there are leaves that kind of vector empty.
-    void LoadC(FXPackageData* d);
+    void LoadC(FXPackage* pck, FXPackageData* d);
+    void Load(std::FILE* file);
 
     // Replaces one kind of vectors by differences, each vector less the next, then each number less the next
     // (true), or puts the vectors back (false). A float counts as the whole number of its 32 bits, so that
@@ -110,9 +112,10 @@ private:
     void GrowSlots();
 
     Index posIndex_, normIndex_, texIndex_;
-    // One vertex per distinct triple, so a triple finds its vertex. Most positions have one user only: it is
-    // looked up by the number of the position. The users of the others stand in a hash, so that a corner
-    // costs the same however many vertices share its position.
+    // The users of the stored vectors (posUser, posUsers, normUser, normUsers, texUser, texUsers) are not
+    // listed for each kind: there is one vertex per distinct triple, so a triple finds its vertex. Most
+    // positions have one user only: it is looked up by the number of the position. The users of the others
+    // stand in a hash, so that a corner costs the same however many vertices share its position.
     std::vector<Triple> triples_; // by vertex
     std::vector<int> firstUser_;  // by position: none, the one user, or ~user when there are more
     std::vector<int> slots_;      // open hash of vertices, a power of two, at most half full

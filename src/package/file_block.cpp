@@ -9,3 +9,13 @@ bool FXFileBlock::Load(const char* path) {
     data.InitData(bytes_.get(), size);
     return bytes_ != nullptr;
 }
+
+FXFileRest::FXFileRest(std::FILE* file) : file_(file), at_(std::ftell(file)) {
+    int size = 0;
+    bytes_ = fxReadRest(file, &size);
+    data.InitData(bytes_.get(), size);
+}
+
+FXFileRest::~FXFileRest() {
+    std::fseek(file_, at_ + (data.size - data.left), SEEK_SET);
+}

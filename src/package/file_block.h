@@ -4,6 +4,8 @@
 #include "base/memory.h"
 #include "package/package_data.h"
 
+#include <cstdio>
+
 struct FXFileBlock {
     // False, with no data, when the file cannot be read, is beyond 2 GiB, or there is no memory for it.
     bool Load(const char* path);
@@ -11,5 +13,22 @@ struct FXFileBlock {
     FXPackageData data;
 
 private:
+    FXBytes bytes_;
+};
+
+// The rest of an open file, for the records that stand in the middle of one. When it goes, the file stands
+// behind what was read. A file that cannot be read has no data.
+class FXFileRest {
+public:
+    explicit FXFileRest(std::FILE* file);
+    ~FXFileRest();
+    FXFileRest(const FXFileRest&) = delete;
+    FXFileRest& operator=(const FXFileRest&) = delete;
+
+    FXPackageData data;
+
+private:
+    std::FILE* file_;
+    long at_; // where the data begins
     FXBytes bytes_;
 };

@@ -7,7 +7,8 @@
 #include "package/name_server.h"
 #include "package/package_data.h"
 
-// Entry types are the image library's codes for picture files, and kRaw for everything else.
+// Entry types are the image library's codes for picture files (IL_BMP, IL_JPG, IL_PNG, IL_TGA, IL_GIF), and
+// kRaw for everything else.
 enum FXEntryType : int {
     kRaw = -1,
     kBmp = 0x420,

@@ -8,8 +8,9 @@ namespace {
 
 std::atomic<std::uint32_t> state = 1;
 
-// The generator of the C library that the effects were tuned with (a linear congruential one modulo 2^32, of
-// which 15 bits are given out), so that a show burns alike on every platform: 0..32767.
+// What rand and srand are in the C library that the effects were tuned with (a linear congruential one modulo
+// 2^32, of which 15 bits are given out, see its documentation of RAND_MAX), so that a show burns alike on
+// every platform: 0..32767.
 int localRand() {
     std::uint32_t before = state.load(std::memory_order_relaxed);
     std::uint32_t after = 0;

@@ -2,6 +2,8 @@
 #include "base/memory.h"
 #include "geometry/load_budget.h"
 #include "geometry/model.h"
+#include "geometry/num_pool.h"
+#include "geometry/vector_map.h"
 #include "image/material.h"
 #include "image/material_library.h"
 #include "unit/recorded_device.h"
@@ -107,6 +109,35 @@ TEST_F(Model, GoesThroughBothFormatsInPackageAndFile) {
         EXPECT_EQ(written.matlib->refCount, 1);
     }
     EXPECT_TRUE(device_.gl.matlibs.IsEmpty());
+}
+
+TEST_F(Model, RecordsAreReadFromTheMiddleOfAFile) {
+    for (const int version : {2, 3}) {
+        FXModel model;
+        Make(&model);
+        const FXFile file = fxOpenFile(folder_.Write("m", Saved(&model, version) + "end").c_str(), "rb");
+        FXStr magic, name, library;
+        std::int32_t count = 0;
+        ASSERT_TRUE(magic.Load(file.get()) && name.Load(file.get()) && library.Load(file.get()) &&
+                    std::fread(&count, sizeof count, 1, file.get()) == 1);
+        FXVectorMap map;
+        if (version == 3)
+            map.Load(file.get());
+        for (int i = 0; i < count; ++i) {
+            FXMesh mesh;
+            FXNumPool pool;
+            if (version == 2) {
+                mesh.LoadMesh(file.get(), model.matlib);
+            } else {
+                mesh.LoadMeshI(file.get(), model.matlib);
+                pool.Load(file.get());
+                EXPECT_TRUE(mesh.FromVMap(&map, &pool));
+            }
+            EXPECT_EQ(CornersOf(mesh), CornersOf(*model.meshes[i])) << version << " " << i;
+            EXPECT_EQ(mesh.material, model.meshes[i]->material);
+        }
+        EXPECT_EQ(std::fgetc(file.get()), 'e') << "behind the last one";
+    }
 }
 
 TEST_F(Model, Version3LeavesOutWhatIsDisabled) {

@@ -59,7 +59,7 @@ TEST(NumPool, LoadsNoMoreThanTheBytesThereAre) {
     for (const auto& [record, bytes] : kCases) {
         FXPackageData data;
         data.InitData(record.data(), static_cast<int>(record.size()));
-        pool.LoadC(&data);
+        pool.LoadC(nullptr, &data);
         EXPECT_EQ(BytesOf(pool), bytes);
     }
 }
@@ -74,7 +74,7 @@ std::string Packed(int start, int count, const std::vector<int>& tail) {
                                floats.substr(0, floats.size() / 3 * 2);
     FXPackageData data;
     data.InitData(record.data(), static_cast<int>(record.size()));
-    map.LoadC(&data); // so many are there before
+    map.LoadC(nullptr, &data); // so many are there before
     std::vector<int> indices(static_cast<std::size_t>(count));
     std::iota(indices.begin(), indices.end(), 0);
     for (const int number : tail)
@@ -194,7 +194,7 @@ TEST(Packing, FindsWhatWasLoadedAndWhatWasSet) {
     FXPackageData data;
     data.InitData(record.data(), static_cast<int>(record.size()));
     FXVectorMap map;
-    map.LoadC(&data);
+    map.LoadC(nullptr, &data);
     using Find = int (FXVectorMap::*)(int, int, const tagFXVertex*, PMeshSaveClb*);
     using Push = int (FXVectorMap::*)(const tagFXVertex*, PMeshSaveClb*, int, int);
     using Set = void (FXVectorMap::*)(const tagFXVertex*, int);
@@ -346,7 +346,7 @@ TEST(VectorMapRecord, KeepsWholeVectorsOfWhatIsThere) {
     for (const auto& c : cases) {
         FXPackageData data;
         data.InitData(c.record.data(), static_cast<int>(c.record.size()));
-        map.LoadC(&data);
+        map.LoadC(nullptr, &data);
         EXPECT_TRUE(map.posCount == c.counts[0] && map.normCount == c.counts[1] &&
                     map.texCount == c.counts[2])
             << c.record.size();
