@@ -11,31 +11,31 @@
 
 namespace {
 
-void ExpectWhole(const FXModel& model) {
+void localExpectWhole(const FXModel& model) {
     for (const FXMesh* mesh : model.meshes)
         for (int i = 0; mesh != nullptr && i < mesh->indexCount; ++i)
             Expect(mesh->indices[i] >= 0 && mesh->indices[i] < mesh->vertexCount);
 }
 
-void TryModel(FXPackage* package, std::size_t size) {
+void localTryModel(FXPackage* package, std::size_t size) {
     FXModel model;
     {
         const FewElements few(size);
         Expect(model.LoadCN(package, kEntry));
     }
     model.UpdateMeshes();
-    ExpectWhole(model);
+    localExpectWhole(model);
     model.UnitizeStretch();
     model.Normalize(false);
     const int vertices = model.GetTotalVertices();
     FXModel again;
     Expect(model.Save(WorkFile().c_str()) && again.Load(WorkFile().c_str()));
     again.UpdateMeshes();
-    ExpectWhole(again);
+    localExpectWhole(again);
     Expect(again.GetTotalVertices() <= vertices);
 }
 
-void TryAnimation(FXPackage* package, std::size_t size) {
+void localTryAnimation(FXPackage* package, std::size_t size) {
     FXAnim animation;
     {
         const FewElements few(size);
@@ -44,7 +44,7 @@ void TryAnimation(FXPackage* package, std::size_t size) {
     }
     for (const FXModel* model : animation.models)
         if (model != nullptr)
-            ExpectWhole(*model);
+            localExpectWhole(*model);
     const int last = animation.models.count - 1;
     animation.UnitizeStretch1(last);
     animation.ComputeFrontTexCoords(last, -1);
@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
         FXMatlib library;
         Expect(library.LoadC(&package, std::to_string(kEntry).c_str()));
     }
-    TryModel(&package, size);
-    TryAnimation(&package, size);
+    localTryModel(&package, size);
+    localTryAnimation(&package, size);
     return 0;
 }

@@ -12,7 +12,7 @@
 namespace {
 
 // One read, chosen by `kind`.
-void Read(FXPackageData* data, unsigned char kind) {
+void localRead(FXPackageData* data, unsigned char kind) {
     FXStr s;
     FXStrArray strings;
     FXArray<int> ints;
@@ -59,12 +59,12 @@ void Read(FXPackageData* data, unsigned char kind) {
         Expect(count >= 0 && count <= std::max(data->size, FXPackageData::kSureCount));
 }
 
-void ReadEntry(const FXPackage& package, FXPackageData* data, std::string_view kinds) {
+void localReadEntry(const FXPackage& package, FXPackageData* data, std::string_view kinds) {
     Expect(data->size == 0 || (data->start >= package.dataBlock &&
                                data->start + data->size <= package.dataBlock + package.dataSize));
     for (const char kind : kinds) {
         const int before = data->left;
-        Read(data, static_cast<unsigned char>(kind));
+        localRead(data, static_cast<unsigned char>(kind));
         Expect(data->left >= 0 && data->left <= before &&
                data->cur == data->start + (data->size - data->left));
         if (data->left == 0)
@@ -72,7 +72,7 @@ void ReadEntry(const FXPackage& package, FXPackageData* data, std::string_view k
     }
 }
 
-std::string EntryBytes(FXPackage& package, int id) {
+std::string localEntryBytes(FXPackage& package, int id) {
     const FXPackageData* data = package.GetDataPtr(id);
     return {reinterpret_cast<const char*>(data->start), static_cast<std::size_t>(data->size)};
 }
@@ -95,13 +95,13 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     Expect(package.cursors.count == package.ids.count &&
            package.ids.count <= std::max(static_cast<int>(size), FXPackageData::kSureCount));
     for (int i = 0; i < package.cursors.count; ++i)
-        ReadEntry(package, package.cursors[i], rest.substr(0, 64));
+        localReadEntry(package, package.cursors[i], rest.substr(0, 64));
     few.reset();
 
     Expect(package.Save(WorkFile().c_str(), bytes[0] & 1));
     FXPackage again;
     Expect(again.Load(WorkFile().c_str()) && again.ids.count == package.ids.count);
     for (const int id : package.ids)
-        Expect(EntryBytes(again, id) == EntryBytes(package, id));
+        Expect(localEntryBytes(again, id) == localEntryBytes(package, id));
     return 0;
 }

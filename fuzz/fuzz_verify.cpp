@@ -16,7 +16,7 @@
 
 namespace {
 
-void TryPackage(std::size_t size) {
+void localTryPackage(std::size_t size) {
     Faults faults;
     PackageFacts facts;
     FXPackage package;
@@ -36,7 +36,7 @@ void TryPackage(std::size_t size) {
         static_cast<void>(ExtractAll(&package, facts.isScrambled, asWavefront));
 }
 
-void TryObj() {
+void localTryObj() {
     FXObjFile obj;
     std::string error;
     if (!fxReadObj(WorkFile(), &obj, &error)) {
@@ -49,7 +49,7 @@ void TryObj() {
     ObjText(model, "");
 }
 
-void TryMtl() {
+void localTryMtl() {
     FXMatlib library;
     std::string error;
     Expect(ReadMtl(WorkFile(), &library, &error) == error.empty());
@@ -71,6 +71,6 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     }
     std::ofstream(WorkFile(), std::ios::binary)
         << start << std::string_view(reinterpret_cast<const char*>(bytes) + 1, size - 1);
-    bytes[0] % 5 == 3 ? TryObj() : bytes[0] % 5 == 4 ? TryMtl() : TryPackage(size);
+    bytes[0] % 5 == 3 ? localTryObj() : bytes[0] % 5 == 4 ? localTryMtl() : localTryPackage(size);
     return 0;
 }

@@ -6,7 +6,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path Prefix() {
+fs::path localPrefix() {
     std::error_code failed;
     return fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
 }
@@ -14,12 +14,12 @@ fs::path Prefix() {
 } // namespace
 
 std::string ShowFolder() {
-    return (Prefix() / "share" / "tamblor").string();
+    return (localPrefix() / "share" / "tamblor").string();
 }
 
 std::string GeneratedDesktop() {
     std::error_code failed;
-    const fs::path built = Prefix() / "assets" / "desktop.png";
+    const fs::path built = localPrefix() / "assets" / "desktop.png";
     return fs::exists(built, failed) ? built.string()
-                                     : (Prefix() / "share" / "tamblor" / "desktop.png").string();
+                                     : (localPrefix() / "share" / "tamblor" / "desktop.png").string();
 }

@@ -6,18 +6,18 @@ namespace {
 
 std::size_t allocLimit = 0;
 
-bool Refused(std::size_t n) {
+bool localRefused(std::size_t n) {
     return allocLimit != 0 && n > allocLimit;
 }
 
 } // namespace
 
 void* fxMalloc(std::size_t n) {
-    return Refused(n) ? nullptr : std::calloc(1, n ? n : 1);
+    return localRefused(n) ? nullptr : std::calloc(1, n ? n : 1);
 }
 
 void* fxRealloc(void* block, std::size_t n) {
-    return Refused(n) ? nullptr : std::realloc(block, n ? n : 1);
+    return localRefused(n) ? nullptr : std::realloc(block, n ? n : 1);
 }
 
 FXBytes fxNewBytes(std::size_t n) {

@@ -10,7 +10,8 @@ template <class Rule> struct Row {
     Rule rule;
 };
 
-template <class Rule, std::size_t N> Rule Find(const Row<Rule> (&table)[N], UINT message, Rule otherwise) {
+template <class Rule, std::size_t N>
+Rule localFind(const Row<Rule> (&table)[N], UINT message, Rule otherwise) {
     const auto row = std::find_if(std::begin(table), std::end(table),
                                   [message](const Row<Rule>& r) { return r.message == message; });
     return row != std::end(table) ? row->rule : otherwise;
@@ -65,7 +66,7 @@ constexpr Row<DefRule> kDefRules[] = {
 } // namespace
 
 SysAction RouteSysMessage(UINT message, WPARAM wParam, bool preview, bool closing) {
-    switch (Find(kSysRules, message, SysRule::Forward)) {
+    switch (localFind(kSysRules, message, SysRule::Forward)) {
     case SysRule::Create:
         return SysAction::Create;
     case SysRule::Destroy:
@@ -85,13 +86,13 @@ SysAction RouteSysMessage(UINT message, WPARAM wParam, bool preview, bool closin
 }
 
 SaverAction RouteSaverMessage(UINT message) {
-    return Find(kSaverActions, message, SaverAction::Default);
+    return localFind(kSaverActions, message, SaverAction::Default);
 }
 
 DefAction RouteDefMessage(UINT message, WPARAM wParam, bool preview, bool closing, bool checkingPassword) {
     if (preview || closing)
         return DefAction::Default;
-    switch (Find(kDefRules, message, DefRule::Default)) {
+    switch (localFind(kDefRules, message, DefRule::Default)) {
     case DefRule::Close:
         return checkingPassword ? DefAction::Swallow : DefAction::Close;
     case DefRule::VerifyPassword:

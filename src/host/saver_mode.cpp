@@ -8,7 +8,7 @@ constexpr std::string_view kLetters = "SsPpAaCc";
 constexpr SaverMode kModes[] = {SaverMode::Saver, SaverMode::Preview, SaverMode::ChangePassword,
                                 SaverMode::Configure};
 
-void ReadWindow(std::string_view text, SaverCommand* command) {
+void localReadWindow(std::string_view text, SaverCommand* command) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
     for (const char c : text) {
         if (c < '0' || c > '9')
@@ -27,6 +27,6 @@ SaverCommand ParseSaverCommandLine(std::string_view text) {
         return command;
     command.mode = kModes[kLetters.find(text[at]) / 2];
     if (command.mode == SaverMode::Preview || command.mode == SaverMode::ChangePassword)
-        ReadWindow(text.substr(at + 1), &command);
+        localReadWindow(text.substr(at + 1), &command);
     return command;
 }

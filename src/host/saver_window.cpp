@@ -5,6 +5,7 @@
 #include "host/message_routing.h"
 #include "platform/clock.h"
 #include "platform/configuration.h"
+#include "platform/report.h"
 #include "scene/scene.h"
 
 #include <cstring>
@@ -16,6 +17,41 @@ double startTime = 0.0;
 const char* const scrFile = "tamb.scr";
 
 namespace {
+
+// Reads the data folder into orinPath. Without a stored value, or with one longer than the buffer, orinPath
+// stays as it is. Gives the status of opening, or else of closing, the configuration, 0 on success; never
+// that of the reading.
+LSTATUS localReadConfig() {
+    configProblem.Clear();
+    configSearch.Clear();
+    HKEY key = nullptr;
+    const LSTATUS opened = RegOpenKeyExA(HKEY_CURRENT_USER, scrRegName, 0, KEY_QUERY_VALUE, &key);
+    if (opened != ERROR_SUCCESS) {
+        configSearch = fxErrorWords(static_cast<DWORD>(opened));
+        return opened;
+    }
+    char value[sizeof orinPath] = "";
+    DWORD size = sizeof value;
+    const LSTATUS read =
+        RegQueryValueExA(key, "path", nullptr, nullptr, reinterpret_cast<BYTE*>(value), &size);
+    value[sizeof value - 1] = '\0'; // a stored value need not be terminated
+    if (read == ERROR_SUCCESS || (read != ERROR_MORE_DATA && value[0] != '\0'))
+        std::memcpy(orinPath, value, sizeof orinPath);
+    if (read != ERROR_SUCCESS && read != ERROR_FILE_NOT_FOUND && read != ERROR_MORE_DATA)
+        configProblem.Format("configuration: %s", fxErrorWords(static_cast<DWORD>(read)).text);
+    if (read == ERROR_FILE_NOT_FOUND)
+        configSearch = fxErrorWords(ERROR_FILE_NOT_FOUND);
+    return RegCloseKey(key);
+}
+
+// Asks the shell to install the saver file; gives the shell's answer, above 32 when it went well.
+INT_PTR localRegister(HWND owner) {
+    char folder[MAX_PATH] = "";
+    SHGetFolderPathA(nullptr, CSIDL_SYSTEMX86, nullptr, 0, folder);
+    const std::string file = std::string(folder) + "\\" + scrFile;
+    return reinterpret_cast<INT_PTR>(
+        ShellExecuteA(owner, "install", file.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+}
 
 // The answer to WM_CREATE: -1 gives no window.
 LRESULT localCreate(HWND window) {
@@ -67,12 +103,4 @@ INT_PTR CALLBACK ScreenSaverConfigureDialog(HWND, UINT, WPARAM, LPARAM) {
 
 BOOL RegisterDialogClasses(HINSTANCE) {
     return TRUE;
-}
-
-INT_PTR localRegister(HWND owner) {
-    char folder[MAX_PATH] = "";
-    SHGetFolderPathA(nullptr, CSIDL_SYSTEMX86, nullptr, 0, folder);
-    const std::string file = std::string(folder) + "\\" + scrFile;
-    return reinterpret_cast<INT_PTR>(
-        ShellExecuteA(owner, "install", file.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
 }

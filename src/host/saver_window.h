@@ -15,6 +15,3 @@ LRESULT CALLBACK ScreenSaverProc(HWND window, UINT message, WPARAM wParam, LPARA
 INT_PTR CALLBACK ScreenSaverConfigureDialog(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 // Has nothing to register: TRUE.
 BOOL RegisterDialogClasses(HINSTANCE instance);
-
-// Asks the shell to install the saver file; gives the shell's answer, above 32 when it went well.
-INT_PTR localRegister(HWND owner);

@@ -13,13 +13,13 @@ IDirectDrawSurface7* copySurface = nullptr;
 int copyWidth = 0;
 int copyHeight = 0;
 
-template <class T> void ReleaseAndClear(T*& object) {
+template <class T> void localReleaseAndClear(T*& object) {
     if (object != nullptr)
         object->Release();
     object = nullptr;
 }
 
-DDSURFACEDESC2 Description(DWORD flags, DWORD caps) {
+DDSURFACEDESC2 localDescription(DWORD flags, DWORD caps) {
     DDSURFACEDESC2 description = {};
     description.dwSize = sizeof description;
     description.dwFlags = flags;
@@ -28,13 +28,13 @@ DDSURFACEDESC2 Description(DWORD flags, DWORD caps) {
 }
 
 // The conversion reads four bytes per pixel; other depths have fewer.
-bool Is32Bit(IDirectDrawSurface7* surface) {
+bool localIs32Bit(IDirectDrawSurface7* surface) {
     DDPIXELFORMAT format = {};
     format.dwSize = sizeof format;
     return SUCCEEDED(surface->GetPixelFormat(&format)) && format.dwRGBBitCount == 32;
 }
 
-bool Failed(const char* step) {
+bool localFailed(const char* step) {
     err("%s\n", step);
     return false;
 }
@@ -45,23 +45,23 @@ bool fxDesktopCopy(int w, int h) {
     if (localDD7 == nullptr) {
         void* object = nullptr;
         if (FAILED(DirectDrawCreateEx(nullptr, &object, IID_IDirectDraw7, nullptr)))
-            return Failed("DirectDrawCreateEx");
+            return localFailed("DirectDrawCreateEx");
         localDD7 = static_cast<IDirectDraw7*>(object);
     }
     if (FAILED(localDD7->SetCooperativeLevel(nullptr, DDSCL_NORMAL)))
-        return Failed("SetCooperativeLevel (dd7)");
-    ReleaseAndClear(localPrim); // of an earlier photograph
-    DDSURFACEDESC2 primary = Description(DDSD_CAPS, DDSCAPS_PRIMARYSURFACE);
+        return localFailed("SetCooperativeLevel (dd7)");
+    localReleaseAndClear(localPrim); // of an earlier photograph
+    DDSURFACEDESC2 primary = localDescription(DDSD_CAPS, DDSCAPS_PRIMARYSURFACE);
     if (FAILED(localDD7->CreateSurface(&primary, &localPrim, nullptr)))
-        return Failed("CreateSurface (dd7 primary surface)");
-    DDSURFACEDESC2 back = Description(DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT, DDSCAPS_SYSTEMMEMORY);
+        return localFailed("CreateSurface (dd7 primary surface)");
+    DDSURFACEDESC2 back = localDescription(DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT, DDSCAPS_SYSTEMMEMORY);
     back.dwWidth = static_cast<DWORD>(w);
     back.dwHeight = static_cast<DWORD>(h);
     if (FAILED(localDD7->CreateSurface(&back, &copySurface, nullptr)))
-        return Failed("CreateSurface (dd7 back surface)");
+        return localFailed("CreateSurface (dd7 back surface)");
     if (FAILED(copySurface->Blt(nullptr, localPrim, nullptr, DDBLT_WAIT, nullptr))) {
-        ReleaseAndClear(copySurface);
-        return Failed("Blt (dd7 - from primary to back)");
+        localReleaseAndClear(copySurface);
+        return localFailed("Blt (dd7 - from primary to back)");
     }
     copyWidth = w;
     copyHeight = h;
@@ -71,9 +71,9 @@ bool fxDesktopCopy(int w, int h) {
 bool fxDesktopLock(FXDesktopPixels* pixels) {
     DDSURFACEDESC2 locked = {};
     locked.dwSize = sizeof locked;
-    if (!Is32Bit(copySurface) ||
+    if (!localIs32Bit(copySurface) ||
         FAILED(copySurface->Lock(nullptr, &locked, DDLOCK_WAIT | DDLOCK_READONLY, nullptr)))
-        return Failed("Lock (dd7 - back)");
+        return localFailed("Lock (dd7 - back)");
     *pixels = {static_cast<const unsigned char*>(locked.lpSurface), static_cast<int>(locked.lPitch),
                copyWidth, copyHeight};
     return true;
@@ -81,11 +81,11 @@ bool fxDesktopLock(FXDesktopPixels* pixels) {
 
 void fxDesktopUnlock() {
     copySurface->Unlock(nullptr);
-    ReleaseAndClear(copySurface);
+    localReleaseAndClear(copySurface);
 }
 
 void fxDesktopRelease() {
-    ReleaseAndClear(copySurface);
-    ReleaseAndClear(localPrim);
-    ReleaseAndClear(localDD7);
+    localReleaseAndClear(copySurface);
+    localReleaseAndClear(localPrim);
+    localReleaseAndClear(localDD7);
 }

@@ -111,7 +111,7 @@ struct Channel {
     }
 };
 
-void CopyPixels(XImage* image) {
+void localCopyPixels(XImage* image) {
     const Visual* visual = DefaultVisual(display, DefaultScreen(display));
     const Channel red(visual->red_mask);
     const Channel green(visual->green_mask);
@@ -136,10 +136,10 @@ void CopyPixels(XImage* image) {
     }
 }
 
-bool Photograph(int x, int y, int w, int h) {
+bool localPhotograph(int x, int y, int w, int h) {
     SharedImage shared(w, h);
     if (XImage* image = shared.Photograph(x, y)) {
-        CopyPixels(image);
+        localCopyPixels(image);
         return true;
     }
     const ErrorTrap trap;
@@ -147,7 +147,7 @@ bool Photograph(int x, int y, int w, int h) {
                               static_cast<unsigned>(h), AllPlanes, ZPixmap);
     if (image == nullptr)
         return false;
-    CopyPixels(image);
+    localCopyPixels(image);
     XDestroyImage(image);
     return true;
 }
@@ -165,7 +165,7 @@ bool fxDesktopCopy(int w, int h) {
     copyWidth = std::min(w, primary.width);
     copyHeight = std::min(h, primary.height);
     copy.assign(static_cast<std::size_t>(copyWidth) * static_cast<std::size_t>(copyHeight) * 4, 0);
-    if (!Photograph(primary.x, primary.y, copyWidth, copyHeight)) {
+    if (!localPhotograph(primary.x, primary.y, copyWidth, copyHeight)) {
         err("XGetImage (desktop capture)\n");
         fxDesktopUnlock();
         return false;

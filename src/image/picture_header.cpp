@@ -11,7 +11,7 @@
 namespace {
 
 // How many pixels a byte of a file can stand for at most.
-std::int64_t MostPixelsPerByte(int type) {
+std::int64_t localMostPixelsPerByte(int type) {
     switch (type) {
     case kPng:
         return 8 * 1032; // of one bit each; deflate packs 1032 bytes of zeros into one
@@ -54,7 +54,7 @@ private:
 
 constexpr FXPictureSize kBroken = {-1, -1}; // what the codec must not see
 
-FXPictureSize BmpSize(HeaderReader& file) {
+FXPictureSize localBmpSize(HeaderReader& file) {
     constexpr int kOldHeader = 12; // of OS/2, with 16 bits for each side
     if (file.Little32(14) == kOldHeader)
         return {file.Little16(18), file.Little16(20)};
@@ -63,7 +63,7 @@ FXPictureSize BmpSize(HeaderReader& file) {
 }
 
 // The scans' data, up to the next marker that is not part of it.
-std::size_t AfterScan(HeaderReader& file, std::size_t at) {
+std::size_t localAfterScan(HeaderReader& file, std::size_t at) {
     const auto isData = [&](int next) { return next == 0 || (next >= 0xD0 && next <= 0xD7); };
     while (file.Good() && (file.Byte(at) != 0xFF || isData(file.Byte(at + 1))))
         ++at;
@@ -72,7 +72,7 @@ std::size_t AfterScan(HeaderReader& file, std::size_t at) {
 
 // All segments, to the end of the picture: of one that breaks off before, DevIL would wait for the rest for
 // ever.
-FXPictureSize JpegSize(HeaderReader& file) {
+FXPictureSize localJpegSize(HeaderReader& file) {
     if (file.Big16(0) != 0xFFD8)
         return {};
     FXPictureSize size = kBroken;
@@ -90,13 +90,13 @@ FXPictureSize JpegSize(HeaderReader& file) {
         }
         at += 2 + static_cast<std::size_t>(file.Big16(at + 2));
         if (marker == 0xDA)
-            at = AfterScan(file, at);
+            at = localAfterScan(file, at);
     }
     return kBroken;
 }
 
 // All chunks, to the one that ends the picture: DevIL reads on behind the end of one that breaks off.
-FXPictureSize PngSize(HeaderReader& file) {
+FXPictureSize localPngSize(HeaderReader& file) {
     constexpr int kSignature = static_cast<int>(0x89504E47u);
     constexpr int kEnd = 0x49454E44;
     constexpr std::size_t kAroundData = 12; // length, kind and checksum
@@ -114,12 +114,12 @@ FXPictureSize PngSize(HeaderReader& file) {
 }
 
 // How far behind `at` a table of colours ends, if these flags say that there is one.
-std::size_t AfterColours(std::size_t at, int flags) {
+std::size_t localAfterColours(std::size_t at, int flags) {
     return (flags & 0x80) != 0 ? at + (std::size_t{3} << ((flags & 7) + 1)) : at;
 }
 
 // Blocks of data, each after its size; the last is empty.
-std::size_t AfterData(HeaderReader& file, std::size_t at) {
+std::size_t localAfterData(HeaderReader& file, std::size_t at) {
     while (const int size = file.Byte(at))
         at += static_cast<std::size_t>(size) + 1;
     return at + 1;
@@ -127,13 +127,13 @@ std::size_t AfterData(HeaderReader& file, std::size_t at) {
 
 // All blocks, to the one that ends the picture; the first frame's own size counts, not the screen's. DevIL
 // does not look whether a frame lies on the screen, nor whether a block is of a kind that there is.
-FXPictureSize GifSize(HeaderReader& file) {
+FXPictureSize localGifSize(HeaderReader& file) {
     constexpr int kLongestCode = 8; // a picture begins with codes of so many bits at most
     FXPictureSize size;
-    std::size_t at = AfterColours(13, file.Byte(10));
+    std::size_t at = localAfterColours(13, file.Byte(10));
     while (file.Good() && file.Byte(at) != ';') {
         if (file.Byte(at) == '!') {
-            at = AfterData(file, at + 2);
+            at = localAfterData(file, at + 2);
             continue;
         }
         const FXPictureSize frame = {file.Little16(at + 5), file.Little16(at + 7)};
@@ -141,27 +141,27 @@ FXPictureSize GifSize(HeaderReader& file) {
             file.Little16(at + 3) + frame.height > file.Little16(8))
             return kBroken;
         size = size.width == 0 ? frame : size;
-        at = AfterColours(at + 10, file.Byte(at + 9));
+        at = localAfterColours(at + 10, file.Byte(at + 9));
         if (file.Byte(at) > kLongestCode)
             return kBroken;
-        at = AfterData(file, at + 1);
+        at = localAfterData(file, at + 1);
     }
     return file.Good() ? size : kBroken;
 }
 
 // Where the TGA's pixels begin: behind the text and the colours that may stand before them.
-std::size_t TgaPixels(HeaderReader& file) {
+std::size_t localTgaPixels(HeaderReader& file) {
     constexpr std::size_t kHeader = 18;
     const int colours = file.Byte(1) != 0 ? file.Little16(5) * ((file.Byte(7) + 7) / 8) : 0;
     return kHeader + static_cast<std::size_t>(file.Byte(0) + colours);
 }
 
 // Whether that many pixels of two bytes each stand there, plain or in runs.
-bool TgaHolds(HeaderReader& file, std::int64_t pixels) {
+bool localTgaHolds(HeaderReader& file, std::int64_t pixels) {
     constexpr int kFirstWithRuns = 9; // of the kinds
     constexpr std::size_t kPixel = 2;
     const bool runs = file.Byte(2) >= kFirstWithRuns;
-    std::size_t at = TgaPixels(file);
+    std::size_t at = localTgaPixels(file);
     while (pixels > 0 && file.Good()) {
         const int head = runs ? file.Byte(at++) : 0;
         const std::int64_t count = runs ? (head & 127) + 1 : pixels;
@@ -173,25 +173,26 @@ bool TgaHolds(HeaderReader& file, std::int64_t pixels) {
 }
 
 // Of 15 or 16 bits whose pixels are not all there, DevIL keeps less memory than it then reads.
-FXPictureSize TgaSize(HeaderReader& file) {
+FXPictureSize localTgaSize(HeaderReader& file) {
     const FXPictureSize size = {file.Little16(12), file.Little16(14)};
     const int bits = file.Byte(16);
-    const bool taken = (bits != 15 && bits != 16) || TgaHolds(file, std::int64_t{size.width} * size.height);
+    const bool taken =
+        (bits != 15 && bits != 16) || localTgaHolds(file, std::int64_t{size.width} * size.height);
     return taken ? size : kBroken;
 }
 
-FXPictureSize SizeOf(HeaderReader& file, int type) {
+FXPictureSize localSizeOf(HeaderReader& file, int type) {
     switch (type) {
     case kBmp:
-        return BmpSize(file);
+        return localBmpSize(file);
     case kJpeg:
-        return JpegSize(file);
+        return localJpegSize(file);
     case kPng:
-        return PngSize(file);
+        return localPngSize(file);
     case kTga:
-        return TgaSize(file);
+        return localTgaSize(file);
     case kGif:
-        return GifSize(file);
+        return localGifSize(file);
     default:
         return {};
     }
@@ -213,7 +214,7 @@ int fxPictureType(std::span<const unsigned char> file) {
 
 std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, int type) {
     HeaderReader reader(file);
-    const FXPictureSize size = SizeOf(reader, type);
+    const FXPictureSize size = localSizeOf(reader, type);
     if (!reader.Good() || size.width <= 0 || size.height <= 0)
         return std::nullopt;
     return size;
@@ -221,11 +222,11 @@ std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, 
 
 bool fxPictureIsPlausible(std::span<const unsigned char> file, int type) {
     HeaderReader reader(file);
-    const auto [width, height] = SizeOf(reader, type);
+    const auto [width, height] = localSizeOf(reader, type);
     if (width == 0 || height == 0)
         return true;
     const std::int64_t pixels = std::int64_t{width} * height;
     return width > 0 && height > 0 && width <= FXPixmap::kMostSide && height <= FXPixmap::kMostSide &&
            pixels <= FXPixmap::kMostPixels &&
-           pixels <= MostPixelsPerByte(type) * static_cast<std::int64_t>(file.size());
+           pixels <= localMostPixelsPerByte(type) * static_cast<std::int64_t>(file.size());
 }

@@ -114,6 +114,24 @@ TEST(CloseRule, GraceTimeKeysAndPreview) {
     EXPECT_TRUE(SaverMayClose(true, false, false, 0.0, 0.0)) << "a preview";
 }
 
+TEST_F(Host, ReadsTheDataFolderThatIsConfigured) {
+    const std::string value = std::string(scrRegName) + "\\path";
+    const std::string longest(519, 'x');
+    const std::pair<std::string, std::string> cases[] = {
+        {longest + '\0', longest}, {"unterminated", "unterminated"}, {longest + "x" + '\0', "before"}};
+    for (const auto& [stored, folder] : cases) {
+        std::snprintf(orinPath, sizeof orinPath, "before");
+        fakeWin32.registry[value] = stored;
+        Run("/s");
+        EXPECT_EQ(orinPath, folder);
+    }
+    fakeWin32.registry.clear();
+    std::snprintf(orinPath, sizeof orinPath, "before");
+    Run("/s");
+    EXPECT_STREQ(orinPath, "before");
+    EXPECT_FALSE(configSearch.IsEmpty()) << "where it was looked for";
+}
+
 TEST_F(Host, GivesWhatTheLastMessageCarriedWhenTheQueueFails) {
     fakeWin32.steps = {[] { PostMessageA(kFakeWindow, WM_TIMER, 7, 0); }}; // and then an error
     EXPECT_EQ(Run("/s"), 7);

@@ -1,5 +1,4 @@
 #include "platform/clock.h"
-#include "platform/configuration.h"
 #include "platform/paths.h"
 #include "platform/random.h"
 #include "platform/threads.h"
@@ -216,31 +215,6 @@ TEST(Paths, ChooseTheCurrentFolder) {
     }
     EXPECT_STREQ(fxGetActPath(), ".\\");
     fs::current_path(start);
-}
-
-TEST(Configuration, GivesTheFolderOrSaysInOneLineWhatIsWrong) {
-    const TempFolder folder;
-    fs::create_directories(folder.File("home/tamblor"));
-    setenv("XDG_CONFIG_HOME", folder.File("home").c_str(), 1);
-    setenv("XDG_CONFIG_DIRS", folder.File("system").c_str(), 1);
-    unsetenv("TAMBLOR_DATA");
-    const std::string longest = "/" + std::string(518, 'x');
-    const struct {
-        std::string file, path, problem;
-    } cases[] = {
-        {"path = /one\n", "/one", ""},
-        {"path = " + longest + "x\n", "/one", ""}, // does not fit: not read
-        {"path = " + longest + "\n", longest, ""},
-        {"path = /two\npath: three\n", "/two", "tamblor.conf:2: "}, // bad: passed over as a whole
-    };
-    for (const auto& c : cases) {
-        folder.Write("home/tamblor/tamblor.conf", c.file);
-        EXPECT_EQ(localReadConfig(), ERROR_SUCCESS);
-        EXPECT_EQ(orinPath == c.path, c.problem.empty()) << c.file << ": " << orinPath;
-        EXPECT_EQ(configProblem.IsEmpty(), c.problem.empty()) << configProblem.text;
-        EXPECT_NE(std::strstr(configProblem.text, c.problem.c_str()), nullptr) << configProblem.text;
-        EXPECT_EQ(std::strpbrk(configProblem.text, "\r\n"), nullptr);
-    }
 }
 
 } // namespace

@@ -40,7 +40,7 @@ examples:
 
 namespace {
 
-bool Number(const std::string& text, double low, double high, double* value) {
+bool localNumber(const std::string& text, double low, double high, double* value) {
     char* end = nullptr;
     const double read = std::strtod(text.c_str(), &end);
     if (text.empty() || *end != '\0' || !(read >= low && read <= high))
@@ -49,9 +49,9 @@ bool Number(const std::string& text, double low, double high, double* value) {
     return true;
 }
 
-bool Whole(const std::string& text, int low, int high, int* value) {
+bool localWhole(const std::string& text, int low, int high, int* value) {
     double read = 0;
-    if (!Number(text, low, high, &read) || read != static_cast<int>(read))
+    if (!localNumber(text, low, high, &read) || read != static_cast<int>(read))
         return false;
     *value = static_cast<int>(read);
     return true;
@@ -59,19 +59,19 @@ bool Whole(const std::string& text, int low, int high, int* value) {
 
 constexpr int kLargest = 8192; // width and height of a frame
 
-bool Size(const std::string& text, int* width, int* height) {
+bool localSize(const std::string& text, int* width, int* height) {
     const std::size_t x = text.find('x');
-    return x != std::string::npos && Whole(text.substr(0, x), 1, kLargest, width) &&
-           Whole(text.substr(x + 1), 1, kLargest, height);
+    return x != std::string::npos && localWhole(text.substr(0, x), 1, kLargest, width) &&
+           localWhole(text.substr(x + 1), 1, kLargest, height);
 }
 
 constexpr double kLongest = 24 * 3600; // a day of show
 
-bool Times(const std::string& text, std::vector<double>* times) {
+bool localTimes(const std::string& text, std::vector<double>* times) {
     for (std::size_t at = 0; at <= text.size();) {
         const std::size_t comma = std::min(text.find(',', at), text.size());
         double time = 0;
-        if (!Number(text.substr(at, comma - at), 0, kLongest, &time) ||
+        if (!localNumber(text.substr(at, comma - at), 0, kLongest, &time) ||
             (!times->empty() && time < times->back()))
             return false;
         times->push_back(time);
@@ -80,7 +80,7 @@ bool Times(const std::string& text, std::vector<double>* times) {
     return true;
 }
 
-bool Text(const std::string& text, std::string* value) {
+bool localText(const std::string& text, std::string* value) {
     *value = text;
     return !text.empty();
 }
@@ -94,19 +94,21 @@ bool ParseFilmOptions(const std::vector<std::string>& arguments, FilmOptions* op
         std::function<bool(const std::string&)> read;
     };
     const std::map<std::string, Option> valued = {
-        {"--frames", {"a folder", [&](auto& v) { return Text(v, &o.framesFolder); }}},
-        {"--sheet", {"a file", [&](auto& v) { return Text(v, &o.sheet); }}},
-        {"--video", {"a file", [&](auto& v) { return Text(v, &o.video); }}},
-        {"--columns", {"a number from 1 to 100", [&](auto& v) { return Whole(v, 1, 100, &o.columns); }}},
-        {"--at", {"rising seconds with commas, as in 0,2.5,8", [&](auto& v) { return Times(v, &o.times); }}},
-        {"--from", {"seconds", [&](auto& v) { return Number(v, 0, kLongest, &o.from); }}},
-        {"--to", {"seconds", [&](auto& v) { return Number(v, 0, kLongest, &o.to); }}},
-        {"--fps", {"a number from 1 to 240", [&](auto& v) { return Whole(v, 1, 240, &o.framesPerSecond); }}},
+        {"--frames", {"a folder", [&](auto& v) { return localText(v, &o.framesFolder); }}},
+        {"--sheet", {"a file", [&](auto& v) { return localText(v, &o.sheet); }}},
+        {"--video", {"a file", [&](auto& v) { return localText(v, &o.video); }}},
+        {"--columns", {"a number from 1 to 100", [&](auto& v) { return localWhole(v, 1, 100, &o.columns); }}},
+        {"--at",
+         {"rising seconds with commas, as in 0,2.5,8", [&](auto& v) { return localTimes(v, &o.times); }}},
+        {"--from", {"seconds", [&](auto& v) { return localNumber(v, 0, kLongest, &o.from); }}},
+        {"--to", {"seconds", [&](auto& v) { return localNumber(v, 0, kLongest, &o.to); }}},
+        {"--fps",
+         {"a number from 1 to 240", [&](auto& v) { return localWhole(v, 1, 240, &o.framesPerSecond); }}},
         {"--size",
          {"a size, as in 1920x1080, at most 8192x8192",
-          [&](auto& v) { return Size(v, &o.width, &o.height); }}},
-        {"--data", {"a folder", [&](auto& v) { return Text(v, &o.dataFolder); }}},
-        {"--desktop", {"a PNG file", [&](auto& v) { return Text(v, &o.desktop); }}},
+          [&](auto& v) { return localSize(v, &o.width, &o.height); }}},
+        {"--data", {"a folder", [&](auto& v) { return localText(v, &o.dataFolder); }}},
+        {"--desktop", {"a PNG file", [&](auto& v) { return localText(v, &o.desktop); }}},
     };
     const std::map<std::string, bool*> flags = {{"--preview", &o.preview},
                                                 {"--smooth", &o.smooth},

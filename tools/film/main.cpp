@@ -14,12 +14,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-int Fail(const std::string& message) {
+int localFail(const std::string& message) {
     std::fprintf(stderr, "tamb-film: %s\n", message.c_str());
     return 1;
 }
 
-std::vector<double> MomentsOf(const FilmOptions& options) {
+std::vector<double> localMomentsOf(const FilmOptions& options) {
     if (!options.times.empty())
         return options.times;
     std::vector<double> moments;
@@ -29,7 +29,7 @@ std::vector<double> MomentsOf(const FilmOptions& options) {
     return moments;
 }
 
-std::string FrameName(const FilmOptions& options, std::size_t number, double seconds) {
+std::string localFrameName(const FilmOptions& options, std::size_t number, double seconds) {
     char name[64];
     if (options.times.empty())
         std::snprintf(name, sizeof name, "frame-%05zu.png", number);
@@ -39,12 +39,12 @@ std::string FrameName(const FilmOptions& options, std::size_t number, double sec
 }
 
 // The scene makes the data folder current, so every name of the user's is resolved before it is built.
-void MakeAbsolute(std::string* name) {
+void localMakeAbsolute(std::string* name) {
     if (!name->empty())
         *name = fs::absolute(*name).string();
 }
 
-bool OpenShow(const FilmOptions& options, ShowDriver* driver, std::string* error) {
+bool localOpenShow(const FilmOptions& options, ShowDriver* driver, std::string* error) {
     ShowDriver::Settings settings;
     const int finer = options.smooth ? 2 : 1;
     settings.width = options.width * finer;
@@ -57,17 +57,17 @@ bool OpenShow(const FilmOptions& options, ShowDriver* driver, std::string* error
     return driver->Open(settings, error);
 }
 
-int Shoot(const FilmOptions& options) {
+int localShoot(const FilmOptions& options) {
     std::string error;
     Video video; // before the show: without ffmpeg there is nothing to wait for
     if (!options.video.empty() &&
         !video.Open(options.video, options.width, options.height, options.framesPerSecond, &error))
-        return Fail(error);
+        return localFail(error);
     ShowDriver driver;
-    if (!OpenShow(options, &driver, &error))
-        return Fail(error);
+    if (!localOpenShow(options, &driver, &error))
+        return localFail(error);
 
-    const std::vector<double> moments = MomentsOf(options);
+    const std::vector<double> moments = localMomentsOf(options);
     // A sheet of a whole film shows a bearable number of its frames.
     const std::size_t sheetStep = options.times.empty() ? std::max<std::size_t>(1, moments.size() / 48) : 1;
     ContactSheet sheet;
@@ -76,10 +76,11 @@ int Shoot(const FilmOptions& options) {
         Picture frame = driver.FrameAt(moments[i]);
         if (options.smooth)
             frame = Scaled(frame, options.width, options.height);
-        if ((!options.framesFolder.empty() && !WritePng(FrameName(options, i, moments[i]), frame, &error)) ||
+        if ((!options.framesFolder.empty() &&
+             !WritePng(localFrameName(options, i, moments[i]), frame, &error)) ||
             (!options.video.empty() && !video.Add(frame, &error))) {
             progress.Clear();
-            return Fail(error);
+            return localFail(error);
         }
         if (!options.sheet.empty() && i % sheetStep == 0)
             sheet.Add(frame, moments[i]);
@@ -87,8 +88,8 @@ int Shoot(const FilmOptions& options) {
     }
     progress.Clear();
     if (!options.sheet.empty() && !sheet.Write(options.sheet, options.columns, &error))
-        return Fail(error);
-    return options.video.empty() || video.Finish(&error) ? 0 : Fail(error);
+        return localFail(error);
+    return options.video.empty() || video.Finish(&error) ? 0 : localFail(error);
 }
 
 } // namespace
@@ -108,17 +109,17 @@ int main(int argc, char** argv) {
         options.dataFolder = ShowFolder();
     std::error_code failed;
     if (!fs::exists(fs::path(options.dataFolder) / "tamb.dat", failed))
-        return Fail("no tamb.dat in '" + options.dataFolder +
-                    "'; --data names the folder that holds the show's package");
+        return localFail("no tamb.dat in '" + options.dataFolder +
+                         "'; --data names the folder that holds the show's package");
     if (options.desktop.empty() && fs::exists(GeneratedDesktop(), failed))
         options.desktop = GeneratedDesktop();
     if (!options.framesFolder.empty() && !fs::is_directory(options.framesFolder, failed) &&
         !fs::create_directories(options.framesFolder, failed))
-        return Fail(options.framesFolder + ": " + failed.message());
+        return localFail(options.framesFolder + ": " + failed.message());
     for (std::string* name :
          {&options.dataFolder, &options.desktop, &options.framesFolder, &options.sheet, &options.video})
-        MakeAbsolute(name);
-    const int status = Shoot(options);
+        localMakeAbsolute(name);
+    const int status = localShoot(options);
     ReleaseFonts();
     return status;
 }

@@ -15,7 +15,7 @@ struct SurfaceDeleter {
 using Surface = std::unique_ptr<cairo_surface_t, SurfaceDeleter>;
 
 // Cairo's ARGB32 has alpha multiplied in; all our pictures are opaque frames, so alpha is simply set.
-Surface ToSurface(const Picture& picture) {
+Surface localToSurface(const Picture& picture) {
     Surface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, picture.width, picture.height));
     unsigned char* rows = cairo_image_surface_get_data(surface.get());
     if (rows == nullptr)
@@ -30,7 +30,7 @@ Surface ToSurface(const Picture& picture) {
     return surface;
 }
 
-Picture FromSurface(cairo_surface_t* surface) {
+Picture localFromSurface(cairo_surface_t* surface) {
     cairo_surface_flush(surface);
     Picture picture;
     picture.width = cairo_image_surface_get_width(surface);
@@ -48,7 +48,7 @@ Picture FromSurface(cairo_surface_t* surface) {
 }
 
 // Cairo takes what is no PNG for a lack of memory.
-bool IsPng(const std::string& file, std::string* error) {
+bool localIsPng(const std::string& file, std::string* error) {
     char start[8] = {};
     std::ifstream stream(file, std::ios::binary);
     if (!stream)
@@ -60,7 +60,7 @@ bool IsPng(const std::string& file, std::string* error) {
     return false;
 }
 
-Surface Painted(cairo_surface_t* source, int width, int height) {
+Surface localPainted(cairo_surface_t* source, int width, int height) {
     Surface target(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height));
     cairo_t* pen = cairo_create(target.get());
     cairo_scale(pen, static_cast<double>(width) / cairo_image_surface_get_width(source),
@@ -76,7 +76,7 @@ Surface Painted(cairo_surface_t* source, int width, int height) {
 } // namespace
 
 bool ReadPng(const std::string& file, Picture* picture, std::string* error) {
-    if (!IsPng(file, error))
+    if (!localIsPng(file, error))
         return false;
     const Surface surface(cairo_image_surface_create_from_png(file.c_str()));
     const cairo_status_t status = cairo_surface_status(surface.get());
@@ -85,14 +85,14 @@ bool ReadPng(const std::string& file, Picture* picture, std::string* error) {
         return false;
     }
     // Painting brings every PNG format to opaque 32-bit pixels.
-    *picture = FromSurface(Painted(surface.get(), cairo_image_surface_get_width(surface.get()),
-                                   cairo_image_surface_get_height(surface.get()))
-                               .get());
+    *picture = localFromSurface(localPainted(surface.get(), cairo_image_surface_get_width(surface.get()),
+                                             cairo_image_surface_get_height(surface.get()))
+                                    .get());
     return true;
 }
 
 bool WritePng(const std::string& file, const Picture& picture, std::string* error) {
-    const Surface surface = ToSurface(picture);
+    const Surface surface = localToSurface(picture);
     const cairo_status_t status = cairo_surface_write_to_png(surface.get(), file.c_str());
     if (status != CAIRO_STATUS_SUCCESS)
         *error = file + ": cannot be written: " + cairo_status_to_string(status);
@@ -102,5 +102,5 @@ bool WritePng(const std::string& file, const Picture& picture, std::string* erro
 Picture Scaled(const Picture& picture, int width, int height) {
     if (picture.Empty() || (picture.width == width && picture.height == height))
         return picture;
-    return FromSurface(Painted(ToSurface(picture).get(), width, height).get());
+    return localFromSurface(localPainted(localToSurface(picture).get(), width, height).get());
 }

@@ -20,7 +20,7 @@ constexpr double kFirstFrame = 1000;
 constexpr unsigned kSeed = 5;
 std::uint32_t showTicks = static_cast<std::uint32_t>(kFirstFrame * 1000);
 
-std::vector<unsigned char> ToBgrx(const Picture& picture) {
+std::vector<unsigned char> localToBgrx(const Picture& picture) {
     std::vector<unsigned char> bytes;
     bytes.reserve(picture.pixels.size() * 4);
     for (const std::uint32_t pixel : picture.pixels)
@@ -29,12 +29,12 @@ std::vector<unsigned char> ToBgrx(const Picture& picture) {
     return bytes;
 }
 
-Picture GreyDesktop(int width, int height) {
+Picture localGreyDesktop(int width, int height) {
     return {width, height, std::vector<std::uint32_t>(static_cast<std::size_t>(width) * height, 0xFF607080u)};
 }
 
 // Without a context, OpenGL answers nothing.
-bool CanDraw() {
+bool localCanDraw() {
     show::gr.SetAct(true);
     const bool can = glGetString(GL_VERSION) != nullptr;
     show::gr.SetAct(false);
@@ -42,7 +42,7 @@ bool CanDraw() {
 }
 
 // OpenGL's rows run upwards.
-Picture ReadFrame(int width, int height) {
+Picture localReadFrame(int width, int height) {
     Picture frame{width, height, std::vector<std::uint32_t>(static_cast<std::size_t>(width) * height)};
     glReadBuffer(GL_BACK);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
@@ -72,9 +72,9 @@ bool ShowDriver::Open(const Settings& settings, std::string* error) {
         return false;
     }
     const Picture desktop = settings.desktop.Empty()
-                                ? GreyDesktop(settings.width, settings.height)
+                                ? localGreyDesktop(settings.width, settings.height)
                                 : Scaled(settings.desktop, settings.width, settings.height);
-    OffscreenSetDesktop(ToBgrx(desktop).data(), settings.width, settings.height, settings.width * 4);
+    OffscreenSetDesktop(localToBgrx(desktop).data(), settings.width, settings.height, settings.width * 4);
     std::snprintf(orinPath, sizeof orinPath, "%s", settings.dataFolder.c_str());
     show::logsFile = ""; // a film leaves no trace in the show's folder
     showTicks = static_cast<std::uint32_t>(kFirstFrame * 1000);
@@ -82,7 +82,7 @@ bool ShowDriver::Open(const Settings& settings, std::string* error) {
     fxSeedRandom(kSeed);
     BuildScene(window, settings.preview);
     open_ = true;
-    if (!CanDraw()) {
+    if (!localCanDraw()) {
         Close();
         *error = "OpenGL cannot draw pictures of " + std::to_string(settings.width) + "x" +
                  std::to_string(settings.height) + " pixels";
@@ -127,7 +127,7 @@ Picture ShowDriver::FrameAt(double seconds) {
     RunTo(seconds);
     DrawAt(seconds, true);
     next_ = std::max(next_, seconds + settings_.step);
-    Picture frame = ReadFrame(settings_.width, settings_.height);
+    Picture frame = localReadFrame(settings_.width, settings_.height);
     show::gr.SetAct(false);
     return frame;
 }

@@ -16,13 +16,13 @@ namespace fs = std::filesystem;
 namespace {
 
 // "film.mp4" is written as "film.unfinished.mp4": ffmpeg chooses the format by the ending.
-std::string UnfinishedName(const std::string& file) {
+std::string localUnfinishedName(const std::string& file) {
     const fs::path path(file);
     return (path.parent_path() / (path.stem().string() + ".unfinished" + path.extension().string())).string();
 }
 
 // Its standard input is the pipe's end `in`. 0, or why it does not start.
-int Start(const std::vector<std::string>& line, int in, pid_t* process) {
+int localStart(const std::vector<std::string>& line, int in, pid_t* process) {
     std::vector<char*> words;
     words.reserve(line.size() + 1);
     for (const std::string& word : line)
@@ -48,7 +48,7 @@ Video::~Video() {
 
 bool Video::Open(const std::string& file, int width, int height, int framesPerSecond, std::string* error) {
     file_ = file;
-    unfinished_ = UnfinishedName(file);
+    unfinished_ = localUnfinishedName(file);
     signal(SIGPIPE, SIG_IGN); // an ffmpeg that goes away is a failed write
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) {
@@ -56,28 +56,28 @@ bool Video::Open(const std::string& file, int width, int height, int framesPerSe
         return false;
     }
     const std::string size = std::to_string(width) + "x" + std::to_string(height);
-    const int problem = Start({"ffmpeg",
-                               "-hide_banner",
-                               "-loglevel",
-                               "error",
-                               "-nostats",
-                               "-y",
-                               "-f",
-                               "rawvideo",
-                               "-pixel_format",
-                               "bgra",
-                               "-video_size",
-                               size,
-                               "-framerate",
-                               std::to_string(framesPerSecond),
-                               "-i",
-                               "-",
-                               "-vf",
-                               "pad=ceil(iw/2)*2:ceil(ih/2)*2", // what most kinds of video need
-                               "-pix_fmt",
-                               "yuv420p",
-                               "file:" + unfinished_},
-                              ends[0], &ffmpeg_);
+    const int problem = localStart({"ffmpeg",
+                                    "-hide_banner",
+                                    "-loglevel",
+                                    "error",
+                                    "-nostats",
+                                    "-y",
+                                    "-f",
+                                    "rawvideo",
+                                    "-pixel_format",
+                                    "bgra",
+                                    "-video_size",
+                                    size,
+                                    "-framerate",
+                                    std::to_string(framesPerSecond),
+                                    "-i",
+                                    "-",
+                                    "-vf",
+                                    "pad=ceil(iw/2)*2:ceil(ih/2)*2", // what most kinds of video need
+                                    "-pix_fmt",
+                                    "yuv420p",
+                                    "file:" + unfinished_},
+                                   ends[0], &ffmpeg_);
     close(ends[0]);
     pipe_ = ends[1];
     if (problem == 0)

@@ -62,7 +62,7 @@ examples:
   tamb-pack build show.toml tamb.dat --files art --names show_entries.h
 )";
 
-int Run(const Arguments& arguments) {
+int localRun(const Arguments& arguments) {
     Manifest manifest;
     Plan plan;
     MemoryPackage package;
@@ -80,4 +80,4 @@ int Run(const Arguments& arguments) {
 } // namespace
 
 const Command kBuildCommand = {
-    "build", "makes a package from a manifest and its files", kHelp, kOptions, 2, 2, Run};
+    "build", "makes a package from a manifest and its files", kHelp, kOptions, 2, 2, localRun};

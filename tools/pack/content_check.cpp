@@ -23,7 +23,7 @@ struct Signature {
 constexpr Signature kSignatures[] = {
     {kPng, "\x89PNG"}, {kJpeg, "\xFF\xD8\xFF"}, {kBmp, "BM"}, {kGif, "GIF8"}};
 
-const char* EndingOf(int type) {
+const char* localEndingOf(int type) {
     const PictureType* known = FindPictureType(type);
     return known != nullptr ? known->ending : "unknown";
 }
@@ -170,11 +170,11 @@ private:
             return;
         const int type = package_->GetDataType(id);
         const FXPackageData* data = package_->GetDataPtr(id);
-        std::string text = std::string("it cannot be decoded as ") + EndingOf(type);
+        std::string text = std::string("it cannot be decoded as ") + localEndingOf(type);
         for (const Signature& signature : kSignatures)
             if (signature.type != type && data->size >= static_cast<int>(signature.bytes.size()) &&
                 std::memcmp(data->start, signature.bytes.data(), signature.bytes.size()) == 0)
-                text += std::string(": its bytes begin as ") + EndingOf(signature.type) + "'s do";
+                text += std::string(": its bytes begin as ") + localEndingOf(signature.type) + "'s do";
         faults->Add(0, text);
     }
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-std::string ThePicture(FXPackage* package, int id) {
+std::string localThePicture(FXPackage* package, int id) {
     FXCanvas canvas;
     if (!fxDevilLoaded())
         return "";
@@ -20,7 +20,7 @@ std::string ThePicture(FXPackage* package, int id) {
     return Text("%d x %d, %s", canvas.GetWidth(), canvas.GetHeight(), canvas.opaque ? "RGB" : "RGBA");
 }
 
-std::string Shapes(const FXModel& model) {
+std::string localShapes(const FXModel& model) {
     int triangles = 0;
     for (const FXMesh* mesh : model.meshes)
         triangles += mesh->indexCount / 3;
@@ -29,20 +29,20 @@ std::string Shapes(const FXModel& model) {
            Counted(triangles, "triangle", "triangles");
 }
 
-std::string LibraryOf(const FXStr& name) {
+std::string localLibraryOf(const FXStr& name) {
     return name.IsEmpty() ? "no library" : std::string("library ") + name.text;
 }
 
-std::string TheModel(FXPackage* package, int id, int version) {
+std::string localTheModel(FXPackage* package, int id, int version) {
     FXModel model;
     model.LoadCN(package, id);
     model.UpdateMeshes();
     return Text("om%02d %s, %s, ", version, Quoted(model.name.text).c_str(),
-                LibraryOf(model.matlibName).c_str()) +
-           Shapes(model);
+                localLibraryOf(model.matlibName).c_str()) +
+           localShapes(model);
 }
 
-std::string TheAnimation(FXPackage* package, int id, int version) {
+std::string localTheAnimation(FXPackage* package, int id, int version) {
     FXAnim animation;
     animation.LoadCN(package, id);
     double seconds = 0;
@@ -58,11 +58,11 @@ std::string TheAnimation(FXPackage* package, int id, int version) {
     int corners = 0;
     for (const FXMesh* mesh : first->meshes)
         corners += mesh->indexCount;
-    return text + ", " + LibraryOf(first->matlibName) + ", " +
+    return text + ", " + localLibraryOf(first->matlibName) + ", " +
            Counted(first->meshes.count, "mesh", "meshes") + ", " + Counted(corners, "corner", "corners");
 }
 
-std::string TheLibrary(FXPackage* package, int id) {
+std::string localTheLibrary(FXPackage* package, int id) {
     FXMatlib library;
     library.LoadC(package, std::to_string(id).c_str());
     std::string text = Quoted(library.name.text);
@@ -80,7 +80,7 @@ Description Describe(FXPackage* package, int index, EntryKind kind) {
     const FXPackageData data = *package->cursors[index];
     const int id = package->ids[index];
     if (kind == EntryKind::Picture)
-        return {FindPictureType(package->types[index])->ending, ThePicture(package, id)};
+        return {FindPictureType(package->types[index])->ending, localThePicture(package, id)};
     Description description = {KindName(kind), ""};
     if (package->GetDataPtr(id) != package->cursors[index]) {
         description.contents = "cannot be reached: an entry before it has the same number";
@@ -90,11 +90,11 @@ Description Describe(FXPackage* package, int index, EntryKind kind) {
     EntryFacts facts;
     CheckEntry(kind, data, &faults, &facts);
     if (kind == EntryKind::Model)
-        description.contents = TheModel(package, id, facts.version);
+        description.contents = localTheModel(package, id, facts.version);
     else if (kind == EntryKind::Animation)
-        description.contents = TheAnimation(package, id, facts.version);
+        description.contents = localTheAnimation(package, id, facts.version);
     else if (kind == EntryKind::Library)
-        description.contents = TheLibrary(package, id);
+        description.contents = localTheLibrary(package, id);
     if (!faults.Good())
         description.contents = "damaged: " + description.contents;
     return description;

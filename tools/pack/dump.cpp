@@ -21,7 +21,7 @@ is wrong goes to the standard error output.
 
 constexpr int kBytesPerLine = 16;
 
-void PrintField(const Field& field) {
+void localPrintField(const Field& field) {
     for (int at = 0; at < field.size; at += kBytesPerLine) {
         std::string bytes;
         for (int i = at; i < std::min(at + kBytesPerLine, field.size); ++i)
@@ -34,22 +34,22 @@ void PrintField(const Field& field) {
     }
 }
 
-int Finish(const std::string& what, const Faults& faults) {
+int localFinish(const std::string& what, const Faults& faults) {
     for (const Fault& fault : faults.all)
         if (!fault.isWarning)
             return Fail(what + ": " + (fault.offset < 0 ? "" : Text("byte %d: ", fault.offset)) + fault.text);
     return kExitGood;
 }
 
-int DumpPackage(const std::string& file) {
+int localDumpPackage(const std::string& file) {
     Faults faults;
-    faults.onField = PrintField;
+    faults.onField = localPrintField;
     PackageFacts facts;
     CheckPackage(file, &faults, &facts);
-    return Finish(file, faults);
+    return localFinish(file, faults);
 }
 
-int DumpEntry(const std::string& file, const std::string& number) {
+int localDumpEntry(const std::string& file, const std::string& number) {
     const int id = EntryNumber(number);
     FXPackage package;
     if (id < 0)
@@ -62,19 +62,19 @@ int DumpEntry(const std::string& file, const std::string& number) {
     const FXPackageData data = *entry;
     const EntryKind kind = KindOf(package, id);
     Faults faults;
-    faults.onField = PrintField;
+    faults.onField = localPrintField;
     EntryFacts facts;
     CheckEntry(kind, data, &faults, &facts);
     if (kind == EntryKind::Picture || kind == EntryKind::Raw)
-        PrintField({0, data.start, data.size, ""});
-    return Finish("entry " + number, faults);
+        localPrintField({0, data.start, data.size, ""});
+    return localFinish("entry " + number, faults);
 }
 
-int Run(const Arguments& arguments) {
-    return arguments.words.size() == 1 ? DumpPackage(arguments.words[0])
-                                       : DumpEntry(arguments.words[0], arguments.words[1]);
+int localRun(const Arguments& arguments) {
+    return arguments.words.size() == 1 ? localDumpPackage(arguments.words[0])
+                                       : localDumpEntry(arguments.words[0], arguments.words[1]);
 }
 
 } // namespace
 
-const Command kDumpCommand = {"dump", "shows an entry's bytes, field by field", kHelp, {}, 1, 2, Run};
+const Command kDumpCommand = {"dump", "shows an entry's bytes, field by field", kHelp, {}, 1, 2, localRun};

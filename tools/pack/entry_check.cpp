@@ -8,19 +8,19 @@
 
 namespace {
 
-bool StartsWith(const FXPackageData& data, const char* magic) {
+bool localStartsWith(const FXPackageData& data, const char* magic) {
     return data.size >= 8 && data.start[0] == 4 && std::memcmp(data.start + 1, "\0\0\0", 3) == 0 &&
            std::memcmp(data.start + 4, magic, 4) == 0;
 }
 
-std::string Mesh(int i) {
+std::string localMesh(int i) {
     return "mesh " + std::to_string(i);
 }
 
 // A mesh takes this many bytes at least.
 constexpr int kMeshBytes = 28;
 
-bool ReadModelMeshes(RecordReader* reader, int count, EntryFacts* facts) {
+bool localReadModelMeshes(RecordReader* reader, int count, EntryFacts* facts) {
     MapCounts counts = {};
     if (facts->version == 3 && !ReadVectorMap(reader, "the vector map", &counts))
         return false;
@@ -28,10 +28,10 @@ bool ReadModelMeshes(RecordReader* reader, int count, EntryFacts* facts) {
         MeshFacts mesh;
         PoolNumbers numbers;
         const bool read = facts->version == 2
-                              ? ReadFullMesh(reader, Mesh(i), &mesh)
-                              : ReadPackedMesh(reader, Mesh(i), &mesh) &&
-                                    ReadPool(reader, Mesh(i), mesh, &numbers) &&
-                                    CheckNumbers(reader, Mesh(i), numbers, "the vector map", counts);
+                              ? ReadFullMesh(reader, localMesh(i), &mesh)
+                              : ReadPackedMesh(reader, localMesh(i), &mesh) &&
+                                    ReadPool(reader, localMesh(i), mesh, &numbers) &&
+                                    CheckNumbers(reader, localMesh(i), numbers, "the vector map", counts);
         facts->meshes.push_back(mesh);
         if (!read)
             return false;
@@ -39,7 +39,7 @@ bool ReadModelMeshes(RecordReader* reader, int count, EntryFacts* facts) {
     return true;
 }
 
-bool ReadGraph(RecordReader* reader) {
+bool localReadGraph(RecordReader* reader) {
     int number = 0;
     float tension = 0;
     std::vector<int> positions, values;
@@ -57,7 +57,7 @@ bool ReadGraph(RecordReader* reader) {
     return true;
 }
 
-bool ReadAnimationHead(RecordReader* reader, EntryFacts* facts) {
+bool localReadAnimationHead(RecordReader* reader, EntryFacts* facts) {
     int frames = 0;
     if (!reader->Count("key frames", 4, &frames))
         return false;
@@ -70,7 +70,7 @@ bool ReadAnimationHead(RecordReader* reader, EntryFacts* facts) {
     const int at = reader->Offset();
     std::vector<int> times;
     float parameter = 0;
-    if (!reader->Ints("time", "the animation", &times) || !ReadGraph(reader) ||
+    if (!reader->Ints("time", "the animation", &times) || !localReadGraph(reader) ||
         !reader->Float("the parameter", &parameter))
         return false;
     for (const char* flag : {"playing", "backwards", "loop", "ping-pong"})
@@ -81,7 +81,7 @@ bool ReadAnimationHead(RecordReader* reader, EntryFacts* facts) {
                                  times.size(), frames));
 }
 
-bool ReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
+bool localReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
     int meshes = 0;
     const int at = reader->Offset();
     if (!reader->Int("the number of meshes", &meshes) || !reader->String("the library", &facts->library))
@@ -95,7 +95,7 @@ bool ReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
     std::vector<PoolNumbers> numbers(facts->meshes.size());
     for (int i = 0; i < meshes; ++i) {
         MeshFacts& mesh = facts->meshes[static_cast<std::size_t>(i)];
-        if (!ReadPackedMesh(reader, Mesh(i), &mesh))
+        if (!ReadPackedMesh(reader, localMesh(i), &mesh))
             return false;
         budget.TakeMesh(std::min(mesh.vertices, mesh.corners), mesh.corners);
     }
@@ -103,7 +103,7 @@ bool ReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
         return reader->Fail(at, RefusalText("its meshes", budget));
     for (int i = 0; i < meshes; ++i) {
         const auto m = static_cast<std::size_t>(i);
-        if (!ReadPool(reader, Mesh(i), facts->meshes[m], &numbers[m]))
+        if (!ReadPool(reader, localMesh(i), facts->meshes[m], &numbers[m]))
             return false;
     }
     for (std::size_t f = 0; f < facts->frames.size(); ++f) {
@@ -112,7 +112,7 @@ bool ReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
         if (!ReadVectorMap(reader, map, &counts))
             return false;
         for (int i = 0; i < meshes; ++i)
-            if (!CheckNumbers(reader, Mesh(i), numbers[static_cast<std::size_t>(i)], map, counts))
+            if (!CheckNumbers(reader, localMesh(i), numbers[static_cast<std::size_t>(i)], map, counts))
                 return false;
     }
     return true;
@@ -132,17 +132,18 @@ void CheckModel(const FXPackageData& data, Faults* faults, EntryFacts* facts) {
     }
     facts->version = magic == "om02" ? 2 : 3;
     if (reader.String("the name", &facts->name) && reader.String("the library", &facts->library) &&
-        reader.Count("meshes", kMeshBytes, &count) && ReadModelMeshes(&reader, count, facts))
+        reader.Count("meshes", kMeshBytes, &count) && localReadModelMeshes(&reader, count, facts))
         reader.End();
 }
 
 void CheckAnimation(const FXPackageData& data, Faults* faults, EntryFacts* facts) {
     RecordReader reader(data, faults);
-    facts->version = StartsWith(data, "oa03") ? 3 : 2;
+    facts->version = localStartsWith(data, "oa03") ? 3 : 2;
     std::string magic;
     if (facts->version == 3)
         reader.String("the magic word", &magic);
-    if (ReadAnimationHead(&reader, facts) && (facts->version == 2 || ReadAnimationMeshes(&reader, facts)))
+    if (localReadAnimationHead(&reader, facts) &&
+        (facts->version == 2 || localReadAnimationMeshes(&reader, facts)))
         reader.End();
 }
 
@@ -198,9 +199,9 @@ std::string RefusalText(const std::string& what, const FXLoadBudget& budget) {
 std::optional<EntryKind> KindByMark(const FXPackageData& data, int type) {
     if (FindPictureType(type) != nullptr)
         return EntryKind::Picture;
-    if (StartsWith(data, "om02") || StartsWith(data, "om03"))
+    if (localStartsWith(data, "om02") || localStartsWith(data, "om03"))
         return EntryKind::Model;
-    if (StartsWith(data, "oa03"))
+    if (localStartsWith(data, "oa03"))
         return EntryKind::Animation;
     return std::nullopt;
 }

@@ -8,7 +8,7 @@ namespace {
 constexpr PictureType kPictureTypes[] = {{"jpg", kJpeg}, {"png", kPng}, {"tga", kTga},
                                          {"bmp", kBmp},  {"gif", kGif}, {"jpeg", kJpeg}};
 
-template <class Test> const PictureType* Find(Test test) {
+template <class Test> const PictureType* localFind(Test test) {
     const auto* found = std::ranges::find_if(kPictureTypes, test);
     return found == std::end(kPictureTypes) ? nullptr : found;
 }
@@ -21,10 +21,11 @@ const char* KindName(EntryKind kind) {
 }
 
 const PictureType* FindPictureType(int type) {
-    return Find([&](const PictureType& t) { return t.type == type; });
+    return localFind([&](const PictureType& t) { return t.type == type; });
 }
 
 const PictureType* FindPictureEnding(const std::string& file) {
     const FXStr ending(std::filesystem::path(file).extension().string().c_str());
-    return Find([&](const PictureType& t) { return ending.iCompare(("." + std::string(t.ending)).c_str()); });
+    return localFind(
+        [&](const PictureType& t) { return ending.iCompare(("." + std::string(t.ending)).c_str()); });
 }

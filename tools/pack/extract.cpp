@@ -35,7 +35,7 @@ examples:
   tamb-pack extract tamb.dat 18 space.png
 )";
 
-int One(FXPackage* package, const Arguments& arguments) {
+int localOne(FXPackage* package, const Arguments& arguments) {
     const std::string& number = arguments.words[1];
     int id = -1;
     const auto end = number.data() + number.size();
@@ -49,7 +49,7 @@ int One(FXPackage* package, const Arguments& arguments) {
     return kExitGood;
 }
 
-int All(FXPackage* package, bool isScrambled, const Arguments& arguments) {
+int localAll(FXPackage* package, bool isScrambled, const Arguments& arguments) {
     const fs::path folder = arguments.words[1];
     std::error_code failed;
     fs::create_directories(folder, failed);
@@ -76,19 +76,20 @@ int All(FXPackage* package, bool isScrambled, const Arguments& arguments) {
     return all.warnings.empty() ? kExitGood : kExitFault;
 }
 
-int Run(const Arguments& arguments) {
+int localRun(const Arguments& arguments) {
     const std::string& file = arguments.words[0];
     FXPackage package;
     if (!package.Load(file.c_str()))
         return Fail(file + ": is not a package, or cannot be read (tamb-pack verify says why)");
     if (arguments.words.size() == 3)
-        return One(&package, arguments);
+        return localOne(&package, arguments);
     if (OverlapsTooMuch(package))
         return Fail(file + ": its entries lie over each other (tamb-pack verify says where)");
-    return All(&package, IsScrambled(file), arguments);
+    return localAll(&package, IsScrambled(file), arguments);
 }
 
 } // namespace
 
 const Command kExtractCommand = {
-    "extract", "takes entries out, and writes the manifest that puts them back", kHelp, kOptions, 2, 3, Run};
+    "extract", "takes entries out, and writes the manifest that puts them back", kHelp, kOptions, 2, 3,
+    localRun};

@@ -15,7 +15,7 @@
 
 namespace {
 
-std::string BytesOf(const FXPackageData& data) {
+std::string localBytesOf(const FXPackageData& data) {
     return {reinterpret_cast<const char*>(data.start), static_cast<std::size_t>(data.size)};
 }
 
@@ -102,7 +102,7 @@ private:
         std::string name = FileName(id, kind);
         if (asWavefront_ && (kind == EntryKind::Model || kind == EntryKind::Library))
             name = std::to_string(id) + (kind == EntryKind::Model ? ".om" : ".lib");
-        Add(name, BytesOf(data));
+        Add(name, localBytesOf(data));
         result_.manifest +=
             std::string(kind == EntryKind::Picture ? "picture" : "raw") + " = " + Quoted(name) + "\n";
         if (kind != EntryKind::Picture && type != kRaw)
@@ -211,7 +211,7 @@ bool ExtractOne(FXPackage* package, int id, bool asWavefront, std::string* bytes
         return false;
     }
     const FXPackageData data = *found;
-    *bytes = BytesOf(data);
+    *bytes = localBytesOf(data);
     if (!asWavefront)
         return true;
     const EntryKind kind = KindOf(*package, id);

@@ -29,7 +29,7 @@ The first line names the columns; the first three have no blanks in them. What a
 keep to itself is marked as damaged; tamb-pack verify says more.
 )";
 
-int Run(const Arguments& arguments) {
+int localRun(const Arguments& arguments) {
     FXPackage package;
     if (!package.Load(arguments.words[0].c_str()))
         return Fail(arguments.words[0] + ": is not a package, or cannot be read (tamb-pack verify says why)");
@@ -64,4 +64,4 @@ int Run(const Arguments& arguments) {
 
 } // namespace
 
-const Command kListCommand = {"list", "shows what is in a package", kHelp, kOptions, 1, 1, Run};
+const Command kListCommand = {"list", "shows what is in a package", kHelp, kOptions, 1, 1, localRun};

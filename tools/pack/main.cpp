@@ -9,7 +9,7 @@ namespace {
 const Command* const kCommands[] = {&kListCommand,  &kVerifyCommand, &kExtractCommand,
                                     &kBuildCommand, &kNamesCommand,  &kDumpCommand};
 
-void PrintHelp() {
+void localPrintHelp() {
     std::puts("tamb-pack: builds packages for the show, looks into them, and takes them apart.\n\n"
               "usage: tamb-pack COMMAND ...\n");
     for (const Command* command : kCommands)
@@ -19,7 +19,7 @@ void PrintHelp() {
               "How to make a show of your own: docs/making-a-show.md; the formats: docs/formats.md.");
 }
 
-bool IsHelp(const std::string& word) {
+bool localIsHelp(const std::string& word) {
     return word == "--help" || word == "-h";
 }
 
@@ -30,8 +30,8 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN); // a file that may grow no more is a failed write
 #endif
     const std::vector<std::string> line(argv + 1, argv + argc);
-    if (line.empty() || IsHelp(line[0])) {
-        PrintHelp();
+    if (line.empty() || localIsHelp(line[0])) {
+        localPrintHelp();
         return line.empty() ? kExitUsage : kExitGood;
     }
     const auto* found = std::ranges::find_if(kCommands, [&](const Command* c) { return line[0] == c->name; });
@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
     }
     const Command& command = **found;
     const std::span rest(line.begin() + 1, line.end());
-    if (std::ranges::any_of(rest, IsHelp)) {
+    if (std::ranges::any_of(rest, localIsHelp)) {
         std::printf("tamb-pack %s: %s\n\n%s", command.name, command.summary, command.help);
         return kExitGood;
     }

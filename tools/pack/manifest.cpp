@@ -16,7 +16,7 @@ constexpr std::pair<const char*, EntryKind> kKindKeys[] = {
     {"raw", EntryKind::Raw}};
 
 // The entry that holds something may name another one.
-bool TakeReference(const toml::node& node, EntryReference* reference) {
+bool localTakeReference(const toml::node& node, EntryReference* reference) {
     if (const auto id = node.value_exact<std::int64_t>(); id && *id >= 0 && *id <= INT32_MAX)
         reference->id = static_cast<int>(*id);
     else if (const auto name = node.value_exact<std::string>())
@@ -24,13 +24,13 @@ bool TakeReference(const toml::node& node, EntryReference* reference) {
     return reference->Given();
 }
 
-void ReadReference(TomlTable* table, const char* key, EntryReference* reference) {
+void localReadReference(TomlTable* table, const char* key, EntryReference* reference) {
     const toml::node* node = table->Take(key);
-    if (node != nullptr && !TakeReference(*node, reference))
+    if (node != nullptr && !localTakeReference(*node, reference))
         table->Fail(*node, std::string(key) + " must be another entry's number or name");
 }
 
-bool ReadDrawClass(const toml::node& node, int* value) {
+bool localReadDrawClass(const toml::node& node, int* value) {
     const auto number = node.value_exact<std::int64_t>();
     if (!number || *number < 0 || *number > 2)
         return false;
@@ -39,7 +39,7 @@ bool ReadDrawClass(const toml::node& node, int* value) {
 }
 
 // A number for all meshes, or a table by material.
-void ReadDraw(TomlTable* table, std::map<std::string, int>* draw) {
+void localReadDraw(TomlTable* table, std::map<std::string, int>* draw) {
     constexpr const char* kWanted =
         "draw must be 0 (opaque), 1 (in two passes) or 2 (without depth first), or a "
         "table of these by material";
@@ -47,15 +47,15 @@ void ReadDraw(TomlTable* table, std::map<std::string, int>* draw) {
     if (node == nullptr)
         return;
     const toml::table* byMaterial = node->as_table();
-    if (byMaterial == nullptr && !ReadDrawClass(*node, &(*draw)[""]))
+    if (byMaterial == nullptr && !localReadDrawClass(*node, &(*draw)[""]))
         return table->Fail(*node, kWanted);
     if (byMaterial != nullptr)
         for (const auto& [material, value] : *byMaterial)
-            if (!ReadDrawClass(value, &(*draw)[std::string(material.str())]))
+            if (!localReadDrawClass(value, &(*draw)[std::string(material.str())]))
                 return table->Fail(value, kWanted);
 }
 
-void ReadFrames(TomlTable* table, const toml::node& node, AnimationSettings* animation) {
+void localReadFrames(TomlTable* table, const toml::node& node, AnimationSettings* animation) {
     const toml::array* frames = node.as_array();
     if (frames == nullptr || frames->empty())
         return table->Fail(
@@ -64,14 +64,14 @@ void ReadFrames(TomlTable* table, const toml::node& node, AnimationSettings* ani
         return table->Read("animation", &animation->frameFiles);
     for (const toml::node& frame : *frames) {
         EntryReference reference;
-        if (!frame.is_integer() || !TakeReference(frame, &reference))
+        if (!frame.is_integer() || !localTakeReference(frame, &reference))
             return table->Fail(frame, "animation must be OBJ files alone, or models' numbers alone");
         animation->frameEntries.push_back(reference);
     }
 }
 
 // One time serves for all key frames.
-void ReadTimes(TomlTable* table, std::size_t frames, std::vector<int>* times) {
+void localReadTimes(TomlTable* table, std::size_t frames, std::vector<int>* times) {
     const toml::node* node = table->Take("times");
     if (node != nullptr && node->is_array()) {
         table->Read("times", times);
@@ -84,8 +84,8 @@ void ReadTimes(TomlTable* table, std::size_t frames, std::vector<int>* times) {
     times->assign(frames, all);
 }
 
-void ReadGraph(TomlTable* table, const std::string& file, std::string* problem,
-               AnimationSettings* animation) {
+void localReadGraph(TomlTable* table, const std::string& file, std::string* problem,
+                    AnimationSettings* animation) {
     const toml::node* node = table->Take("graph");
     if (node == nullptr)
         return;
@@ -182,8 +182,8 @@ private:
     }
 
     void ReadLooks() {
-        ReadReference(&table_, "library", &entry_.library);
-        ReadDraw(&table_, &entry_.draw);
+        localReadReference(&table_, "library", &entry_.library);
+        localReadDraw(&table_, &entry_.draw);
     }
 
     void ReadType() {
@@ -206,18 +206,18 @@ private:
 
     void ReadAnimation() {
         AnimationSettings& a = entry_.animation;
-        ReadFrames(&table_, *table_.Take("animation"), &a);
+        localReadFrames(&table_, *table_.Take("animation"), &a);
         for (std::string& file : a.frameFiles)
             file = Path(file);
         const std::size_t frames = a.frameFiles.size() + a.frameEntries.size();
-        ReadTimes(&table_, frames, &a.times);
+        localReadTimes(&table_, frames, &a.times);
         for (const auto& [key, flag] : {std::pair{"playing", &a.playing},
                                         {"backwards", &a.backwards},
                                         {"loop", &a.loop},
                                         {"ping_pong", &a.pingPong}})
             table_.Read(key, flag);
         table_.Read("parameter", &a.parameter);
-        ReadGraph(&table_, manifest_.file, problem_, &a);
+        localReadGraph(&table_, manifest_.file, problem_, &a);
         if (!a.frameEntries.empty())
             return;
         table_.Read("frame_names", &a.frameNames);
@@ -260,7 +260,7 @@ private:
     ManifestEntry entry_;
 };
 
-void CheckNumbers(const Manifest& manifest, std::string* error) {
+void localCheckNumbers(const Manifest& manifest, std::string* error) {
     std::map<std::string, int> seen; // number or name: line
     for (const ManifestEntry& entry : manifest.entries) {
         const std::string key =
@@ -298,6 +298,6 @@ bool ReadManifest(const std::string& file, const std::string& folder, Manifest* 
                 manifest->entries.push_back(EntryReader(*entry.as_table(), *manifest, error).Read());
     }
     top.Finish();
-    CheckNumbers(*manifest, error);
+    localCheckNumbers(*manifest, error);
     return error->empty();
 }

@@ -21,7 +21,7 @@ struct Numbers {
 constexpr Numbers kNumbers[] = {{"Ka", 3}, {"Kd", 3}, {"Ks", 3}, {"Ke", 3}, {"Ns", 1}, {"d", 1}, {"Tr", 1}};
 
 // The first line that is not as it should be; empty when all are.
-std::string FaultOf(const std::string& file, const std::string& text) {
+std::string localFaultOf(const std::string& file, const std::string& text) {
     std::string fault;
     bool hasMaterial = false;
     fxForEachLine(text, [&](const FXWavefrontLine& line) {
@@ -40,7 +40,7 @@ std::string FaultOf(const std::string& file, const std::string& text) {
     return fault.empty() && !hasMaterial ? file + ": there is no material (newmtl) in it" : fault;
 }
 
-void SetColor(const tinyobj::real_t* from, float alpha, float* color) {
+void localSetColor(const tinyobj::real_t* from, float alpha, float* color) {
     for (int i = 0; i < 3; ++i)
         color[i] = static_cast<float>(from[i]);
     color[3] = alpha;
@@ -52,7 +52,7 @@ bool ReadMtl(const std::string& file, FXMatlib* library, std::string* error) {
     std::string text;
     if (!ReadWhole(file, &text, error))
         return false;
-    *error = FaultOf(file, text);
+    *error = localFaultOf(file, text);
     if (!error->empty())
         return false;
     std::map<std::string, int> numbers;
@@ -66,10 +66,10 @@ bool ReadMtl(const std::string& file, FXMatlib* library, std::string* error) {
         library->AddMaterial(material);
         material->name.Set(fxTrimmed(read.name).c_str());
         material->texRef.Set(read.diffuse_texname.c_str());
-        SetColor(read.ambient, 0, material->ambient);
-        SetColor(read.diffuse, static_cast<float>(read.dissolve), material->diffuse);
-        SetColor(read.specular, 0, material->specular);
-        SetColor(read.emission, 0, material->emission);
+        localSetColor(read.ambient, 0, material->ambient);
+        localSetColor(read.diffuse, static_cast<float>(read.dissolve), material->diffuse);
+        localSetColor(read.specular, 0, material->specular);
+        localSetColor(read.emission, 0, material->emission);
         material->shininess = static_cast<float>(std::clamp(read.shininess, 0.0, kMostShininess));
     }
     return error->empty();

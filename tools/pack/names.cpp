@@ -23,7 +23,7 @@ The name is the last part of a path, in capitals, with . \ / blank + - ( ) [ ] a
 Without HEADER it goes to the standard output.
 )";
 
-int Run(const Arguments& arguments) {
+int localRun(const Arguments& arguments) {
     Manifest manifest;
     Plan plan;
     std::string error, text;
@@ -40,4 +40,4 @@ int Run(const Arguments& arguments) {
 } // namespace
 
 const Command kNamesCommand = {
-    "names", "writes a C header with the numbers of named entries", kHelp, kOptions, 1, 2, Run};
+    "names", "writes a C header with the numbers of named entries", kHelp, kOptions, 1, 2, localRun};

@@ -23,7 +23,7 @@ private:
     std::unordered_map<std::string, int> numbers_;
 };
 
-std::string TexLine(const FXMesh& mesh, const float* tex) {
+std::string localTexLine(const FXMesh& mesh, const float* tex) {
     const double u = mesh.loadedU > 0 ? static_cast<double>(mesh.loadedU) : 1;
     const double v = mesh.loadedV > 0 ? static_cast<double>(mesh.loadedV) : 1;
     return "vt " + NumberText(static_cast<double>(tex[0]) / u) + " " +
@@ -39,8 +39,9 @@ std::string ObjText(const FXModel& model, const std::string& mtlFile) {
         faces += std::string("usemtl ") + mesh->materialName.text + "\n";
         for (int i = 0; i < mesh->indexCount; ++i) {
             const tagFXVertex& v = mesh->vertices[mesh->indices[i]];
-            faces += Text("%s%d/%d/%d", i % 3 == 0 ? "f " : " ", positions.Number(Line3("v", v.pos)),
-                          texCoords.Number(TexLine(*mesh, v.tex)), normals.Number(Line3("vn", v.normal)));
+            faces +=
+                Text("%s%d/%d/%d", i % 3 == 0 ? "f " : " ", positions.Number(Line3("v", v.pos)),
+                     texCoords.Number(localTexLine(*mesh, v.tex)), normals.Number(Line3("vn", v.normal)));
             if (i % 3 == 2)
                 faces += "\n";
         }

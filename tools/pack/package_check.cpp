@@ -17,7 +17,7 @@ struct Tables {
     int sizesAt = 0;
 };
 
-bool ReadTables(RecordReader* reader, Tables* tables) {
+bool localReadTables(RecordReader* reader, Tables* tables) {
     if (!reader->Ints("id", "the package", &tables->ids))
         return false;
     tables->offsetsAt = reader->Offset() + 4;
@@ -35,7 +35,7 @@ bool ReadTables(RecordReader* reader, Tables* tables) {
                                  tables->offsets.size(), tables->sizes.size(), tables->types.size()));
 }
 
-void CheckIds(const Tables& tables, Faults* faults) {
+void localCheckIds(const Tables& tables, Faults* faults) {
     std::map<int, std::size_t> seen;
     for (std::size_t i = 0; i < tables.ids.size(); ++i) {
         const int id = tables.ids[i];
@@ -56,7 +56,7 @@ void CheckIds(const Tables& tables, Faults* faults) {
 }
 
 // The numbers of the entries that do not lie in the data block.
-std::vector<int> CheckBounds(const Tables& tables, int dataSize, Faults* faults) {
+std::vector<int> localCheckBounds(const Tables& tables, int dataSize, Faults* faults) {
     std::vector<int> misplaced;
     for (std::size_t i = 0; i < tables.ids.size(); ++i) {
         const std::int64_t offset = tables.offsets[i], size = tables.sizes[i];
@@ -76,7 +76,7 @@ std::vector<int> CheckBounds(const Tables& tables, int dataSize, Faults* faults)
     return misplaced;
 }
 
-void CheckOverlaps(const Tables& tables, int dataSize, Faults* faults) {
+void localCheckOverlaps(const Tables& tables, int dataSize, Faults* faults) {
     std::vector<std::size_t> order(tables.ids.size());
     std::iota(order.begin(), order.end(), 0);
     std::ranges::stable_sort(order, {}, [&](std::size_t i) { return tables.offsets[i]; });
@@ -100,7 +100,7 @@ void CheckOverlaps(const Tables& tables, int dataSize, Faults* faults) {
                      " to no entry");
 }
 
-bool SaysScrambled(const FXStr& header) {
+bool localSaysScrambled(const FXStr& header) {
     return std::string(header.text).find('s', 5) != std::string::npos;
 }
 
@@ -124,8 +124,8 @@ bool CheckPackage(const std::string& file, Faults* faults, PackageFacts* facts) 
     if (!header.Compare("pck01") && !header.Compare("pck01s"))
         faults->Warn(4, "its header is '" + std::string(header.text) +
                             "', neither pck01 nor pck01s: the show reads it as " +
-                            (SaysScrambled(header) ? "pck01s" : "pck01"));
-    facts->isScrambled = SaysScrambled(header);
+                            (localSaysScrambled(header) ? "pck01s" : "pck01"));
+    facts->isScrambled = localSaysScrambled(header);
     if (facts->isScrambled && faults->onField)
         faults->onField({block.data.size - block.data.left, block.data.cur, block.data.left,
                          "the body, scrambled; in order:"});
@@ -137,16 +137,16 @@ bool CheckPackage(const std::string& file, Faults* faults, PackageFacts* facts) 
     data.InitData(body, size);
     RecordReader reader(data, faults, facts->isScrambled ? 0 : block.data.size - size);
     Tables tables;
-    if (!ReadTables(&reader, &tables))
+    if (!localReadTables(&reader, &tables))
         return false;
     facts->entries = static_cast<int>(tables.ids.size());
     const int dataSize = reader.Left();
     reader.Skip(dataSize);
     reader.Tell(dataSize, "the data block");
-    CheckIds(tables, faults);
-    facts->misplaced = CheckBounds(tables, dataSize, faults);
+    localCheckIds(tables, faults);
+    facts->misplaced = localCheckBounds(tables, dataSize, faults);
     if (facts->misplaced.empty())
-        CheckOverlaps(tables, dataSize, faults);
+        localCheckOverlaps(tables, dataSize, faults);
     return true;
 }
 
@@ -161,5 +161,5 @@ bool OverlapsTooMuch(const FXPackage& package) {
 bool IsScrambled(const std::string& file) {
     const FXFile opened = fxOpenFile(file.c_str(), "rb");
     FXStr header;
-    return opened && header.Load(opened.get()) && SaysScrambled(header);
+    return opened && header.Load(opened.get()) && localSaysScrambled(header);
 }

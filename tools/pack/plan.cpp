@@ -15,7 +15,7 @@ namespace {
 // Numbers that the show asks for are never given to an entry that only has a name.
 constexpr int kFirstFreeId = 100;
 
-std::string Beside(const std::string& file, const std::string& name) {
+std::string localBeside(const std::string& file, const std::string& name) {
     return (fs::path(file).parent_path() / name).lexically_normal().string();
 }
 
@@ -130,7 +130,7 @@ private:
                  file +
                      ": it names several MTL files, but a model has one library: choose it with library =");
         else if (!obj.libraries.empty())
-            id = EntryOf(EntryKind::Library, Beside(file, obj.libraries.front()), entry);
+            id = EntryOf(EntryKind::Library, localBeside(file, obj.libraries.front()), entry);
         plan_.entries[i].libraryId = id;
     }
 
@@ -144,7 +144,7 @@ private:
         for (FXMaterial* material : library->materials) {
             if (material->texRef.IsEmpty())
                 continue;
-            const std::string picture = Beside(entry.file, material->texRef.text);
+            const std::string picture = localBeside(entry.file, material->texRef.text);
             std::error_code failed;
             if (!fs::exists(picture, failed))
                 return Fail(entry, entry.file + ": the picture of material " + material->name.text +

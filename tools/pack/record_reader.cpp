@@ -7,7 +7,7 @@
 
 namespace {
 
-std::string FloatsBefore(const unsigned char* end, int count) {
+std::string localFloatsBefore(const unsigned char* end, int count) {
     std::string text;
     for (int i = count; i > 0; --i) {
         float value = 0;
@@ -143,7 +143,7 @@ bool RecordReader::Floats(const std::string& what, int count) {
     if (!Need(what, 4 * count) || !FiniteFloats(what, count))
         return false;
     if (faults_->onField)
-        Tell(4 * count, what + ":" + FloatsBefore(data_.cur, count));
+        Tell(4 * count, what + ":" + localFloatsBefore(data_.cur, count));
     return true;
 }
 

@@ -13,7 +13,7 @@ constexpr int kVertexBytes = sizeof(tagFXVertex);
 constexpr int kDrawnFloats = 12; // position, normal, texture coordinate, colour
 constexpr const char* kKinds[] = {"position", "normal", "texture coordinate"};
 
-bool ReadHead(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
+bool localReadHead(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
     float extent = 0;
     int draw = 0, color = 0;
     if (!reader->String("the material of " + which, &mesh->material) ||
@@ -33,7 +33,7 @@ bool ReadHead(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
                                      which.c_str(), color));
 }
 
-bool WholeTriangles(RecordReader* reader, int at, const std::string& which, int corners) {
+bool localWholeTriangles(RecordReader* reader, int at, const std::string& which, int corners) {
     if (corners < 0)
         return reader->Fail(at, Text("the number of corners of %s is %d", which.c_str(), corners));
     if (corners % 3 != 0)
@@ -42,7 +42,7 @@ bool WholeTriangles(RecordReader* reader, int at, const std::string& which, int 
     return true;
 }
 
-bool ReadVertices(RecordReader* reader, const std::string& which, int count) {
+bool localReadVertices(RecordReader* reader, const std::string& which, int count) {
     for (int i = 0; i < count; ++i) {
         const std::string of = Text(" of vertex %d of %s", i, which.c_str());
         if (!reader->Floats("position" + of, 3) || !reader->Floats("normal" + of, 3) ||
@@ -57,7 +57,7 @@ bool ReadVertices(RecordReader* reader, const std::string& which, int count) {
 using Triple = std::array<int, 3>;
 
 // The next corner's numbers.
-bool ReadCorner(RecordReader* pool, const std::string& what, Triple* last) {
+bool localReadCorner(RecordReader* pool, const std::string& what, Triple* last) {
     FXPackageData flags;
     if (!pool->Bytes(what, 1, &flags))
         return false;
@@ -84,12 +84,13 @@ bool ReadCorner(RecordReader* pool, const std::string& what, Triple* last) {
     return true;
 }
 
-bool ReadCorners(RecordReader* pool, const std::string& which, const MeshFacts& mesh, PoolNumbers* numbers) {
+bool localReadCorners(RecordReader* pool, const std::string& which, const MeshFacts& mesh,
+                      PoolNumbers* numbers) {
     Triple triple = {-1, -1, -1};
     std::set<Triple> distinct;
     for (int corner = 0; corner < mesh.corners; ++corner) {
         const int at = pool->Offset();
-        if (!ReadCorner(pool, Text("corner %d of %s", corner, which.c_str()), &triple))
+        if (!localReadCorner(pool, Text("corner %d of %s", corner, which.c_str()), &triple))
             return false;
         for (std::size_t kind = 0; kind < 3; ++kind)
             if (triple[kind] > numbers->highest[kind]) {
@@ -114,9 +115,9 @@ bool ReadCorners(RecordReader* pool, const std::string& which, const MeshFacts& 
 } // namespace
 
 bool ReadFullMesh(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
-    if (!ReadHead(reader, which, mesh) ||
+    if (!localReadHead(reader, which, mesh) ||
         !reader->Count("vertices of " + which, kVertexBytes, &mesh->vertices) ||
-        !ReadVertices(reader, which, mesh->vertices))
+        !localReadVertices(reader, which, mesh->vertices))
         return false;
     std::vector<int> indices;
     const int countAt = reader->Offset();
@@ -129,11 +130,11 @@ bool ReadFullMesh(RecordReader* reader, const std::string& which, MeshFacts* mes
         return reader->Fail(countAt + 4 + 4 * corner, Text("corner %d of %s is vertex %d, but there are %d",
                                                            corner, which.c_str(), *wrong, mesh->vertices));
     }
-    return WholeTriangles(reader, countAt, which, mesh->corners);
+    return localWholeTriangles(reader, countAt, which, mesh->corners);
 }
 
 bool ReadPackedMesh(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
-    if (!ReadHead(reader, which, mesh))
+    if (!localReadHead(reader, which, mesh))
         return false;
     const int at = reader->Offset();
     if (!reader->Int("the number of vertices of " + which, &mesh->vertices) ||
@@ -146,7 +147,7 @@ bool ReadPackedMesh(RecordReader* reader, const std::string& which, MeshFacts* m
                               mesh->corners));
         mesh->corners = 0;
     }
-    return WholeTriangles(reader, at + 4, which, mesh->corners);
+    return localWholeTriangles(reader, at + 4, which, mesh->corners);
 }
 
 bool ReadPool(RecordReader* reader, const std::string& which, const MeshFacts& mesh, PoolNumbers* numbers) {
@@ -157,7 +158,7 @@ bool ReadPool(RecordReader* reader, const std::string& which, const MeshFacts& m
     const int start = reader->Offset();
     return reader->Bytes("the pool of " + which, size, &block) &&
            reader->Inside(block, start,
-                          [&](RecordReader* pool) { return ReadCorners(pool, which, mesh, numbers); });
+                          [&](RecordReader* pool) { return localReadCorners(pool, which, mesh, numbers); });
 }
 
 bool ReadVectorMap(RecordReader* reader, const std::string& which, MapCounts* counts) {

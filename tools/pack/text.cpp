@@ -11,7 +11,7 @@
 
 namespace {
 
-template <class T> std::string ShortestText(T value) {
+template <class T> std::string localShortestText(T value) {
     std::array<char, 64> text;
     const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
     return {text.data(), end};
@@ -32,10 +32,10 @@ std::string Text(const char* format, ...) {
 }
 
 std::string NumberText(float value) {
-    return ShortestText(value);
+    return localShortestText(value);
 }
 std::string NumberText(double value) {
-    return ShortestText(value);
+    return localShortestText(value);
 }
 
 std::string Line3(const char* keyword, const float* numbers) {

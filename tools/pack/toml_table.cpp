@@ -4,14 +4,14 @@
 
 namespace {
 
-bool Take(const toml::node& node, std::string* value) {
+bool localTake(const toml::node& node, std::string* value) {
     const auto found = node.value_exact<std::string>();
     if (found)
         *value = *found;
     return found.has_value();
 }
 
-bool Take(const toml::node& node, int* value) {
+bool localTake(const toml::node& node, int* value) {
     const auto found = node.value_exact<std::int64_t>();
     if (!found || *found < INT32_MIN || *found > INT32_MAX)
         return false;
@@ -19,14 +19,14 @@ bool Take(const toml::node& node, int* value) {
     return true;
 }
 
-bool Take(const toml::node& node, bool* value) {
+bool localTake(const toml::node& node, bool* value) {
     const auto found = node.value_exact<bool>();
     if (found)
         *value = *found;
     return found.has_value();
 }
 
-bool Take(const toml::node& node, double* value) {
+bool localTake(const toml::node& node, double* value) {
     const auto found = node.value<double>();
     if (!found || !node.is_number() || !std::isfinite(*found))
         return false;
@@ -34,9 +34,9 @@ bool Take(const toml::node& node, double* value) {
     return true;
 }
 
-bool Take(const toml::node& node, float* value) {
+bool localTake(const toml::node& node, float* value) {
     double found = 0;
-    if (!Take(node, &found) || !std::isfinite(static_cast<float>(found)))
+    if (!localTake(node, &found) || !std::isfinite(static_cast<float>(found)))
         return false;
     *value = static_cast<float>(found);
     return true;
@@ -56,7 +56,7 @@ const toml::node* TomlTable::Take(const char* key) {
 
 template <class T>
 void TomlTable::ReadOne(const char* key, const toml::node* node, T* value, const char* wanted) {
-    if (node != nullptr && !::Take(*node, value))
+    if (node != nullptr && !localTake(*node, value))
         Fail(*node, std::string(key) + " must be " + wanted);
 }
 
@@ -69,7 +69,7 @@ template <class T> void TomlTable::ReadAll(const char* key, std::vector<T>* valu
         return Fail(*node, std::string(key) + " must be a list of " + wanted + ", in [ ]");
     for (const toml::node& element : *array) {
         T value{};
-        if (!::Take(element, &value))
+        if (!localTake(element, &value))
             return Fail(element, std::string(key) + " must be a list of " + wanted);
         values->push_back(std::move(value));
     }

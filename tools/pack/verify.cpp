@@ -31,7 +31,7 @@ Exit status: 0 the package is good (there may be warnings), 1 it has faults or c
 2 the command line makes no sense.
 )";
 
-const char* RemedyFor(EntryKind kind) {
+const char* localRemedyFor(EntryKind kind) {
     switch (kind) {
     case EntryKind::Picture:
         return "open it in a picture editor, save it again, and build the package again";
@@ -82,7 +82,7 @@ private:
     int warnings_ = 0;
 };
 
-int Run(const Arguments& arguments) {
+int localRun(const Arguments& arguments) {
     const std::string& file = arguments.words[0];
     const bool quiet = arguments.Has("--quiet");
     Report report(file);
@@ -107,7 +107,7 @@ int Run(const Arguments& arguments) {
         if (std::ranges::find(facts.misplaced, entry.id) != facts.misplaced.end())
             continue; // what is wrong with it has been said
         report.Add(entry.id < 0 ? "" : Text("entry %d (%s)", entry.id, KindName(entry.kind)), entry.faults,
-                   "byte %d", RemedyFor(entry.kind));
+                   "byte %d", localRemedyFor(entry.kind));
     }
     const int status = report.Finish(quiet);
     return PictureCodec::Loaded() ? status : Fail(std::string("the pictures are not checked: ") + kNoCodec);
@@ -116,4 +116,4 @@ int Run(const Arguments& arguments) {
 } // namespace
 
 const Command kVerifyCommand = {
-    "verify", "says what is wrong with a package, and where", kHelp, kOptions, 1, 1, Run};
+    "verify", "says what is wrong with a package, and where", kHelp, kOptions, 1, 1, localRun};
