@@ -319,11 +319,13 @@ TEST(VectorMap, IsMangledAndComesBackBitForBit) {
         ASSERT_TRUE(values.Realloc(9));
         values.count = static_cast<int>(c.from.size());
         map.*c.count = values.count / c.width;
-        std::memcpy(values.items, c.from.data(), 4 * c.from.size());
+        for (std::size_t i = 0; i < c.from.size(); ++i)
+            std::memcpy(&values.items[i], &c.from[i], sizeof c.from[i]);
         for (const auto& [forward, expected] : {std::pair{true, &c.to}, {false, &c.from}}) {
             (map.*c.mangle)(forward);
             std::vector<std::uint32_t> bits(c.from.size());
-            std::memcpy(bits.data(), values.items, 4 * bits.size());
+            for (std::size_t i = 0; i < bits.size(); ++i)
+                std::memcpy(&bits[i], &values.items[i], sizeof bits[i]);
             EXPECT_EQ(bits, *expected) << &c - kCases << " " << forward;
         }
     }
