@@ -22,7 +22,7 @@ void localCopyOfItsVertices(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
 }
-BENCHMARK(localCopyOfItsVertices);
+BENCHMARK(localCopyOfItsVertices)->Name("CopyOfItsVertices");
 
 void localPositionUpdate(benchmark::State& state) {
     FXFireDesk fire;
@@ -34,7 +34,7 @@ void localPositionUpdate(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
 }
-BENCHMARK(localPositionUpdate);
+BENCHMARK(localPositionUpdate)->Name("PositionUpdate");
 
 void localBurningFrame(benchmark::State& state) {
     GLRecorder::SetNullMode(true);
@@ -48,6 +48,6 @@ void localBurningFrame(benchmark::State& state) {
     }
     GLRecorder::SetNullMode(false);
 }
-BENCHMARK(localBurningFrame);
+BENCHMARK(localBurningFrame)->Name("BurningFrame");
 
 } // namespace

@@ -29,6 +29,10 @@ void localOwnWorkInAFrame(benchmark::State& state) {
     if (show::stage != state.range(0))
         state.SkipWithError("the stage ended");
 }
-BENCHMARK(localOwnWorkInAFrame)->ArgName("stage")->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
+BENCHMARK(localOwnWorkInAFrame)
+    ->Name("OwnWorkInAFrame")
+    ->ArgName("stage")
+    ->DenseRange(0, 4)
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -58,7 +58,15 @@ void localUnpackSheet(benchmark::State& state) {
 void localUnpackOnePosition(benchmark::State& state) {
     localUnpack(state, true);
 }
-BENCHMARK(localUnpackSheet)->RangeMultiplier(10)->Range(10000, 10000000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(localUnpackOnePosition)->RangeMultiplier(10)->Range(10000, 10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(localUnpackSheet)
+    ->Name("UnpackSheet")
+    ->RangeMultiplier(10)
+    ->Range(10000, 10000000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(localUnpackOnePosition)
+    ->Name("UnpackOnePosition")
+    ->RangeMultiplier(10)
+    ->Range(10000, 10000000)
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -71,8 +71,8 @@ void localMorphLinear(benchmark::State& state) {
 void localMorphSpline(benchmark::State& state) {
     localMorph(state, false);
 }
-BENCHMARK(localCopyOfTheVertices)->Arg(10000)->Arg(100000)->Arg(1000000);
-BENCHMARK(localMorphLinear)->Arg(10000)->Arg(100000)->Arg(1000000);
-BENCHMARK(localMorphSpline)->Arg(10000)->Arg(100000)->Arg(1000000);
+BENCHMARK(localCopyOfTheVertices)->Name("CopyOfTheVertices")->Arg(10000)->Arg(100000)->Arg(1000000);
+BENCHMARK(localMorphLinear)->Name("MorphLinear")->Arg(10000)->Arg(100000)->Arg(1000000);
+BENCHMARK(localMorphSpline)->Name("MorphSpline")->Arg(10000)->Arg(100000)->Arg(1000000);
 
 } // namespace

@@ -61,8 +61,8 @@ void localLoadPlainPackage(benchmark::State& state) {
 void localLoadScrambledPackage(benchmark::State& state) {
     localMeasured(state, 1, true);
 }
-BENCHMARK(localPlainRead)->Arg(4)->Arg(24);
-BENCHMARK(localLoadPlainPackage)->Arg(4)->Arg(24);
-BENCHMARK(localLoadScrambledPackage)->Arg(4)->Arg(24);
+BENCHMARK(localPlainRead)->Name("PlainRead")->Arg(4)->Arg(24);
+BENCHMARK(localLoadPlainPackage)->Name("LoadPlainPackage")->Arg(4)->Arg(24);
+BENCHMARK(localLoadScrambledPackage)->Name("LoadScrambledPackage")->Arg(4)->Arg(24);
 
 } // namespace

@@ -25,7 +25,12 @@ void localWholeFrame(benchmark::State& state) {
         state.SkipWithError("the stage ended");
     show::gr.SetAct(false);
 }
-BENCHMARK(localWholeFrame)->ArgName("stage")->DenseRange(0, 4)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(localWholeFrame)
+    ->Name("WholeFrame")
+    ->ArgName("stage")
+    ->DenseRange(0, 4)
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime();
 
 } // namespace
 
