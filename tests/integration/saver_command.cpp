@@ -4,6 +4,10 @@ std::vector<std::string> SaverCommand(const ScratchFolder&, std::map<std::string
     return {TAMBLOR_EXE};
 }
 
+std::string SaverName(const std::string& file) {
+    return file;
+}
+
 bool SaverDraws(std::uint32_t) {
     return true;
 }

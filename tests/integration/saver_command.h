@@ -14,6 +14,9 @@ class ScratchFolder;
 std::vector<std::string> SaverCommand(const ScratchFolder& data,
                                       std::map<std::string, std::string>* environment);
 
+// The name by which the saver knows a file, which it says where something is wrong with that.
+std::string SaverName(const std::string& file);
+
 // Whether the saver draws already, told by how often it has read its clock. Always true where that is not
 // counted: there its window comes up with the first frame due at once.
 bool SaverDraws(std::uint32_t clockReads);

@@ -165,6 +165,10 @@ std::vector<std::string> SaverCommand(const ScratchFolder& data, Environment* en
     return {wineProgram, (folder / "tamb.scr").string()};
 }
 
+std::string SaverName(const std::string& file) {
+    return WindowsPath(file);
+}
+
 // Each line of the trace reads it once, each frame too.
 bool SaverDraws(std::uint32_t clockReads) {
     constexpr std::uint32_t kLines = 30;
