@@ -83,8 +83,10 @@ void FXPackage::RecompClasses() {
     for (FXPackageData* cursor : cursors)
         delete cursor;
     cursors.RemoveAll();
-    if (!cursors.Realloc(ids.count))
+    if (!cursors.Realloc(ids.count)) {
+        problem.Set("has more entries than there is memory for");
         return;
+    }
     for (int i = 0; i < ids.count; ++i) {
         auto* cursor = new FXPackageData;
         const std::int64_t end = static_cast<std::int64_t>(offsets[i]) + sizes[i];

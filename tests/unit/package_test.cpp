@@ -108,6 +108,10 @@ TEST(Package, TablesThatLieReadNothingOutsideAndCostNoMemory) {
         }
     EXPECT_FALSE(package.Load(folder.Write("p", Header("pck01") + std::string(5000, 'x')).c_str()))
         << "no memory";
+    fxSetAllocLimit(1 << 16);
+    ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Ints({0x25be})).c_str()));
+    EXPECT_STREQ(package.problem.text, "has more entries than there is memory for"); // found by fuzzing
+    EXPECT_EQ(Entry(package, 0), "none");
     fxSetAllocLimit(0);
     // Ids alone, and a count that ends with the file: entries of value 0, without a byte.
     ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Ints({3, 7})).c_str()));
