@@ -85,6 +85,42 @@ bool CreateSurface(HDC__& dc) {
     return trap.Clean();
 }
 
+// A preview's surface goes with the settings panel, between two frames or within one. Mesa's software driver
+// takes whatever is on its stack for the size of a window that is gone, and dies of it.
+bool IsThere(const HDC__& dc) {
+    Window root = None;
+    int x = 0;
+    int y = 0;
+    unsigned width = 0;
+    unsigned height = 0;
+    unsigned border = 0;
+    unsigned depth = 0;
+    return XGetGeometry(dc.display, dc.surface, &root, &x, &y, &width, &height, &border, &depth) != 0;
+}
+
+// While Mesa asks for a preview's size, and shows its frame, the panel cannot take it away: no other
+// program's requests are answered. Not for the root window, which stays, and whose frames are large.
+class ServerHold {
+public:
+    explicit ServerHold(Display* display) {
+        if (saverWindow.fullScreen || saverWindow.parent == DefaultRootWindow(display))
+            return;
+        display_ = display;
+        XGrabServer(display_);
+    }
+    ~ServerHold() {
+        if (display_ == nullptr)
+            return;
+        XUngrabServer(display_);
+        XFlush(display_);
+    }
+    ServerHold(const ServerHold&) = delete;
+    ServerHold& operator=(const ServerHold&) = delete;
+
+private:
+    Display* display_ = nullptr; // none is held
+};
+
 // Where there will be no picture, the window shows black instead of what lies below.
 void ShowBlack(Display* display, Window window) {
     ErrorTrap trap(display);
@@ -190,6 +226,9 @@ BOOL wglDeleteContext(HGLRC context) {
 
 BOOL wglMakeCurrent(HDC dc, HGLRC context) {
     if (dc != nullptr && context != nullptr) {
+        const ServerHold hold(dc->display);
+        if (context->works && !IsThere(*dc))
+            return FALSE;
         if (glXMakeCurrent(dc->display, dc->surface, context->context)) {
             context->works = true;
             return TRUE;
@@ -205,6 +244,9 @@ PROC wglGetProcAddress(const char* name) {
 
 BOOL SwapBuffers(HDC dc) {
     if (dc == nullptr || dc->surface == None)
+        return FALSE;
+    const ServerHold hold(dc->display);
+    if (!IsThere(*dc))
         return FALSE;
     glXSwapBuffers(dc->display, dc->surface);
     return TRUE;
