@@ -46,13 +46,6 @@ void TryGrabs() {
                          CurrentTime) == GrabSuccess;
 }
 
-Window FocusedWindow() {
-    Window focus = None;
-    int revert = 0;
-    XGetInputFocus(Connection(), &focus, &revert);
-    return focus;
-}
-
 // The next best without a grab: keys go to the window that has the focus.
 void TakeFocus() {
     const Window focus = FocusedWindow();

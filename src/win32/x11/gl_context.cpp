@@ -5,6 +5,7 @@
 
 #include <GL/glx.h>
 
+#include <cstring>
 #include <memory>
 
 // A device context: OpenGL's connection to the server, and the surface once there is a pixel format.
@@ -15,6 +16,7 @@ struct HDC__ {
     GLXFBConfig config = nullptr;
     Window surface = None;
     Colormap colormap = None;
+    bool fragile = false; // see IsFragile
 };
 
 struct HGLRC__ {
@@ -68,6 +70,26 @@ GLXFBConfig FindConfig(const HDC__& dc, int depthBits, int stencilBits) {
     return any;
 }
 
+// Whether Mesa draws on the processor. Drivers that do not say are not Mesa's.
+bool DrawsInSoftware(Display* display, int screen) {
+    const char* names = glXQueryExtensionsString(display, screen);
+    if (names == nullptr || std::strstr(names, "GLX_MESA_query_renderer") == nullptr)
+        return false;
+    const auto query = reinterpret_cast<PFNGLXQUERYRENDERERINTEGERMESAPROC>(
+        glXGetProcAddress(reinterpret_cast<const GLubyte*>("glXQueryRendererIntegerMESA")));
+    unsigned accelerated = 1;
+    return query != nullptr && query(display, screen, 0, GLX_RENDERER_ACCELERATED_MESA, &accelerated) &&
+           accelerated == 0;
+}
+
+// Whether the surface may go while it is drawn, and the driver dies of that: a preview's goes with the
+// settings panel, and Mesa's software driver takes whatever is on its stack for the size of a window that is
+// gone. The root window stays.
+bool IsFragile(const HDC__& dc) {
+    return !saverWindow.fullScreen && saverWindow.parent != DefaultRootWindow(dc.display) &&
+           DrawsInSoftware(dc.display, XScreenNumberOfScreen(dc.facts.screen));
+}
+
 bool CreateSurface(HDC__& dc) {
     const std::unique_ptr<XVisualInfo, FreeX> visual(glXGetVisualFromFBConfig(dc.display, dc.config));
     if (!visual)
@@ -82,43 +104,34 @@ bool CreateSurface(HDC__& dc) {
                                static_cast<unsigned>(dc.facts.height), 0, visual->depth, InputOutput,
                                visual->visual, CWBackPixmap | CWBorderPixel | CWColormap, &wishes);
     XMapWindow(dc.display, dc.surface);
+    dc.fragile = IsFragile(dc);
     return trap.Clean();
 }
 
-// A preview's surface goes with the settings panel, between two frames or within one. Mesa's software driver
-// takes whatever is on its stack for the size of a window that is gone, and dies of it.
-bool IsThere(const HDC__& dc) {
-    Window root = None;
-    int x = 0;
-    int y = 0;
-    unsigned width = 0;
-    unsigned height = 0;
-    unsigned border = 0;
-    unsigned depth = 0;
-    return XGetGeometry(dc.display, dc.surface, &root, &x, &y, &width, &height, &border, &depth) != 0;
-}
-
-// While Mesa asks for a preview's size, and shows its frame, the panel cannot take it away: no other
-// program's requests are answered. Not for the root window, which stays, and whose frames are large.
-class ServerHold {
+// While the driver asks for the size of a fragile surface, and shows its frame, no other program's requests
+// are answered, so that the panel cannot take it away.
+class SurfaceHold {
 public:
-    explicit ServerHold(Display* display) {
-        if (saverWindow.fullScreen || saverWindow.parent == DefaultRootWindow(display))
-            return;
-        display_ = display;
-        XGrabServer(display_);
+    explicit SurfaceHold(const HDC__& dc) : dc_(dc) {
+        if (dc_.fragile)
+            XGrabServer(dc_.display);
     }
-    ~ServerHold() {
-        if (display_ == nullptr)
+    ~SurfaceHold() {
+        if (!dc_.fragile)
             return;
-        XUngrabServer(display_);
-        XFlush(display_);
+        XUngrabServer(dc_.display);
+        XFlush(dc_.display);
     }
-    ServerHold(const ServerHold&) = delete;
-    ServerHold& operator=(const ServerHold&) = delete;
+    SurfaceHold(const SurfaceHold&) = delete;
+    SurfaceHold& operator=(const SurfaceHold&) = delete;
+
+    bool IsThere() const {
+        Place ignored;
+        return !dc_.fragile || FindGeometry(dc_.display, dc_.surface, &ignored);
+    }
 
 private:
-    Display* display_ = nullptr; // none is held
+    const HDC__& dc_;
 };
 
 // Where there will be no picture, the window shows black instead of what lies below.
@@ -226,10 +239,8 @@ BOOL wglDeleteContext(HGLRC context) {
 
 BOOL wglMakeCurrent(HDC dc, HGLRC context) {
     if (dc != nullptr && context != nullptr) {
-        const ServerHold hold(dc->display);
-        if (context->works && !IsThere(*dc))
-            return FALSE;
-        if (glXMakeCurrent(dc->display, dc->surface, context->context)) {
+        const SurfaceHold hold(*dc);
+        if (hold.IsThere() && glXMakeCurrent(dc->display, dc->surface, context->context)) {
             context->works = true;
             return TRUE;
         }
@@ -245,8 +256,8 @@ PROC wglGetProcAddress(const char* name) {
 BOOL SwapBuffers(HDC dc) {
     if (dc == nullptr || dc->surface == None)
         return FALSE;
-    const ServerHold hold(dc->display);
-    if (!IsThere(*dc))
+    const SurfaceHold hold(*dc);
+    if (!hold.IsThere())
         return FALSE;
     glXSwapBuffers(dc->display, dc->surface);
     return TRUE;

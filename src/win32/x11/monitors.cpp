@@ -14,16 +14,8 @@ struct FreeMonitors {
 
 // XDisplayWidth keeps the size that the screen had when the connection was made.
 Place WholeScreen(Display* display) {
-    Window root = None;
     Place place;
-    unsigned width = 0;
-    unsigned height = 0;
-    unsigned border = 0;
-    unsigned depth = 0;
-    XGetGeometry(display, DefaultRootWindow(display), &root, &place.x, &place.y, &width, &height, &border,
-                 &depth);
-    place.width = static_cast<int>(width);
-    place.height = static_cast<int>(height);
+    FindGeometry(display, DefaultRootWindow(display), &place);
     return place;
 }
 
@@ -43,6 +35,19 @@ bool HasMonitors(Display* display) {
 }
 
 } // namespace
+
+bool FindGeometry(Display* display, Window window, Place* place) {
+    Window root = None;
+    unsigned width = 0;
+    unsigned height = 0;
+    unsigned border = 0;
+    unsigned depth = 0;
+    const Status found =
+        XGetGeometry(display, window, &root, &place->x, &place->y, &width, &height, &border, &depth);
+    place->width = static_cast<int>(width);
+    place->height = static_cast<int>(height);
+    return found != 0;
+}
 
 std::vector<Place> ListMonitors(Display* display) {
     struct Monitor {

@@ -1,4 +1,4 @@
-// Where the monitors lie on the X screen.
+// Where windows and monitors lie.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -12,8 +12,11 @@ struct Place {
     bool operator==(const Place&) const = default;
 };
 
-// On the X screen, the primary one first: the one flagged so, else the leftmost. Without RandR 1.5, or
-// with every monitor off, the whole screen is one; the list is never empty.
+// False when the window is gone.
+bool FindGeometry(Display* display, Window window, Place* place);
+
+// The monitors on the X screen, the primary one first: the one flagged so, else the leftmost. Without
+// RandR 1.5, or with every monitor off, the whole screen is one; the list is never empty.
 std::vector<Place> ListMonitors(Display* display);
 
 // Asks for the events that report other monitors, or other places of theirs. They come to the root window.

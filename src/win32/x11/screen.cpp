@@ -43,12 +43,14 @@ BOOL GetCursorPos(POINT* position) {
     return TRUE;
 }
 
-HWND GetForegroundWindow() {
-    Display* display = Connection();
-    if (display == nullptr)
-        return nullptr;
+Window FocusedWindow() {
     Window focus = None;
     int revert = 0;
-    XGetInputFocus(display, &focus, &revert);
+    XGetInputFocus(Connection(), &focus, &revert);
+    return focus;
+}
+
+HWND GetForegroundWindow() {
+    const Window focus = Connection() != nullptr ? FocusedWindow() : None;
     return focus == PointerRoot ? nullptr : HandleOf(focus);
 }

@@ -70,6 +70,7 @@ void DropMessages();
 // screen.cpp: the monitors as they were last read, the primary one first.
 std::span<const Place> Monitors();
 void ReadMonitors();
+Window FocusedWindow(); // who has the keyboard; PointerRoot: whoever is below the pointer
 
 // covers.cpp: one black window for each of these places, and no others.
 void FitCovers(std::span<const Place> places);
