@@ -127,20 +127,19 @@ void FXLongStrW::RemoveLast() {
         text[--len] = L'\0';
 }
 
+template <class Char> FXConverted<Char>::~FXConverted() {
+    std::free(text);
+}
+
+template class FXConverted<char>;
+template class FXConverted<wchar_t>;
+
 FXConvertW::FXConvertW(const char* s) {
     if (s != nullptr)
         text = localConverted<wchar_t>([&](wchar_t* to, std::size_t n) { return std::mbstowcs(to, s, n); });
 }
 
-FXConvertW::~FXConvertW() {
-    std::free(text);
-}
-
 FXConvertC::FXConvertC(const wchar_t* s) {
     if (s != nullptr)
         text = localConverted<char>([&](char* to, std::size_t n) { return std::wcstombs(to, s, n); });
-}
-
-FXConvertC::~FXConvertC() {
-    std::free(text);
 }

@@ -40,25 +40,26 @@ public:
     void RemoveLast();
 };
 
-// Narrow text made wide by the C library's multibyte conversion. `text` is null for an empty or null text,
-// one that the locale cannot convert, and without memory.
-class FXConvertW {
+// Text converted by the C library's multibyte conversion. `text` is null for an empty or null text, one that
+// the locale cannot convert, and without memory.
+template <class Char> class FXConverted {
 public:
-    explicit FXConvertW(const char* s);
-    ~FXConvertW();
-    FXConvertW(const FXConvertW&) = delete;
-    FXConvertW& operator=(const FXConvertW&) = delete;
+    ~FXConverted();
+    FXConverted(const FXConverted&) = delete;
+    FXConverted& operator=(const FXConverted&) = delete;
 
-    wchar_t* text = nullptr;
+    Char* text = nullptr;
+
+protected:
+    FXConverted() = default;
 };
 
-// Wide text made narrow, the same way.
-class FXConvertC {
-public:
-    explicit FXConvertC(const wchar_t* s);
-    ~FXConvertC();
-    FXConvertC(const FXConvertC&) = delete;
-    FXConvertC& operator=(const FXConvertC&) = delete;
+// Narrow text made wide.
+struct FXConvertW : FXConverted<wchar_t> {
+    explicit FXConvertW(const char* s);
+};
 
-    char* text = nullptr;
+// Wide text made narrow.
+struct FXConvertC : FXConverted<char> {
+    explicit FXConvertC(const wchar_t* s);
 };
