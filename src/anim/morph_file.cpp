@@ -64,11 +64,8 @@ void FXAnim::LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* given) {
     LoadHead(d);
     const int whole = isVersion3 ? Load_v03CN(pck, d, budget) : Load_v02CN(pck, budget);
     FinishLoading();
-    if (!own.IsExceeded())
-        return;
-    FXStr why;
-    own.Describe(&why);
-    err("animation of %d key frames is left with %d: %s\n", frameNames.count, whole, why.text);
+    if (own.IsExceeded())
+        err("animation of %d key frames is left with %d: %s\n", frameNames.count, whole, own.Describe().text);
 }
 
 void FXAnim::LoadHead(FXPackageData* d) {
@@ -225,13 +222,9 @@ bool FXAnim::Compile(FXPackage* pck) {
         int size = 0, type = kRaw;
         if (models[f] == nullptr || !FXPackage::CheckFile(frameNames.Get(f), &size, &type))
             continue;
-        FXStr stored(frameNames.Get(f));
-        stored.Append(".tmp");
-        if (pck->FindId(stored.text) < 0) {
-            pck->AddTmpFile(stored.text);
-            ok = ok && models[f]->Save(stored.text);
-        }
-        pck->AddDataFile1(&stored);
+        FXStr stored(frameNames.Get(f)), file;
+        if (pck->AddTmpDataFile(&stored, &file))
+            ok = ok && models[f]->Save(file.text);
         frameNames.Change(f, stored.text);
     }
     return ok;

@@ -48,7 +48,9 @@ bool FXLoadBudget::TakeRecord(int bytes) {
     return Take(bytes);
 }
 
-void FXLoadBudget::Describe(FXStr* text) const {
-    text->Format("it takes %lld MiB at the least, and %lld MiB are the most",
-                 static_cast<long long>(localMiB(taken_)), static_cast<long long>(localMiB(kMostBytes)));
+FXStr FXLoadBudget::Describe() const {
+    FXStr text;
+    text.Format("it takes %lld MiB at the least, and %lld MiB are the most",
+                static_cast<long long>(localMiB(taken_)), static_cast<long long>(localMiB(kMostBytes)));
+    return text;
 }

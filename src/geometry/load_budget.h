@@ -26,7 +26,7 @@ public:
     bool TakeRecord(int bytes);    // of the entry, whose vectors are copied while it is read
     bool IsExceeded() const { return taken_ > kMostBytes; }
     // "it takes 170 MiB at the least, and 160 MiB are the most".
-    void Describe(FXStr* text) const;
+    FXStr Describe() const;
 
 private:
     bool Take(std::int64_t bytes);

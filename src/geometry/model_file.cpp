@@ -70,11 +70,8 @@ void FXModel::LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* given) {
         Load_v02CN(pck, d, budget);
     else if (magic.Compare(kVersion3))
         Load_v03CN(pck, d, budget);
-    if (!own.IsExceeded())
-        return;
-    FXStr why;
-    own.Describe(&why);
-    err("model '%s' is left with %d meshes: %s\n", name.text, loadedMeshes.count, why.text);
+    if (own.IsExceeded())
+        err("model '%s' is left with %d meshes: %s\n", name.text, loadedMeshes.count, own.Describe().text);
 }
 
 void FXModel::LoadMatlib(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
@@ -144,15 +141,10 @@ bool FXModel::Save_v03(std::FILE* file) {
 bool FXModel::Compile(FXPackage* pck) {
     if (matlib == nullptr || matlibName.IsEmpty())
         return true;
-    FXStr stored = matlibName;
-    stored.Append(".tmp");
-    const bool isNew = pck->FindId(stored.text) < 0;
-    matlibName = stored;
-    pck->AddDataFile1(&matlibName);
-    if (!isNew)
+    FXStr file;
+    if (!pck->AddTmpDataFile(&matlibName, &file))
         return true;
     matlib->Compile(pck);
     matlib->name = matlibName; // models that ask for the entry share it
-    pck->AddTmpFile(stored.text);
-    return matlib->Save(stored.text);
+    return matlib->Save(file.text);
 }

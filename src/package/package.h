@@ -51,6 +51,9 @@ public:
     bool SaveNames(const char* file) const;
     bool LoadNames(const char* file);
     bool SaveNamesCpp(const char* file) const; // a C header: #define FXNAME_<name>  <id>
+    // Queues the file NAME.tmp, which is given in `file`, under the id of its name, and replaces the name by
+    // the id in decimal. True for the first of a name: the file, which is temporary, is still to be written.
+    bool AddTmpDataFile(FXStr* name, FXStr* file);
     void AddTmpFile(const char* file);
     void DeleteTmpFiles(); // from the disk
 

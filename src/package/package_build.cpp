@@ -169,6 +169,16 @@ bool FXPackage::SaveNamesCpp(const char* file) const {
     return fxCloseWritten(std::move(opened));
 }
 
+bool FXPackage::AddTmpDataFile(FXStr* name, FXStr* file) {
+    name->Append(".tmp");
+    *file = *name;
+    const bool isNew = FindId(file->text) < 0;
+    if (isNew)
+        AddTmpFile(file->text);
+    AddDataFile1(name);
+    return isNew;
+}
+
 void FXPackage::AddTmpFile(const char* file) {
     tmpFiles.Push(file);
 }

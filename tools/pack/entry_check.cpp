@@ -191,9 +191,7 @@ void CheckPhaser(const FXPackageData& data, Faults* faults) {
 }
 
 std::string RefusalText(const std::string& what, const FXLoadBudget& budget) {
-    FXStr why;
-    budget.Describe(&why);
-    return "the show leaves " + what + " out: " + why.text;
+    return "the show leaves " + what + " out: " + budget.Describe().text;
 }
 
 std::optional<EntryKind> KindByMark(const FXPackageData& data, int type) {
