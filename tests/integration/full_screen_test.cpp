@@ -1,7 +1,5 @@
 // The show on a whole screen: what it covers, what ends it, and how the desktop burns.
-#include "integration/saver_process.h"
-
-#include <gtest/gtest.h>
+#include "integration/show_fixture.h"
 
 #include <X11/keysym.h>
 
@@ -13,18 +11,14 @@ namespace {
 constexpr int kWidth = 640;
 constexpr int kHeight = 480;
 
-class FullScreen : public testing::Test {
+class FullScreen : public ShowFixture {
 protected:
-    void SetUp() override { ASSERT_TRUE(display.Ok()); }
+    FullScreen() : ShowFixture(kWidth, kHeight) {}
 
     void StartAndSeeFrames() {
-        saver.Start(&display, {"/s"});
-        ASSERT_TRUE(saver.WaitUntilShown(display));
+        ASSERT_NO_FATAL_FAILURE(Start());
         ASSERT_TRUE(saver.SeeFrames(display)) << "nothing was drawn";
     }
-
-    VirtualDisplay display{kWidth, kHeight};
-    SaverProcess saver;
 };
 
 TEST_F(FullScreen, CoversTheScreenHidesThePointerAndEndsWithAnyKey) {

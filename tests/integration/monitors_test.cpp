@@ -1,9 +1,7 @@
 // Several monitors, and monitors and windows that change their size under the show. The clock stands at the
 // first frame, which is the photograph of the primary monitor stretched over the window.
 #include "integration/other_program.h"
-#include "integration/saver_process.h"
-
-#include <gtest/gtest.h>
+#include "integration/show_fixture.h"
 
 #include <X11/keysym.h>
 
@@ -19,14 +17,9 @@ struct Area {
     int x, y, width, height;
 };
 
-class Monitors : public testing::Test {
+class Monitors : public ShowFixture {
 protected:
-    void SetUp() override { ASSERT_TRUE(display.Ok()); }
-
-    void Start() {
-        saver.Start(&display, {"/s"});
-        ASSERT_TRUE(saver.WaitUntilShown(display));
-    }
+    Monitors() : ShowFixture(kWidth, kHeight) {}
 
     // The share of a screen's area, by a grid of points, that shows what was photographed from another one.
     double ShareOfPhotograph(const Area& area, const Area& photographed) const {
@@ -56,17 +49,10 @@ protected:
     }
     void ExpectBlack(const Area& area, const char* when) const {
         EXPECT_TRUE(display.WaitForPixel(area.x, area.y, 0, 0)) << when;
-        const ScreenPicture picture = display.Photograph();
-        int lit = 0;
-        for (int y = area.y; y < area.y + area.height; ++y)
-            for (int x = area.x; x < area.x + area.width; ++x)
-                lit += picture.At(x, y) != 0;
-        EXPECT_EQ(lit, 0) << when;
+        EXPECT_EQ(display.Photograph().CountLit(area.x, area.y, area.width, area.height), 0) << when;
     }
 
-    VirtualDisplay display{kWidth, kHeight};
     OtherProgram system{display};
-    SaverProcess saver;
 };
 
 TEST_F(Monitors, TheShowIsOnThePrimaryOneAndTheOthersAreBlack) {

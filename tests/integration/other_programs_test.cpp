@@ -1,8 +1,6 @@
 // The show among other programs: they hold the keyboard, take the focus, come to the front.
 #include "integration/other_program.h"
-#include "integration/saver_process.h"
-
-#include <gtest/gtest.h>
+#include "integration/show_fixture.h"
 
 #include <X11/keysym.h>
 
@@ -14,14 +12,10 @@ constexpr int kWidth = 320;
 constexpr int kHeight = 240;
 constexpr unsigned long kWhite = 0xFFFFFF;
 
-class OtherPrograms : public testing::Test {
+class OtherPrograms : public ShowFixture {
 protected:
-    void SetUp() override { ASSERT_TRUE(display.Ok()); }
+    OtherPrograms() : ShowFixture(kWidth, kHeight) {}
 
-    void Start() {
-        saver.Start(&display, {"/s"});
-        ASSERT_TRUE(saver.WaitUntilShown(display));
-    }
     // As small as one must be that the display does not take for the saver's.
     void ShowAWindowThatNobodySees() { other.ShowWindow(0, 0, 1, 1, kWhite); }
     // Longer than any time after which the saver might give up. The program that held the input has the focus
@@ -39,9 +33,7 @@ protected:
         EXPECT_FALSE(other.ReceivedAKey());
     }
 
-    VirtualDisplay display{kWidth, kHeight};
     OtherProgram other{display};
-    SaverProcess saver;
 };
 
 TEST_F(OtherPrograms, AKeyEndsItAfterTheInputWasHeldAtItsStart) {

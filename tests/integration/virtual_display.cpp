@@ -46,6 +46,14 @@ int StartServer(int width, int height, const char* lacks, int* number) {
 
 } // namespace
 
+int ScreenPicture::CountLit(int left, int top, int w, int h) const {
+    int lit = 0;
+    for (int y = top; y < top + h; ++y)
+        for (int x = left; x < left + w; ++x)
+            lit += At(x, y) != 0;
+    return lit;
+}
+
 int ChannelDistance(std::uint32_t a, std::uint32_t b) {
     int worst = 0;
     for (int shift = 0; shift < 24; shift += 8) {

@@ -14,6 +14,7 @@ struct ScreenPicture {
     std::vector<std::uint32_t> pixels;
 
     std::uint32_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y) * width + x]; }
+    int CountLit(int left, int top, int w, int h) const; // the pixels of that area that are not black
 };
 
 // The largest difference of any colour channel between two pixels, 0..255.
