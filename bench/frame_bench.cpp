@@ -1,6 +1,6 @@
 // Our own work in a whole frame of each stage: everything but OpenGL, which is the recorder in its null mode.
 #include "fakes/gl_recorder.h"
-#include "platform/configuration.h"
+#include "host/configuration.h"
 #include "scene/show.h"
 #include "show_stages.h"
 

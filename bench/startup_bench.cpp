@@ -1,9 +1,9 @@
 // From the start of the process to the first presented frame, and where the time goes. Runs on a real display
 // (scripts/bench gives it a virtual one of 1920 x 1080); prints one line per step. The linker puts the
 // wrappers below around the product's functions, so the show is built by the very code that the saver runs.
+#include "host/configuration.h"
 #include "image/canvas.h"
 #include "package/package.h"
-#include "platform/configuration.h"
 #include "render/gl.h"
 #include "scene/show.h"
 

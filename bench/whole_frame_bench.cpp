@@ -1,6 +1,6 @@
 // Whole frames at 1920 x 1080 with software OpenGL, stage by stage; run beside frame_bench.cpp's figures.
 #include "film/show_driver.h"
-#include "platform/configuration.h"
+#include "host/configuration.h"
 #include "render/gl.h"
 #include "scene/show.h"
 #include "show_stages.h"

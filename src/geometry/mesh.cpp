@@ -1,6 +1,6 @@
 #include "geometry/mesh.h"
 
-#include "env/environment.h"
+#include "render/environment.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Pictures laid on a mesh as heights and as colours.
 #include "geometry/mesh.h"
 #include "image/canvas.h"
-#include "math/vectors.h"
+#include "render/vectors.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "geometry/model.h"
 
-#include "env/environment.h"
 #include "geometry/mesh.h"
 #include "image/material.h"
 #include "image/material_library.h"
+#include "render/environment.h"
 
 #include <algorithm>
 

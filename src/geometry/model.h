@@ -3,7 +3,7 @@
 
 #include "base/arrays.h"
 #include "base/str.h"
-#include "env/drawable.h"
+#include "render/drawable.h"
 
 #include <cstdio>
 

@@ -1,6 +1,5 @@
 // The two versions of the model format: whole mesh records, or packed ones that share a vector map.
 #include "base/file_handle.h"
-#include "env/environment.h"
 #include "geometry/load_budget.h"
 #include "geometry/mesh.h"
 #include "geometry/model.h"
@@ -10,6 +9,7 @@
 #include "package/file_block.h"
 #include "package/package.h"
 #include "platform/trace.h"
+#include "render/environment.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,11 +1,11 @@
 // Models from Wavefront OBJ files. A target of its own: the saver imports nothing.
 #include "geometry/model_import.h"
-#include "env/environment.h"
 #include "geometry/mesh.h"
 #include "geometry/model.h"
 #include "image/material.h"
 #include "image/material_library.h"
 #include "platform/trace.h"
+#include "render/environment.h"
 
 #include <algorithm>
 #include <cstring>

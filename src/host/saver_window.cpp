@@ -1,10 +1,10 @@
 #include "host/saver_window.h"
 
 #include "host/close_rule.h"
+#include "host/configuration.h"
 #include "host/default_procedure.h"
 #include "host/message_routing.h"
 #include "platform/clock.h"
-#include "platform/configuration.h"
 #include "platform/report.h"
 #include "scene/scene.h"
 

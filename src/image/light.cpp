@@ -1,6 +1,6 @@
 #include "image/light.h"
 
-#include "math/vectors.h"
+#include "render/vectors.h"
 
 #include <initializer_list>
 

@@ -1,8 +1,8 @@
 #include "image/material.h"
 
-#include "env/environment.h"
-#include "math/vectors.h"
 #include "package/package.h"
+#include "render/environment.h"
+#include "render/vectors.h"
 
 #include <cstring>
 

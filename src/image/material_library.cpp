@@ -1,9 +1,9 @@
 #include "image/material_library.h"
 
 #include "base/file_handle.h"
-#include "env/environment.h"
 #include "image/material.h"
 #include "package/package.h"
+#include "render/environment.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
 #include "render/render_environment.h"
 
-#include "env/drawable.h"
 #include "platform/clock.h"
 #include "platform/threads.h"
+#include "render/drawable.h"
 
 #include <algorithm>
 

@@ -2,9 +2,9 @@
 // lights, the shared material libraries.
 #pragma once
 
-#include "env/environment.h"
 #include "image/material.h"
 #include "image/material_library.h"
+#include "render/environment.h"
 #include "win32/win32.h"
 
 #include <atomic>

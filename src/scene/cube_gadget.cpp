@@ -1,7 +1,7 @@
 #include "scene/cube_gadget.h"
 
-#include "env/environment.h"
 #include "platform/random.h"
+#include "render/environment.h"
 #include "render/gl.h"
 
 namespace {

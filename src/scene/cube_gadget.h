@@ -3,7 +3,7 @@
 
 #include "anim/bezier_spline.h"
 #include "image/material.h"
-#include "math/matrix.h"
+#include "render/matrix.h"
 #include "scene/desk_grid.h"
 #include "scene/phaser.h"
 

@@ -1,8 +1,8 @@
 #include "scene/desk_grid.h"
 
-#include "env/environment.h"
 #include "image/material.h"
-#include "math/vectors.h"
+#include "render/environment.h"
+#include "render/vectors.h"
 
 #include <algorithm>
 #include <climits>

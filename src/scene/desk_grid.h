@@ -1,8 +1,8 @@
 // A flat picture: a grid of cells that at rest covers the screen exactly.
 #pragma once
 
-#include "env/drawable.h"
 #include "geometry/mesh.h"
+#include "render/drawable.h"
 
 // Vertex (i, j), column i from the left and row j from the top, is record j * (cols + 1) + i; it lies at
 // u = i / cols, v = j / rows of the picture. Screen space: -1..1 in x and y, +1 at the top. Owns its mesh;

@@ -1,6 +1,6 @@
 #include "scene/error_gadget.h"
 
-#include "env/environment.h"
+#include "render/environment.h"
 
 template <class Load> void FXErrGadget::Build(Load load) {
     constexpr float kFromCorner = 10; // pixels

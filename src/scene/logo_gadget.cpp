@@ -1,6 +1,6 @@
 #include "scene/logo_gadget.h"
 
-#include "env/environment.h"
+#include "render/environment.h"
 
 double rotate_dur = 8.0;
 

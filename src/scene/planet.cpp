@@ -1,7 +1,7 @@
 #include "scene/planet.h"
 
-#include "env/environment.h"
 #include "geometry/model.h"
+#include "render/environment.h"
 
 #include <algorithm>
 

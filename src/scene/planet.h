@@ -2,8 +2,8 @@
 #pragma once
 
 #include "base/arrays.h"
-#include "env/drawable.h"
-#include "math/matrix.h"
+#include "render/drawable.h"
+#include "render/matrix.h"
 #include "scene/phaser.h"
 
 class FXModel;

@@ -1,8 +1,8 @@
 #include "scene/scene.h"
 
+#include "host/configuration.h"
 #include "image/codec.h"
 #include "image/desktop_shot.h"
-#include "platform/configuration.h"
 #include "platform/paths.h"
 #include "platform/report.h"
 #include "platform/threads.h"

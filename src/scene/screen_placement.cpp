@@ -1,6 +1,6 @@
 #include "scene/screen_placement.h"
 
-#include "env/environment.h"
+#include "render/environment.h"
 
 namespace {
 

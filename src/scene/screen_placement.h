@@ -2,8 +2,8 @@
 #pragma once
 
 #include "base/rect.h"
-#include "env/drawable.h"
-#include "math/matrix.h"
+#include "render/drawable.h"
+#include "render/matrix.h"
 
 // The owner sets the four sizes, then the position; OnRender applies the matrix that brings a desk at rest
 // onto the picture's pixels. Sizes of 0 place it over the whole screen.

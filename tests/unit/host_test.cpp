@@ -2,6 +2,7 @@
 // protocol.
 #include "fakes/fake_win32.h"
 #include "host/close_rule.h"
+#include "host/configuration.h"
 #include "host/default_procedure.h"
 #include "host/message_routing.h"
 #include "host/saver_entry.h"
@@ -9,7 +10,6 @@
 #include "host/saver_password.h"
 #include "host/saver_window.h"
 #include "platform/clock.h"
-#include "platform/configuration.h"
 #include "scene/scene.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "math/matrix.h"
-#include "math/vectors.h"
 #include "package/package_data.h"
+#include "render/matrix.h"
+#include "render/vectors.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // The loop, the lights and the defaults of the environment.
 #include "base/memory.h"
-#include "env/drawable.h"
 #include "fakes/fake_win32.h"
 #include "image/light.h"
 #include "platform/clock.h"
 #include "platform/threads.h"
+#include "render/drawable.h"
 #include "unit/recorded_device.h"
 
 #include <gtest/gtest.h>

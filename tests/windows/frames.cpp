@@ -2,8 +2,8 @@
 // screen, over the desktop that DirectDraw photographs. frames FOLDER STEP SECONDS...: the package's folder,
 // the time between two frames, the frames that are wanted, in rising order. Each is shown until a file
 // "seen-N" stands beside "shown-N", which this program writes into the current folder; N counts from 1.
+#include "host/configuration.h"
 #include "platform/clock.h"
-#include "platform/configuration.h"
 #include "platform/random.h"
 #include "render/gl.h"
 #include "scene/scene.h"

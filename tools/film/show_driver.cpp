@@ -1,7 +1,7 @@
 #include "film/show_driver.h"
 
+#include "host/configuration.h"
 #include "platform/clock.h"
-#include "platform/configuration.h"
 #include "platform/random.h"
 #include "render/gl.h"
 #include "scene/scene.h"

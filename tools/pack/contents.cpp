@@ -5,10 +5,10 @@
 #include "geometry/model_import.h"
 #include "image/material.h"
 #include "image/material_library.h"
-#include "math/matrix.h"
 #include "pack/picture_codec.h"
 #include "pack/record_bytes.h"
 #include "pack/text.h"
+#include "render/matrix.h"
 #include "scene/phaser.h"
 
 #include <algorithm>

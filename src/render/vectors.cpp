@@ -1,4 +1,4 @@
-#include "math/vectors.h"
+#include "render/vectors.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "env/environment.h"
+#include "render/environment.h"
 
 PEnv* fxglobalEnv = nullptr;
 

@@ -1,4 +1,4 @@
-#include "platform/configuration.h"
+#include "host/configuration.h"
 
 char orinPath[520] = "";
 const char* const scrRegName = "Software\\OrinLab\\Screensavers\\Tamblor";

@@ -1,4 +1,4 @@
-#include "math/matrix.h"
+#include "render/matrix.h"
 
 #include "package/package_data.h"
 

@@ -2,7 +2,7 @@
 // are known here by name only, so that they can be built on this interface.
 #pragma once
 
-#include "math/matrix.h"
+#include "render/matrix.h"
 
 class FXLight;
 class FXMaterial;
