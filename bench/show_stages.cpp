@@ -3,6 +3,8 @@
 #include "platform/clock.h"
 #include "scene/show.h"
 
+#include <cstdint>
+
 namespace {
 
 double now = 1000; // the clock's, seconds; it goes on from stage to stage

@@ -5,6 +5,9 @@
 #include "image/codec.h"
 #include "package/package.h"
 
+#include <cstdint>
+#include <iterator>
+
 namespace {
 
 constexpr int kKinds[] = {kBmp, kJpeg, kPng, kTga, kGif};

@@ -10,9 +10,11 @@
 #include "pack/package_check.h"
 #include "work_file.h"
 
+#include <cstdint>
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <initializer_list>
+#include <string>
 
 namespace {
 

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <span>
+#include <string>
 
 namespace {
 

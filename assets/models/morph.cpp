@@ -8,6 +8,7 @@
 #include "models/morph_swirl.h"
 
 #include <cmath>
+#include <string>
 
 namespace {
 

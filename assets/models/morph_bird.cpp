@@ -3,6 +3,7 @@
 #include "models/morph_curve.h"
 #include "pictures/colour.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {

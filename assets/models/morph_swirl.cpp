@@ -2,7 +2,9 @@
 #include "models/mesh_builder.h"
 #include "pictures/colour.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 

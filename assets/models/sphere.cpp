@@ -5,6 +5,7 @@
 #include "sun_shape.h"
 
 #include <cmath>
+#include <string>
 
 namespace {
 

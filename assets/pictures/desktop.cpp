@@ -4,7 +4,9 @@
 #include "pictures/drawing.h"
 #include "pictures/pictures.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 

@@ -3,9 +3,12 @@
 #include "pictures/colour.h"
 #include "pictures/pictures.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <fstream>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include "pictures/pictures.h"
 #include "pictures/relief.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {

@@ -3,6 +3,8 @@
 
 #include "raster.h"
 
+#include <string>
+
 Raster DrawErrorNotice(); // shown at its own pixel size when OpenGL lacks what the show needs
 Raster DrawPreview();     // a still of the show, legible at 152 x 112
 Raster DrawLabel();       // the name under the medallion; drawn at 40 % opacity, so strong

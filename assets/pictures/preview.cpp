@@ -3,6 +3,7 @@
 #include "pictures/pictures.h"
 #include "sun_shape.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {

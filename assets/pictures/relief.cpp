@@ -1,5 +1,8 @@
 #include "pictures/relief.h"
 
+#include <algorithm>
+#include <cstdint>
+
 namespace {
 
 constexpr Stop kGoldScale[] = {

@@ -5,6 +5,7 @@
 #include "pictures/colour.h"
 #include "raster.h"
 
+#include <cstdint>
 #include <vector>
 
 // Heights over a picture, in pixels, higher is nearer to the eye.

@@ -3,6 +3,7 @@
 #include "pictures/pictures.h"
 #include "pictures/stars.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {

@@ -3,6 +3,7 @@
 #include "noise.h"
 #include "pictures/colour.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {

@@ -4,6 +4,7 @@
 #include "pictures/pictures.h"
 
 #include <cmath>
+#include <span>
 
 namespace {
 

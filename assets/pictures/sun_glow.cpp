@@ -4,7 +4,9 @@
 #include "pictures/pictures.h"
 #include "sun_shape.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include "package/package_data.h"
 
+#include <cstdint>
+
 void FXBezierGraph::Destroy() {
     resolution = 0;
     valueScale = 1000;

@@ -7,6 +7,8 @@
 #include "geometry/model.h"
 #include "geometry/vector_map.h"
 
+#include <cstdio>
+
 class FXMesh;
 
 // Owns the key frames. Timing follows frameTimes, drawing the models; a file may disagree. With

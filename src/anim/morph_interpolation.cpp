@@ -3,6 +3,7 @@
 #include "geometry/mesh.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 

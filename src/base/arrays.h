@@ -4,10 +4,11 @@
 #include "base/file_handle.h"
 #include "base/memory.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <type_traits>
 
 // Owns its block, never what a pointer element points to. Lists here are short; owners that know the size
@@ -33,15 +34,18 @@ public:
         T* block = static_cast<T*>(fxRealloc(items, static_cast<std::size_t>(n) * kElement));
         if (block == nullptr)
             return false;
-        std::fill(block + std::min(count, capacity), block + n, T{});
+        for (int i = count < capacity ? count : capacity; i < n; ++i)
+            block[i] = T{};
         items = block;
         capacity = n;
         return true;
     }
 
-    void Push(T value) {
-        if (Grow(growBy))
-            items[count++] = value;
+    bool Push(T value) { // false: there is no memory for it
+        if (!Grow(growBy))
+            return false;
+        items[count++] = value;
+        return true;
     }
     void PushInt(int value) requires std::is_integral_v<T> { Push(value); }
     // One element more, its value left as it is.
@@ -57,7 +61,7 @@ public:
         if (i < 0 || i > count) {
             Push(value);
         } else if (Grow(1)) {
-            std::copy_backward(items + i, items + count, items + count + 1);
+            std::memmove(items + i + 1, items + i, static_cast<std::size_t>(count - i) * kElement);
             items[i] = value;
             ++count;
         }
@@ -66,16 +70,20 @@ public:
     T First() const { return count > 0 ? items[0] : T{}; }
     T Last() const { return count > 0 ? items[count - 1] : T{}; }
     int Findpos(T value) const {
-        const T* at = std::find(begin(), end(), value);
-        return at == end() ? -1 : static_cast<int>(at - begin());
+        for (int i = 0; i < count; ++i)
+            if (items[i] == value)
+                return i;
+        return -1;
     }
 
     // Swaps element i with the next (dir > 0) or the previous one (dir < 0); nothing when there is none.
     void MovePos(int i, int dir) {
-        if (dir > 0 && i >= 0 && i < count - 1)
-            std::swap(items[i], items[i + 1]);
-        else if (dir < 0 && i >= 1 && i < count)
-            std::swap(items[i], items[i - 1]);
+        const int other = dir > 0 ? i + 1 : i - 1;
+        if (dir == 0 || i < 0 || i >= count || other < 0 || other >= count)
+            return;
+        const T moved = items[i];
+        items[i] = items[other];
+        items[other] = moved;
     }
 
     // The first element equal to the value; nothing when absent.
@@ -83,8 +91,8 @@ public:
     void RemovePos(int i) {
         if (i < 0 || i >= count)
             return;
-        std::copy(items + i + 1, items + count, items + i);
         --count;
+        std::memmove(items + i, items + i + 1, static_cast<std::size_t>(count - i) * kElement);
     }
     void RemoveAll() { count = 0; } // the block stays
     bool IsEmpty() const { return count == 0; }
@@ -107,8 +115,8 @@ public:
             return false;
         for (T value; count < n && std::fread(&value, sizeof value, 1, file) == 1;) {
             // The stored count is not trusted with the memory: room doubles as elements really arrive.
-            if (!Realloc(count < capacity ? capacity
-                                          : static_cast<int>(std::min<std::int64_t>(n, 2LL * count + 64))))
+            const std::int64_t more = 2LL * count + 64;
+            if (count == capacity && !Realloc(more < n ? static_cast<int>(more) : n))
                 return false;
             items[count++] = value;
         }
@@ -130,7 +138,7 @@ public:
 private:
     // A step below 1 counts as 1, so that a push always finds room or is dropped.
     bool Grow(int step) {
-        const int added = std::max(step, 1);
+        const int added = step > 1 ? step : 1;
         return count < capacity || (capacity <= INT_MAX - added && Realloc(capacity + added));
     }
 };

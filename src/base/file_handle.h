@@ -4,12 +4,11 @@
 #include "base/memory.h"
 
 #include <cstdio>
-#include <memory>
 
 struct FXFileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
-using FXFile = std::unique_ptr<std::FILE, FXFileCloser>;
+using FXFile = FXOwner<std::FILE, FXFileCloser>;
 
 inline FXFile fxOpenFile(const char* name, const char* mode) {
     return FXFile(std::fopen(name, mode));

@@ -3,6 +3,8 @@
 
 #include "base/arrays.h"
 
+#include <cstdio>
+
 // Every string pushed is copied into a block of its own; an empty or null one is stored as a null entry.
 class FXStrArray : private FXArray<char*> {
 public:

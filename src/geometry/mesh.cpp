@@ -3,6 +3,7 @@
 #include "render/environment.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 

@@ -8,6 +8,8 @@
 #include "platform/trace.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 
 // Everything before the vertices.

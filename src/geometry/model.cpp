@@ -5,8 +5,6 @@
 #include "image/material_library.h"
 #include "render/environment.h"
 
-#include <algorithm>
-
 namespace {
 
 void localDeleteAll(FXArray<FXMesh*>& meshes) {

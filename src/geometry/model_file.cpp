@@ -12,7 +12,10 @@
 #include "render/environment.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace {

@@ -8,7 +8,6 @@
 #include "render/environment.h"
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <unordered_map>
 #include <vector>

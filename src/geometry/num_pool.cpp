@@ -5,6 +5,9 @@
 #include "package/file_block.h"
 #include "package/package_data.h"
 
+#include <climits>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 bool FXNumPool::Realloc(int n) {

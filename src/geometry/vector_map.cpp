@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 

@@ -6,8 +6,10 @@
 #include "package/file_block.h"
 #include "package/package.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <span>
 
 namespace {
 

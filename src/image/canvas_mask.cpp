@@ -2,6 +2,7 @@
 #include "image/canvas.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 
 bool FXCanvas::LoadMaskCN(FXPackage* pkg, int entry) {

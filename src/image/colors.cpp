@@ -1,6 +1,7 @@
 #include "image/colors.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 

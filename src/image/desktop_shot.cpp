@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 bool FXScrShot::Update() {
     const int w = GetSystemMetrics(SM_CXSCREEN);

@@ -12,7 +12,6 @@
 #include <sys/shm.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <vector>
 
 namespace {

@@ -4,7 +4,9 @@
 #include "render/environment.h"
 #include "render/vectors.h"
 
+#include <cstdio>
 #include <cstring>
+#include <initializer_list>
 
 // Ambient, diffuse, specular, emission, each as grey and alpha.
 void FXMaterial::SetColors(const float (&colors)[4][2]) {

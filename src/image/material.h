@@ -4,6 +4,8 @@
 #include "base/str.h"
 #include "image/canvas.h"
 
+#include <cstdio>
+
 class FXPackage;
 class FXPackageData;
 

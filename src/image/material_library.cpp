@@ -6,6 +6,7 @@
 #include "render/environment.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 void FXMatlib::AddMaterial(FXMaterial* m) {

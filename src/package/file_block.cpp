@@ -7,7 +7,7 @@ bool FXFileBlock::Load(const char* path) {
     int size = 0;
     bytes_ = file ? fxReadRest(file.get(), &size) : nullptr;
     data.InitData(bytes_.get(), size);
-    return bytes_ != nullptr;
+    return static_cast<bool>(bytes_);
 }
 
 FXFileRest::FXFileRest(std::FILE* file) : file_(file), at_(std::ftell(file)) {

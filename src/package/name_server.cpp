@@ -1,5 +1,7 @@
 #include "package/name_server.h"
 
+#include <climits>
+
 int FXNameServer::FindId(const char* name) const {
     const int at = names.Findpos(name);
     return at < 0 || at > INT_MAX - firstId ? -1 : firstId + at;

@@ -3,8 +3,13 @@
 #include "base/file_handle.h"
 #include "package/scramble.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -112,7 +117,7 @@ int FXPackage::GetDataType(int id) const {
 }
 
 void FXPackage::Destroy() {
-    block.reset();
+    block = nullptr;
     dataBlock = nullptr;
     dataSize = 0;
     for (FXArray<int>* table : {&ids, &offsets, &sizes, &types, &pendingIds})

@@ -4,8 +4,13 @@
 #include "package/package.h"
 #include "package/scramble.h"
 
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace {
 

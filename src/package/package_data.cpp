@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 
 static_assert(std::endian::native == std::endian::little, "records are read as they lie in memory");

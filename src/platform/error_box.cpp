@@ -2,6 +2,7 @@
 #include "platform/trace.h"
 #include "win32/win32.h"
 
+#include <cstdarg>
 #include <cstdio>
 
 namespace {

@@ -2,6 +2,9 @@
 
 #include "platform/trace.h"
 
+#include <cstdarg>
+#include <cstdio>
+
 void fxReport(const char* format, ...) {
     FXStr line;
     va_list arguments;

@@ -3,6 +3,7 @@
 #include "base/memory.h"
 #include "win32/win32.h"
 
+#include <cstdlib>
 #include <memory>
 
 namespace {

@@ -5,6 +5,7 @@
 #include "render/drawable.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 

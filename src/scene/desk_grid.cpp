@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 
 // Row by row: operation(vertex, u, v).
 template <class Operation> void FXDesk::ForEachVertex(Operation operation) {

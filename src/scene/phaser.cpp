@@ -2,6 +2,8 @@
 
 #include "package/package_data.h"
 
+#include <initializer_list>
+
 namespace {
 
 constexpr int kRecord = 18;

@@ -5,6 +5,7 @@
 #include "unit/recorded_device.h"
 #include "unit/trace_lines.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {

@@ -4,6 +4,8 @@
 #include "pack/names_header.h"
 #include "pack/text.h"
 
+#include <string>
+
 namespace {
 
 constexpr OptionRule kOptions[] = {

@@ -10,7 +10,9 @@
 
 #include <cstring>
 #include <map>
+#include <optional>
 #include <set>
+#include <string_view>
 
 namespace {
 

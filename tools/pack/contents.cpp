@@ -12,9 +12,13 @@
 #include "scene/phaser.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -6,7 +6,10 @@
 #include "pack/package_check.h"
 #include "pack/text.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstdio>
+#include <string>
 
 namespace {
 

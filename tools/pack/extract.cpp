@@ -6,7 +6,9 @@
 #include "progress.h"
 
 #include <charconv>
+#include <cstdio>
 #include <filesystem>
+#include <string>
 
 namespace fs = std::filesystem;
 

@@ -3,6 +3,7 @@
 #include "pack/entry_check.h"
 #include "pack/show_entries.h"
 
+#include <optional>
 #include <unordered_map>
 
 namespace {

@@ -7,6 +7,9 @@
 #include "pack/text.h"
 #include "progress.h"
 
+#include <cstdio>
+#include <vector>
+
 namespace {
 
 constexpr OptionRule kOptions[] = {{"--quiet", nullptr}};

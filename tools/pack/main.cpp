@@ -3,6 +3,10 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -3,7 +3,9 @@
 #include "pack/toml_table.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <utility>
 
 namespace fs = std::filesystem;
 

@@ -8,7 +8,9 @@
 #include <tiny_obj_loader.h>
 
 #include <algorithm>
+#include <map>
 #include <sstream>
+#include <vector>
 
 namespace {
 

@@ -4,6 +4,9 @@
 #include "pack/plan.h"
 #include "pack/text.h"
 
+#include <cstdio>
+#include <string>
+
 namespace {
 
 constexpr OptionRule kOptions[] = {{"--files", "a folder"}};

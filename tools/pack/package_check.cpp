@@ -6,6 +6,8 @@
 #include "package/file_block.h"
 #include "package/scramble.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <map>
 #include <numeric>
 

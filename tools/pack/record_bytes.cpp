@@ -11,5 +11,5 @@ bool RecordBytes(const std::function<bool(std::FILE*)>& save, std::string* bytes
     const FXBytes read = fxReadRest(file.get(), &size);
     if (read)
         bytes->assign(reinterpret_cast<const char*>(read.get()), static_cast<std::size_t>(size));
-    return read != nullptr;
+    return static_cast<bool>(read);
 }

@@ -5,6 +5,7 @@
 #include "pack/faults.h"
 #include "package/package_data.h"
 
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>

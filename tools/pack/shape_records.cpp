@@ -4,8 +4,10 @@
 #include "pack/text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <set>
+#include <vector>
 
 namespace {
 

@@ -7,7 +7,9 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdarg>
+#include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -76,7 +78,7 @@ bool ReadWhole(const std::string& file, std::string* bytes, std::string* error) 
         bytes->assign(reinterpret_cast<const char*>(read.get()), static_cast<std::size_t>(size));
     else
         *error = file + ": cannot be read: " + (errno != 0 ? std::strerror(errno) : "it is beyond 2 GiB");
-    return read != nullptr;
+    return static_cast<bool>(read);
 }
 
 bool WriteWhole(const std::string& file, const std::string& bytes, std::string* error) {

@@ -1,6 +1,8 @@
 #include "pack/toml_table.h"
 
 #include <cmath>
+#include <cstdint>
+#include <utility>
 
 namespace {
 

@@ -8,6 +8,7 @@
 
 #include "pack/text.h"
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>

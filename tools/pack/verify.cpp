@@ -7,6 +7,9 @@
 #include "progress.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
 
 namespace {
 
