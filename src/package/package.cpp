@@ -85,21 +85,18 @@ void FXPackage::TakeBody(FXBytes body, int size) {
 }
 
 void FXPackage::RecompClasses() {
-    for (FXPackageData* cursor : cursors)
-        delete cursor;
     cursors.RemoveAll();
-    if (!cursors.Realloc(ids.count)) {
-        problem.Set("has more entries than there is memory for");
-        return;
-    }
     for (int i = 0; i < ids.count; ++i) {
-        auto* cursor = new FXPackageData;
+        FXPackageData* cursor = cursors.Realloc(ids.count) ? cursors.PushNew() : nullptr;
+        if (cursor == nullptr) {
+            problem.Set("has more entries than there is memory for");
+            return;
+        }
         const std::int64_t end = static_cast<std::int64_t>(offsets[i]) + sizes[i];
         if (offsets[i] >= 0 && sizes[i] >= 0 && end <= dataSize)
             cursor->InitData(dataBlock + offsets[i], sizes[i]);
         else
             problem.Set(kCut);
-        cursors.Push(cursor);
     }
 }
 
@@ -122,8 +119,6 @@ void FXPackage::Destroy() {
     dataSize = 0;
     for (FXArray<int>* table : {&ids, &offsets, &sizes, &types, &pendingIds})
         table->DestroyBuf();
-    for (FXPackageData* cursor : cursors)
-        delete cursor;
     cursors.DestroyBuf();
     pendingFiles.DestroyBuf();
     tmpFiles.DestroyBuf();

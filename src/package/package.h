@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/arrays.h"
+#include "base/owner_array.h"
 #include "base/str.h"
 #include "base/str_array.h"
 #include "package/name_server.h"
@@ -64,7 +65,7 @@ public:
     FXArray<int> offsets; // of each entry, from the start of dataBlock
     FXArray<int> sizes;
     FXArray<int> types;
-    FXArray<FXPackageData*> cursors; // owned
+    FXOwnerArray<FXPackageData> cursors;
     FXArray<int> pendingIds;
     FXStrArray pendingFiles;
     FXStrArray tmpFiles;
