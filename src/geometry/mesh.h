@@ -54,18 +54,18 @@ public:
     void ApplyRedir(FXVectorMap* map, const FXArray<int>* const* redirect) const;
     void DiscardVertices(); // those that no index refers to; `touched` of the rest holds their new number
 
-    // Normals (mesh_normals.cpp): a vertex gets the normalised sum of the unit normals of its faces.
+    // Normals: a vertex gets the normalised sum of the unit normals of its faces.
     void ComputeNormals(bool onlyTouched) { ComputeNormalsZ(onlyTouched, 1.0f); }
     void ComputeNormalsZ(bool onlyTouched, float zScale);
     void Normalize(bool onlyTouched);
 
-    // Texture coordinates (mesh_texcoords.cpp).
+    // Texture coordinates.
     void ResizeTexCoords();                // from the extents in force when stored to the material's
     void ResizeTexCoords1();               // by the material's extents alone
     void ComputeFrontTexCoords();          // seen along z, for a mesh in -1..1
     void CopyTexCoords(const FXMesh* src); // vertex by vertex, as far as both go
 
-    // Pictures read vertex by vertex (mesh_maps.cpp), at the texture coordinates, with 1 - v under flipV. A
+    // Pictures read vertex by vertex, at the texture coordinates, with 1 - v under flipV. A
     // vertex is moved along its normal by `d`, or by blue times `scale` where that is above 0; `touched` then
     // says so. A colour map's colours are multiplied by rgba.
     void ExtendPositions(float d);
@@ -73,7 +73,7 @@ public:
     void ApplyColorMap(const FXCanvas* canvas, const float* rgba);
     void ApplyFrontColorMap(const FXCanvas* canvas, const float* rgba); // seen along z, for a mesh in -1..1
 
-    // Fitting (mesh_fit.cpp). Normals stay.
+    // Fitting. Normals stay.
     void Unitize();
     void FindMaxims(float* box) const;
     void FindMultiMaxims(bool* first, float* box) const;
