@@ -1,10 +1,15 @@
 #include "render/gl_device.h"
 
+#include "geometry/mesh.h"
 #include "image/light.h"
+#include "image/material.h"
 #include "platform/threads.h"
+#include "platform/trace.h"
 #include "render/gl.h"
 
 #include <algorithm>
+#include <bit>
+#include <string_view>
 
 namespace {
 
@@ -40,6 +45,116 @@ void localLoadLight(GLenum number, const FXLight& light) {
     glLightfv(number, GL_LINEAR_ATTENUATION, &light.linearAttenuation);
     glLightfv(number, GL_QUADRATIC_ATTENUATION, &light.quadraticAttenuation);
     glEnable(number);
+}
+
+// Null where the driver has no answer.
+const char* localGLString(GLenum name) {
+    return reinterpret_cast<const char*>(glGetString(name));
+}
+
+// What printf writes for a null string where it allows one.
+const char* localPrintable(const char* text) {
+    return text != nullptr ? text : "(null)";
+}
+
+template <class Function> void localFetch(Function*& function, const char* name) {
+    function = std::bit_cast<Function*>(wglGetProcAddress(name));
+}
+
+// OpenGL 1.1's count of components as the internal format.
+constexpr GLint kComponents = 4;
+
+// Makes the material's texture object current, and one if it has none.
+void localBindNamed(FXMaterial* m) {
+    if (m->texName == 0)
+        glGenTextures(1, &m->texName);
+    glBindTexture(GL_TEXTURE_2D, m->texName);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+}
+
+void localUpload(const FXPixmap& p, bool mipmaps) {
+    if (mipmaps)
+        gluBuild2DMipmaps(GL_TEXTURE_2D, kComponents, p.width, p.height, GL_RGBA, GL_UNSIGNED_BYTE, p.pixels);
+    else
+        glTexImage2D(GL_TEXTURE_2D, 0, kComponents, p.width, p.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                     p.pixels);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, mipmaps ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+// Binds the material's texture on the active unit, or none; gives whether there is one.
+bool localBind(const FXMaterial* m) {
+    const bool textured = m != nullptr && m->prepared && m->texName != 0;
+    if (textured)
+        glEnable(GL_TEXTURE_2D);
+    else
+        glDisable(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, textured ? m->texName : 0);
+    return textured;
+}
+
+// What is sent for a vertex is decided once for a mesh: each combination is a loop of its own.
+template <bool kColor, bool kNormal, bool kTexture, bool kSecond>
+void localSend(const FXMesh* mesh, const FXMesh* second) {
+    for (int i = 0; i < mesh->indexCount; ++i) {
+        const int at = mesh->indices[i];
+        const tagFXVertex& v = mesh->vertices[at];
+        if constexpr (kColor)
+            glColor4fv(v.color);
+        if constexpr (kNormal)
+            glNormal3fv(v.normal);
+        if constexpr (kTexture)
+            glTexCoord2fv(v.tex);
+        if constexpr (kTexture && kSecond)
+            fxMultitexture.glMultiTexCoord2fv(GL_TEXTURE1, second->vertices[at].tex);
+        glVertex3fv(v.pos);
+    }
+}
+
+using Sender = void (*)(const FXMesh*, const FXMesh*);
+
+// By colours, lights, texture.
+template <bool kSecond>
+constexpr Sender kSenders[2][2][2] = {
+    {{localSend<false, false, false, kSecond>, localSend<false, false, true, kSecond>},
+     {localSend<false, true, false, kSecond>, localSend<false, true, true, kSecond>}},
+    {{localSend<true, false, false, kSecond>, localSend<true, false, true, kSecond>},
+     {localSend<true, true, false, kSecond>, localSend<true, true, true, kSecond>}},
+};
+
+template <bool kSecond> void localSendAll(const FXGL* env, const FXMesh* mesh, const FXMesh* second) {
+    glBegin(GL_TRIANGLES);
+    if (mesh->colorMode == 0 || mesh->colorMode == 1)
+        kSenders<kSecond>[mesh->colorMode][env->lightsOn][env->textureUnit0Bound](mesh, second);
+    glEnd();
+}
+
+void localRawRender(const FXGL* env, const FXMesh* mesh) {
+    localSendAll<false>(env, mesh, nullptr);
+}
+
+void localRawRender2(const FXGL* env, const FXMesh* mesh, const FXMesh* second) {
+    localSendAll<true>(env, mesh, second);
+}
+
+void localApplyColorMode(int mode) {
+    if (mode == 0) {
+        glColor4f(1, 1, 1, 1);
+        glDisable(GL_COLOR_MATERIAL);
+    } else if (mode == 1) {
+        glEnable(GL_COLOR_MATERIAL);
+        glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
+        glColor4f(1, 1, 1, 1);
+    }
+}
+
+// Has the second mesh room for every vertex that the first one's triangles name? What it draws itself is its
+// own business.
+bool localHoldsCorners(const FXMesh* second, const FXMesh* mesh) {
+    return *std::max_element(mesh->indices, mesh->indices + mesh->indexCount) < second->vertexCapacity;
 }
 
 } // namespace
@@ -266,4 +381,135 @@ void FXGL::EnableCullface(bool front, bool back) {
     localSwitch(front || back, GL_CULL_FACE);
     if (front || back)
         glCullFace(back ? GL_BACK : GL_FRONT);
+}
+
+// What the driver offers, and whether it suffices.
+
+FXMultitexture fxMultitexture = {};
+
+bool FXGL::TestExtensionString(const char* extensions, const char* name) {
+    const std::string_view list(extensions ? extensions : "");
+    const std::string_view wanted(name ? name : "");
+    if (list.empty() || wanted.empty())
+        return false;
+    for (std::size_t at = list.find(wanted); at != std::string_view::npos; at = list.find(wanted, at + 1)) {
+        const std::size_t end = at + wanted.size();
+        if (end == list.size() || list[end] == ' ')
+            return true;
+    }
+    return false;
+}
+
+bool FXGL::InitExtensions() {
+    trc("OpenGL info:\n");
+    trc("vendor: %s\n", localPrintable(localGLString(GL_VENDOR)));
+    trc("renderer: %s\n", localPrintable(localGLString(GL_RENDERER)));
+    trc("version: %s\n", localPrintable(localGLString(GL_VERSION)));
+
+    const char* list = localGLString(GL_EXTENSIONS);
+    const auto has = [list](const char* name) { return TestExtensionString(list, name); };
+    hasBgra = has("EXT_bgra");
+    hasSeparateSpecular = has("EXT_separate_specular_color");
+    hasEdgeClamp = has("EXT_texture_edge_clamp") || has("SGIS_texture_edge_clamp");
+    hasMultitexture = has("ARB_multitexture");
+    hasCubeMap = has("ARB_texture_cube_map");
+    npot = has("ARB_texture_non_power_of_two");
+
+    fxMultitexture = {};
+    if (hasMultitexture) {
+        localFetch(fxMultitexture.glActiveTexture, "glActiveTexture");
+        localFetch(fxMultitexture.glMultiTexCoord2f, "glMultiTexCoord2f");
+        localFetch(fxMultitexture.glMultiTexCoord2fv, "glMultiTexCoord2fv");
+    }
+
+    const struct {
+        bool found;
+        const char* name;
+    } offered[] = {{hasBgra, "EXT_bgra"},
+                   {hasSeparateSpecular, "EXT_separate_specular_color"},
+                   {hasEdgeClamp, "EXT_texture_edge_clamp"},
+                   {hasMultitexture, "ARB_multitexture"},
+                   {hasCubeMap, "ARB_texture_cube_map"},
+                   {npot, "ARB_texture_non_power_of_two"}};
+    for (const auto& extension : offered)
+        if (extension.found)
+            trc("%s\n", extension.name);
+    return hasEdgeClamp;
+}
+
+bool FXGL::TestGL(bool showMessage) {
+    if (!hasMultitexture && showMessage)
+        MessageBoxA(nullptr,
+                    "Your Graphics Capabilities seems to be insufficient. Either you have no Graphics Card, "
+                    "or you have not installed the drivers for it.",
+                    "OrinLab", MB_OK);
+    return hasMultitexture;
+}
+
+// Textures and materials.
+
+bool FXGL::PrepareTexture(FXMaterial* m) {
+    if (rc == nullptr)
+        return true;
+    localBindNamed(m);
+    localUpload(*m->picture, m->mipmaps);
+    return true;
+}
+
+bool FXGL::FastPrepareTexture(FXMaterial* m, FXPixmap* p) {
+    if (rc == nullptr)
+        return true;
+    localBindNamed(m);
+    localUpload(*p, false);
+    m->extentU = static_cast<float>(static_cast<double>(p->usedWidth) / p->width);
+    m->extentV = static_cast<float>(static_cast<double>(p->usedHeight) / p->height);
+    m->prepared = true;
+    return true;
+}
+
+void FXGL::UnprepareTexture(FXMaterial* m) {
+    if (m->texName != 0 && rc != nullptr)
+        glDeleteTextures(1, &m->texName);
+    m->texName = 0;
+}
+
+void FXGL::ApplyMaterial(FXMaterial* m) {
+    if (testingMaterial)
+        return;
+    glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, m->ambient);
+    glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, m->diffuse);
+    glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, m->specular);
+    glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, m->emission);
+    glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, m->shininess);
+    textureUnit0Bound = localBind(m);
+}
+
+void FXGL::ApplyMaterial2(FXMaterial* m) {
+    if (testingMaterial || fxMultitexture.glActiveTexture == nullptr)
+        return;
+    fxMultitexture.glActiveTexture(GL_TEXTURE1);
+    textureUnit1Bound = localBind(m);
+    fxMultitexture.glActiveTexture(GL_TEXTURE0);
+}
+
+// Meshes: triangles in immediate mode, sent anew for every frame.
+
+void FXGL::RenderMesh(FXMesh* mesh) {
+    if (mesh->disabled || mesh->vertexCount < 1 || mesh->indexCount < 1)
+        return;
+    localApplyColorMode(mesh->colorMode);
+    if (mesh->material != nullptr)
+        ApplyMaterial(mesh->material);
+    else
+        ApplyDefaultMaterial();
+
+    const FXMesh* second = mesh->secondMesh;
+    if (second == nullptr) {
+        ApplyMaterial2(nullptr);
+        localRawRender(this, mesh);
+    } else if (hasMultitexture && fxMultitexture.glMultiTexCoord2fv != nullptr &&
+               localHoldsCorners(second, mesh)) {
+        ApplyMaterial2(second->material);
+        localRawRender2(this, mesh, second);
+    }
 }
