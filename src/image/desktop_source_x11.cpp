@@ -160,7 +160,7 @@ bool fxDesktopCopy(int w, int h) {
         err("XOpenDisplay (desktop capture)\n");
         return false;
     }
-    const Place primary = ListMonitors(display).front();
+    const Place primary = x11::ListMonitors(display).front();
     copyWidth = std::min(w, primary.width);
     copyHeight = std::min(h, primary.height);
     copy.assign(static_cast<std::size_t>(copyWidth) * static_cast<std::size_t>(copyHeight) * 4, 0);

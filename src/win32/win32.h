@@ -1,6 +1,6 @@
 // The door to the platform. On Windows: the system's own headers. Elsewhere: the types, constants and
-// functions of the same names and values that Tamblor calls, and no more; src/win32/posix, x11 and offscreen
-// are what answers them.
+// functions of the same names and values that Tamblor calls, and no more; win32/posix and win32/windowing
+// answer them.
 #pragma once
 
 #ifdef _WIN32

@@ -1,5 +1,5 @@
-// The process entry, and the facts of the process.
-#include "win32/x11/x11.h"
+// The saver's process entry, and the facts of the process.
+#include "win32/windowing/windowing.h"
 
 #include <charconv>
 #include <csignal>
@@ -9,6 +9,9 @@
 #include <vector>
 
 namespace {
+
+// The preferred one first.
+constexpr const WindowSystem* kWindowSystems[] = {&kX11};
 
 std::string commandLine;
 
@@ -92,6 +95,7 @@ BOOL SystemParametersInfoA(UINT, UINT, void*, UINT) {
 
 int main(int count, char** words) {
     ListenToSignals();
+    OfferWindowSystems(kWindowSystems);
     const std::vector<std::string> all(words, words + count);
     commandLine = Joined(all);
     std::string arguments = count > 0 ? Joined(Arguments({words + 1, words + count})) : "";

@@ -1,15 +1,14 @@
-// The message queue of the main thread: what is posted, and what the X server and signals report.
-#include "win32/x11/x11.h"
+// The message queue of the main thread: what is posted, and what the window system and signals report.
+#include "win32/windowing/windowing.h"
 
 #include <cerrno>
 #include <deque>
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 
 namespace {
 
-std::deque<MSG> posted;
+std::deque<MSG> posted; // for the program's window, which TakePosted fills in
 bool quitPosted = false;
 int quitCode = 0;
 
@@ -42,6 +41,7 @@ bool TakePosted(MSG* message) {
     if (posted.empty())
         return false;
     *message = posted.front();
+    message->hwnd = programWindow.handle;
     posted.pop_front();
     return true;
 }
@@ -56,19 +56,13 @@ bool TakeQuit(MSG* message) {
     return true;
 }
 
-// Reads what has come from the X server; waits when nothing has.
-void Pump(Display* display) {
-    int timeout = saverWindow.fullScreen ? HoldScreen() : -1;
-    while (XPending(display) > 0) {
-        XEvent event;
-        XNextEvent(display, &event);
-        TranslateEvent(event);
-        timeout = 0;
-    }
-    pollfd sources[] = {{ConnectionNumber(display), POLLIN, 0}, {signalPipe.ReadEnd(), POLLIN, 0}};
-    poll(sources, 2, posted.empty() ? timeout : 0);
-    if (signalPipe.Signalled() && saverWindow.id != None)
-        DestroyWindow(HandleOf(saverWindow.id));
+// Reads what has come from the window system; waits when nothing has.
+void Pump() {
+    const WindowSystem& system = UsedWindowSystem();
+    const int milliseconds = system.ReadEvents();
+    system.WaitForEvents(signalPipe.ReadEnd(), posted.empty() ? milliseconds : 0);
+    if (signalPipe.Signalled() && programWindow.handle != nullptr)
+        DestroyWindow(programWindow.handle);
 }
 
 } // namespace
@@ -77,14 +71,18 @@ void RequestEnd() {
     signalPipe.Signal();
 }
 
+void PostToWindow(UINT message, WPARAM wParam, LPARAM lParam) {
+    posted.push_back({nullptr, message, wParam, lParam, timeGetTime(), {}});
+}
+
 void DropMessages() {
     posted.clear();
 }
 
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (!IsSaverWindow(window))
+    if (!IsProgramWindow(window))
         return FALSE;
-    posted.push_back({window, message, wParam, lParam, timeGetTime(), {}});
+    PostToWindow(message, wParam, lParam);
     return TRUE;
 }
 
@@ -100,9 +98,9 @@ BOOL GetMessageA(MSG* message, HWND, UINT, UINT) {
             return TRUE;
         if (TakeQuit(message))
             return FALSE;
-        if (Connection() == nullptr || saverWindow.id == None)
+        if (programWindow.handle == nullptr)
             return -1; // nothing could ever come
-        Pump(Connection());
+        Pump();
     }
 }
 
@@ -116,7 +114,7 @@ LRESULT DispatchMessageA(const MSG* message) {
 }
 
 LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return IsSaverWindow(window) ? saverWindow.proc(window, message, wParam, lParam) : 0;
+    return IsProgramWindow(window) ? programWindow.proc(window, message, wParam, lParam) : 0;
 }
 
 LRESULT DefWindowProcA(HWND window, UINT message, WPARAM, LPARAM) {

@@ -3,6 +3,8 @@
 
 #include <unistd.h>
 
+namespace x11 {
+
 namespace {
 
 thread_local bool errorSeen = false;
@@ -45,3 +47,5 @@ bool ErrorTrap::Clean() {
     XSync(display_, False);
     return !errorSeen;
 }
+
+} // namespace x11

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace x11 {
+
 namespace {
 
 std::vector<Window> covers;
@@ -42,3 +44,5 @@ bool IsCover(Window window) {
 std::span<const Window> Covers() {
     return covers;
 }
+
+} // namespace x11

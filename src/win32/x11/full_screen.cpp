@@ -6,9 +6,10 @@
 #include <X11/XKBlib.h>
 
 #include <algorithm>
-#include <bitset>
 #include <chrono>
 #include <utility>
+
+namespace x11 {
 
 namespace {
 
@@ -32,7 +33,6 @@ bool keyboardHeld = false;
 bool pointerHeld = false;
 Window focusBefore = None;
 Cursor blank = None;
-std::bitset<256> downBefore;
 
 void TryGrabs() {
     Display* display = Connection();
@@ -125,13 +125,14 @@ void OnStacked(Window window) {
     stackChanged = stackChanged || !IsOwn(window);
 }
 
-// The Return that started the saver is no wish to end it. Its repeats must not look like new presses.
-void RememberKeysDown() {
+// Their repeats must not look like new presses.
+void ReportKeysDown() {
     Display* display = Connection();
     char keys[32] = {};
     XQueryKeymap(display, keys);
-    for (unsigned code = 0; code < downBefore.size(); ++code)
-        downBefore[code] = (keys[code / 8] >> code % 8 & 1) != 0;
+    for (unsigned code = 0; code < sizeof keys * 8; ++code)
+        if ((keys[code / 8] >> code % 8 & 1) != 0)
+            ReportHeldKey(code);
     XkbSetDetectableAutoRepeat(display, True, nullptr);
 }
 
@@ -150,7 +151,7 @@ Cursor BlankCursor() {
 }
 
 void PrepareFullScreen() {
-    RememberKeysDown();
+    ReportKeysDown();
     FitCovers(Monitors().subspan(1));
 }
 
@@ -224,19 +225,11 @@ void LeaveFullScreen() {
     blank = None;
 }
 
-bool IsStaleKey(unsigned code, bool pressed) {
-    if (code >= downBefore.size() || !downBefore[code])
-        return false;
-    downBefore[code] = pressed;
-    return true;
+void HideCursor() {
+    if (saverWindow.gone)
+        return;
+    saverWindow.cursorHidden = true;
+    XDefineCursor(Connection(), saverWindow.id, BlankCursor());
 }
 
-// One cursor is known: none.
-HCURSOR SetCursor(HCURSOR cursor) {
-    if (saverWindow.id == None || saverWindow.gone)
-        return nullptr;
-    saverWindow.cursorHidden = cursor == nullptr;
-    if (saverWindow.cursorHidden)
-        XDefineCursor(Connection(), saverWindow.id, BlankCursor());
-    return nullptr;
-}
+} // namespace x11

@@ -6,6 +6,8 @@
 #include <memory>
 #include <tuple>
 
+namespace x11 {
+
 namespace {
 
 struct FreeMonitors {
@@ -97,3 +99,5 @@ bool IsMonitorEvent(Display* display, const XEvent& event) {
         return event.xconfigure.window == DefaultRootWindow(display);
     return first >= 0 && (event.type == first + RRScreenChangeNotify || event.type == first + RRNotify);
 }
+
+} // namespace x11

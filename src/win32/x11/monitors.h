@@ -1,16 +1,13 @@
 // Where windows and monitors lie.
 #pragma once
 
+#include "win32/window_system.h"
+
 #include <X11/Xlib.h>
 
 #include <vector>
 
-// Relative to a window's parent, or on the whole X screen.
-struct Place {
-    int x = 0, y = 0, width = 0, height = 0;
-
-    bool operator==(const Place&) const = default;
-};
+namespace x11 {
 
 // False when the window is gone.
 bool FindGeometry(Display* display, Window window, Place* place);
@@ -23,3 +20,5 @@ std::vector<Place> ListMonitors(Display* display);
 void WatchMonitors(Display* display);
 // True for such an event.
 bool IsMonitorEvent(Display* display, const XEvent& event);
+
+} // namespace x11

@@ -1,6 +1,8 @@
 // The screen as a whole: its monitors, its pointer, who has the keyboard.
 #include "win32/x11/x11.h"
 
+namespace x11 {
+
 namespace {
 
 std::vector<Place> monitors;
@@ -17,19 +19,19 @@ std::span<const Place> Monitors() {
     return monitors;
 }
 
-int GetSystemMetrics(int index) {
+Place FindScreen() {
     if (Connection() == nullptr)
-        return 0;
+        return {};
     const Place& primary = Monitors().front();
-    return index == SM_CXSCREEN ? primary.width : index == SM_CYSCREEN ? primary.height : 0;
+    return {0, 0, primary.width, primary.height};
 }
 
 // Where the pointer is on the X screen: that does not change when another monitor becomes the primary one,
 // and positions are only compared with each other.
-BOOL GetCursorPos(POINT* position) {
+bool FindPointer(POINT* position) {
     Display* display = Connection();
     if (display == nullptr)
-        return FALSE;
+        return false;
     Window root = None;
     Window child = None;
     int x = 0;
@@ -40,7 +42,7 @@ BOOL GetCursorPos(POINT* position) {
     XQueryPointer(display, DefaultRootWindow(display), &root, &child, &x, &y, &inWindowX, &inWindowY,
                   &buttons);
     *position = {x, y};
-    return TRUE;
+    return true;
 }
 
 Window FocusedWindow() {
@@ -50,7 +52,4 @@ Window FocusedWindow() {
     return focus;
 }
 
-HWND GetForegroundWindow() {
-    const Window focus = Connection() != nullptr ? FocusedWindow() : None;
-    return focus == PointerRoot ? nullptr : HandleOf(focus);
-}
+} // namespace x11

@@ -1,4 +1,4 @@
-// Windows: the saver's own, and questions about others.
+// Windows: the program's own, and questions about others.
 #include "win32/x11/x11.h"
 
 #include <X11/Xutil.h>
@@ -6,47 +6,15 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 #include <utility>
+
+namespace x11 {
 
 SaverWindow saverWindow;
 
 namespace {
 
-// The one class that the program registers.
-std::string className;
-WNDPROC classProc = nullptr;
-
-// A window's place: relative to its parent, or on the screen as Win32 counts. The root window stands for the
-// desktop, which is as large as the primary monitor.
-bool FindPlace(HWND window, bool onScreen, Place* place) {
-    Display* display = Connection();
-    if (display == nullptr || window == nullptr)
-        return false;
-    const Place& primary = Monitors().front();
-    if (IdOf(window) == DefaultRootWindow(display)) {
-        *place = {0, 0, primary.width, primary.height};
-        return true;
-    }
-    XWindowAttributes facts = {};
-    ErrorTrap trap(display);
-    if (XGetWindowAttributes(display, IdOf(window), &facts) == 0)
-        return false;
-    *place = {facts.x, facts.y, facts.width, facts.height};
-    Window child = None;
-    if (onScreen) {
-        XTranslateCoordinates(display, IdOf(window), facts.root, 0, 0, &place->x, &place->y, &child);
-        place->x -= primary.x;
-        place->y -= primary.y;
-    }
-    return trap.Clean();
-}
-
-RECT RectOf(const Place& place) {
-    return {place.x, place.y, place.x + place.width, place.y + place.height};
-}
-
-// From a place in a parent as Win32 counts to X's.
+// From a place in a parent or on the screen to X's.
 Place PlaceIn(Window parent, const Place& place) {
     if (parent != DefaultRootWindow(Connection()))
         return place;
@@ -90,29 +58,6 @@ void Introduce(Display* display, Window id, const char* title) {
     XSetWMProtocols(display, id, protocols, 1);
 }
 
-void Show() {
-    if (saverWindow.shown)
-        return;
-    saverWindow.shown = true;
-    if (saverWindow.fullScreen)
-        PrepareFullScreen();
-    XMapRaised(Connection(), saverWindow.id);
-    XSync(Connection(), False);
-    if (saverWindow.fullScreen)
-        EnterFullScreen();
-}
-
-void Release() {
-    if (!saverWindow.gone) {
-        if (saverWindow.fullScreen)
-            LeaveFullScreen();
-        XDestroyWindow(Connection(), saverWindow.id);
-        XFlush(Connection());
-    }
-    saverWindow = {};
-    DropMessages();
-}
-
 } // namespace
 
 void PlaceSaver(const Place& place) {
@@ -124,75 +69,80 @@ void PlaceSaver(const Place& place) {
     if (place.width == before.width && place.height == before.height)
         return;
     FitSurface(place.width, place.height);
-    PostMessageA(HandleOf(saverWindow.id), WM_SIZE, 0, place.height << 16 | (place.width & 0xFFFF));
+    ReportSize(place.width, place.height);
 }
 
 void FollowParent() {
     Place parent;
-    if (FindPlace(HandleOf(saverWindow.parent), false, &parent))
+    if (FindWindow(HandleOf(saverWindow.parent), &parent))
         PlaceSaver(PlaceIn(saverWindow.parent, {0, 0, parent.width, parent.height}));
 }
 
-ATOM RegisterClassA(const WNDCLASSA* windowClass) {
-    className = windowClass->lpszClassName;
-    classProc = windowClass->lpfnWndProc;
-    return 1;
-}
-
-// The window is mapped only after WM_CREATE: the desktop is photographed in there.
-HWND CreateWindowExA(DWORD, const char* name, const char* title, DWORD style, int x, int y, int width,
-                     int height, HWND parent, HMENU, HINSTANCE, void*) {
+HWND CreateWindow(const WindowRequest& request) {
     Display* display = Connection();
     if (display == nullptr) {
         const char* wanted = std::getenv("DISPLAY");
         std::fprintf(stderr, "tamblor: cannot open display %s\n", wanted ? wanted : "(DISPLAY is not set)");
         return nullptr;
     }
-    if (saverWindow.id != None || classProc == nullptr || className != name)
-        return nullptr;
-    const bool child = (style & WS_CHILD) != 0;
-    const Window outer = child ? IdOf(parent) : DefaultRootWindow(display);
-    const Place place = PlaceIn(outer, {x, y, width, height});
-    const Window id = CreateXWindow(display, outer, place, child);
+    const bool child = request.parent != nullptr;
+    const Window parent = child ? IdOf(request.parent) : DefaultRootWindow(display);
+    const Place place = PlaceIn(parent, request.place);
+    const Window id = CreateXWindow(display, parent, place, child);
     if (id == None)
         return nullptr;
     saverWindow = {};
     saverWindow.id = id;
-    saverWindow.proc = classProc;
-    saverWindow.parent = outer;
+    saverWindow.parent = parent;
     saverWindow.place = place;
     saverWindow.fullScreen = !child;
     WatchSurroundings();
-    Introduce(display, id, title);
-    if (SendMessageA(HandleOf(id), WM_CREATE, 0, 0) == -1) {
-        Release();
-        return nullptr;
-    }
-    if ((style & WS_VISIBLE) != 0)
-        Show();
+    Introduce(display, id, request.title);
     return HandleOf(id);
 }
 
-BOOL DestroyWindow(HWND window) {
-    if (!IsSaverWindow(window) || saverWindow.dying)
-        return FALSE;
-    saverWindow.dying = true;
-    SendMessageA(window, WM_DESTROY, 0, 0);
-    Release();
-    return TRUE;
+void ShowWindow() {
+    if (saverWindow.fullScreen)
+        PrepareFullScreen();
+    XMapRaised(Connection(), saverWindow.id);
+    XSync(Connection(), False);
+    if (saverWindow.fullScreen)
+        EnterFullScreen();
 }
 
-BOOL ShowWindow(HWND window, int) {
-    if (!IsSaverWindow(window))
-        return FALSE;
-    const bool before = saverWindow.shown;
-    Show();
-    return before ? TRUE : FALSE;
+void DestroyWindow() {
+    if (!saverWindow.gone) {
+        if (saverWindow.fullScreen)
+            LeaveFullScreen();
+        XDestroyWindow(Connection(), saverWindow.id);
+        XFlush(Connection());
+    }
+    saverWindow = {};
 }
 
-HWND SetParent(HWND window, HWND parent) {
-    if (!IsSaverWindow(window))
-        return nullptr;
+// The root window stands for the desktop, which is as large as the primary monitor.
+bool FindWindow(HWND window, Place* place) {
+    Display* display = Connection();
+    if (display == nullptr || window == nullptr)
+        return false;
+    if (IdOf(window) == DefaultRootWindow(display)) {
+        *place = FindScreen();
+        return true;
+    }
+    const Place& primary = Monitors().front();
+    XWindowAttributes facts = {};
+    ErrorTrap trap(display);
+    if (XGetWindowAttributes(display, IdOf(window), &facts) == 0)
+        return false;
+    Window child = None;
+    *place = {0, 0, facts.width, facts.height};
+    XTranslateCoordinates(display, IdOf(window), facts.root, 0, 0, &place->x, &place->y, &child);
+    place->x -= primary.x;
+    place->y -= primary.y;
+    return trap.Clean();
+}
+
+HWND SetParent(HWND parent) {
     Display* display = Connection();
     ErrorTrap trap(display);
     Window root = None;
@@ -209,40 +159,20 @@ HWND SetParent(HWND window, HWND parent) {
     return trap.Clean() ? HandleOf(before) : nullptr;
 }
 
-BOOL SetWindowPos(HWND window, HWND, int x, int y, int width, int height, UINT) {
-    if (!IsSaverWindow(window) || width <= 0 || height <= 0)
-        return FALSE;
+bool PlaceWindow(const Place& place) {
     Display* display = Connection();
     ErrorTrap trap(display);
-    PlaceSaver(PlaceIn(saverWindow.parent, {x, y, width, height}));
+    PlaceSaver(PlaceIn(saverWindow.parent, place));
     XRaiseWindow(display, saverWindow.id);
-    return trap.Clean() ? TRUE : FALSE;
+    return trap.Clean();
 }
 
-// OpenGL paints, at its own pace.
-BOOL UpdateWindow(HWND window) {
-    return IsSaverWindow(window) ? TRUE : FALSE;
+void ShowBlack() {
+    Display* display = Connection();
+    ErrorTrap trap(display);
+    XSetWindowBackground(display, saverWindow.id, BlackPixel(display, DefaultScreen(display)));
+    XClearWindow(display, saverWindow.id);
+    trap.Clean();
 }
 
-BOOL ValidateRect(HWND window, const RECT*) {
-    return IsSaverWindow(window) ? TRUE : FALSE;
-}
-
-BOOL IsWindow(HWND window) {
-    Place place;
-    return FindPlace(window, false, &place) ? TRUE : FALSE;
-}
-
-BOOL GetClientRect(HWND window, RECT* area) {
-    Place place;
-    const bool found = FindPlace(window, false, &place);
-    *area = {0, 0, place.width, place.height};
-    return found ? TRUE : FALSE;
-}
-
-BOOL GetWindowRect(HWND window, RECT* area) {
-    Place place;
-    const bool found = FindPlace(window, true, &place);
-    *area = RectOf(place);
-    return found ? TRUE : FALSE;
-}
+} // namespace x11

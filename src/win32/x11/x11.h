@@ -1,18 +1,20 @@
-// What the files of this folder share. The layer serves a program of one window: the saver's, which covers
-// the primary monitor or lies in somebody else's window. All of it belongs to the main thread, but for OpenGL
-// (gl_context.cpp), which has a connection to the X server of its own, so that no two threads ever wait for
-// each other's replies.
+// What the files of this folder share. The window covers the primary monitor or lies in somebody else's
+// window. All of it belongs to the main thread, but for OpenGL (gl_surface.cpp), which has a connection to
+// the X server of its own, so that no two threads ever wait for each other's replies.
 //
-// Win32's screen coordinates begin at the primary monitor's corner, X's at the screen's. Places here are X's.
+// The screen's coordinates begin at the primary monitor's corner (win32/window_system.h), X's at the X
+// screen's. Places here are X's.
 #pragma once
 
-#include "win32/win32.h"
+#include "win32/window_system.h"
 #include "win32/x11/monitors.h"
 
 #include <X11/Xlib.h>
 
 #include <span>
 #include <vector>
+
+namespace x11 {
 
 // A connection to the X server whose errors end nothing: a request that fails is passed over, and when the
 // server goes away the process ends at once with exit code 0. Null when there is no server.
@@ -29,17 +31,14 @@ private:
     Display* display_;
 };
 
-// The saver's window.
+// The program's window.
 struct SaverWindow {
     Window id = None; // None: there is no window
-    WNDPROC proc = nullptr;
     Window parent = None;
     Place place; // in the parent
     bool fullScreen = false;
-    bool shown = false;
     bool cursorHidden = false;
-    bool dying = false; // WM_DESTROY has been sent
-    bool gone = false;  // the server has destroyed it already, with its parent
+    bool gone = false; // the server has destroyed it already, with its parent
 };
 extern SaverWindow saverWindow;
 
@@ -48,10 +47,6 @@ inline HWND HandleOf(Window id) {
 }
 inline Window IdOf(HWND window) {
     return static_cast<Window>(reinterpret_cast<std::uintptr_t>(window));
-}
-// True for the handle of the saver's window while it lives.
-inline bool IsSaverWindow(HWND window) {
-    return window != nullptr && IdOf(window) == saverWindow.id;
 }
 
 // The window takes a place in its parent; its picture and the procedure follow when the size is a new one.
@@ -62,10 +57,6 @@ void FollowParent();
 
 // The input that any window of ours receives on the screen.
 constexpr long kInputMask = KeyPressMask | KeyReleaseMask | ButtonPressMask | PointerMotionMask;
-
-// Puts the message of an event, if it has one, into the queue.
-void TranslateEvent(const XEvent& event);
-void DropMessages();
 
 // screen.cpp: the monitors as they were last read, the primary one first.
 std::span<const Place> Monitors();
@@ -78,11 +69,8 @@ bool IsCover(Window window);
 std::span<const Window> Covers();
 
 // full_screen.cpp: what makes the window the only thing that the user sees and talks to.
-// Before the window is shown: covers the other monitors. A key that is down now was pressed for somebody
-// else.
+// Before the window is shown: covers the other monitors, and reports the keys that are down.
 void PrepareFullScreen();
-// True for the events of such a key, until it is released.
-bool IsStaleKey(unsigned code, bool pressed);
 // After it is shown: takes the keyboard and the pointer.
 void EnterFullScreen();
 void LeaveFullScreen();
@@ -95,8 +83,23 @@ void OnInputLost();
 void OnScreenEvent(const XEvent& event);
 Cursor BlankCursor();
 
-// gl_context.cpp: the picture in the window takes the window's new size.
+// gl_surface.cpp: the picture in the window takes the window's new size.
 void FitSurface(int width, int height);
 
-// A signal asks for the end: the window is destroyed by the message loop. For signal handlers.
-void RequestEnd();
+// The functions of the window system's table (x11.cpp), in the file that their subject has.
+Place FindScreen();
+bool FindPointer(POINT* position);
+HWND CreateWindow(const WindowRequest& request);
+void ShowWindow();
+void DestroyWindow();
+bool FindWindow(HWND window, Place* place);
+HWND SetParent(HWND parent);
+bool PlaceWindow(const Place& place);
+void HideCursor();
+void ShowBlack();
+int ReadEvents();
+void WaitForEvents(int wake, int milliseconds);
+std::unique_ptr<GlSurface> OpenGl();
+PROC FindGlFunction(const char* name);
+
+} // namespace x11

@@ -1,0 +1,122 @@
+// The seam inside the platform layer for Linux. A window system is one table of functions, and one class for
+// OpenGL on its window; each is a folder (x11/). windowing/ writes the functions of win32.h above it, once,
+// and calls nothing else of a window system. docs/window-systems.md has it as a table: who calls what, on
+// which thread, and what failure means.
+//
+// The program has one window, which covers the primary monitor or lies in another program's window.
+// Everything belongs to the main thread, but for GlSurface::MakeCurrent and Swap.
+#pragma once
+
+#include "win32/win32.h"
+
+#include <memory>
+#include <span>
+#include <vector>
+
+// Pixels: in a window's parent, or on the screen, where (0, 0) is the primary monitor's corner.
+struct Place {
+    int x = 0, y = 0, width = 0, height = 0;
+
+    bool operator==(const Place&) const = default;
+};
+
+struct WindowRequest {
+    HWND parent = nullptr; // null: the window covers the screen, and all input is its own
+    Place place;
+    const char* title = "";
+};
+
+// An OpenGL context. It is deleted while no other thread has it current.
+class GlContext {
+public:
+    GlContext() = default;
+    virtual ~GlContext() = default;
+    GlContext(const GlContext&) = delete;
+    GlContext& operator=(const GlContext&) = delete;
+};
+
+// What OpenGL draws on: the program's window, or something that fills it.
+class GlSurface {
+public:
+    GlSurface() = default;
+    virtual ~GlSurface() = default;
+    GlSurface(const GlSurface&) = delete;
+    GlSurface& operator=(const GlSurface&) = delete;
+
+    // Chooses the buffers. 0, or the error: ERROR_NOT_SUPPORTED when there is no OpenGL at all, with words of
+    // the window system's own (posix/last_error.h), ERROR_BAD_DRIVER when no configuration will do.
+    virtual DWORD Choose(const PIXELFORMATDESCRIPTOR& wanted) = 0;
+    // Makes the surface, with the buffers that were chosen.
+    virtual bool Create() = 0;
+    // Null when the driver has none.
+    virtual std::unique_ptr<GlContext> CreateContext() = 0;
+    // On the calling thread; null: none is current there any more.
+    virtual bool MakeCurrent(GlContext* context) = 0;
+    // Shows what was drawn; false when the window is gone.
+    virtual bool Swap() = 0;
+};
+
+struct WindowSystem {
+    const char* name;
+
+    // Connects. False: this window system is not there. When none is, the last of those on offer is used all
+    // the same: its functions fail, and CreateWindow says on stderr what is missing.
+    bool (*Open)();
+
+    // The size of the primary monitor; none when there is no connection.
+    Place (*FindScreen)();
+    // The pointer's position, of which only changes count.
+    bool (*FindPointer)(POINT* position);
+
+    // The program's window, not shown yet. Null when it cannot be.
+    HWND (*CreateWindow)(const WindowRequest& request);
+    // Shows it; one that covers the screen then takes all input, and keeps both until it is destroyed.
+    void (*ShowWindow)();
+    void (*DestroyWindow)();
+    // Where a window lies on the screen, whosever it is. False when there is no such window.
+    bool (*FindWindow)(HWND window, Place* place);
+    // Gives the parent before, null when it stays as it was. A null parent is the screen.
+    HWND (*SetParent)(HWND parent);
+    // Moves and raises it.
+    bool (*PlaceWindow)(const Place& place);
+    // Hides the cursor while it is over the window.
+    void (*HideCursor)();
+    // Fills the window with black: there will be no picture.
+    void (*ShowBlack)();
+
+    // Reports what has happened, without waiting; gives the milliseconds until it has to be called again, -1
+    // for not before an event.
+    int (*ReadEvents)();
+    // Waits until ReadEvents has something to report, or the file descriptor `wake` something to read, at
+    // most so many milliseconds; -1: without limit.
+    void (*WaitForEvents)(int wake, int milliseconds);
+
+    // OpenGL on the window; null when the window is gone.
+    std::unique_ptr<GlSurface> (*OpenGl)();
+    // An entry point of OpenGL, null when it is unknown. Any thread.
+    PROC (*FindGlFunction)(const char* name);
+};
+
+// One per folder; an executable links those that it offers.
+extern const WindowSystem kX11;
+
+// From now on, the first of these that opens is in use. Called before all that needs one.
+void OfferWindowSystems(std::span<const WindowSystem* const> systems);
+// The one in use; opened at the first call.
+const WindowSystem& UsedWindowSystem();
+
+// What the window system in use reports, from ReadEvents or any other of its functions; the messages follow
+// from it (windowing/reports.cpp).
+// The window system's number of the key, and its keysym without modifiers.
+void ReportKey(unsigned code, unsigned long keysym, bool altHeld, bool pressed);
+// Before the window is shown: this key is down, for another program. Nothing more is reported of it until it
+// is released.
+void ReportHeldKey(unsigned code);
+enum class PointerButton { Left, Middle, Right };
+void ReportButton(PointerButton button, int x, int y);
+void ReportPointer(int x, int y); // in the window
+void ReportActivation(bool active);
+void ReportSize(int width, int height); // the window's, a new one
+void ReportExposure();
+void ReportCloseRequest();
+void ReportDestruction(); // somebody else has destroyed the window

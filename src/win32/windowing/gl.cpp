@@ -1,0 +1,107 @@
+// OpenGL on the program's window: WGL's calls above the window system's.
+#include "win32/windowing/windowing.h"
+
+// A device context.
+struct HDC__ {
+    std::unique_ptr<GlSurface> surface; // null: what was tried has failed
+    bool chosen = false;                // a pixel format
+    bool created = false;               // the surface is there
+};
+
+struct HGLRC__ {
+    std::unique_ptr<GlContext> context;
+    bool works = false; // it has been current
+};
+
+namespace {
+
+constexpr int kTheFormat = 1; // the number of the chosen pixel format
+HDC theDc = nullptr;
+
+// For the functions that end in a context. There will be no picture: the window shows black instead of what
+// lies below.
+BOOL Fail(HDC dc, DWORD error) {
+    SetLastError(error);
+    if (dc == nullptr)
+        return FALSE;
+    *dc = {};
+    UsedWindowSystem().ShowBlack();
+    return FALSE;
+}
+
+} // namespace
+
+HDC GetDC(HWND window) {
+    if (theDc != nullptr || !IsProgramWindow(window))
+        return nullptr;
+    std::unique_ptr<GlSurface> surface = UsedWindowSystem().OpenGl();
+    if (surface == nullptr) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+        UsedWindowSystem().ShowBlack();
+        return nullptr;
+    }
+    theDc = new HDC__{std::move(surface)};
+    return theDc;
+}
+
+int ReleaseDC(HWND, HDC dc) {
+    if (dc == nullptr || dc != theDc)
+        return 0;
+    theDc = nullptr;
+    delete dc;
+    return 1;
+}
+
+int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* wanted) {
+    if (dc == nullptr || dc->surface == nullptr)
+        return 0;
+    const DWORD error = dc->surface->Choose(*wanted);
+    if (error != ERROR_SUCCESS)
+        return Fail(dc, error);
+    dc->chosen = true;
+    return kTheFormat;
+}
+
+BOOL SetPixelFormat(HDC dc, int format, const PIXELFORMATDESCRIPTOR*) {
+    if (dc == nullptr || format != kTheFormat || !dc->chosen || dc->created)
+        return FALSE;
+    dc->created = dc->surface->Create();
+    return dc->created ? TRUE : Fail(dc, ERROR_BAD_DRIVER);
+}
+
+HGLRC wglCreateContext(HDC dc) {
+    if (dc == nullptr || !dc->created)
+        return nullptr;
+    std::unique_ptr<GlContext> context = dc->surface->CreateContext();
+    if (context == nullptr) {
+        Fail(dc, ERROR_BAD_DRIVER);
+        return nullptr;
+    }
+    return new HGLRC__{std::move(context)};
+}
+
+BOOL wglDeleteContext(HGLRC context) {
+    if (context == nullptr)
+        return FALSE;
+    delete context;
+    return TRUE;
+}
+
+// The loop's thread comes here at every frame.
+BOOL wglMakeCurrent(HDC dc, HGLRC context) {
+    if (dc == nullptr || context == nullptr)
+        return theDc == nullptr || !theDc->created || theDc->surface->MakeCurrent(nullptr) ? TRUE : FALSE;
+    if (dc->created && dc->surface->MakeCurrent(context->context.get())) {
+        context->works = true;
+        return TRUE;
+    }
+    return context->works ? FALSE : Fail(dc, ERROR_BAD_DRIVER);
+}
+
+PROC wglGetProcAddress(const char* name) {
+    return UsedWindowSystem().FindGlFunction(name);
+}
+
+BOOL SwapBuffers(HDC dc) {
+    return dc != nullptr && dc->created && dc->surface->Swap() ? TRUE : FALSE;
+}

@@ -1,0 +1,234 @@
+// OpenGL on the window, by GLX. GLX wants a window whose visual suits the configuration, and a window's
+// visual is fixed when it is made; so the picture lies in a window of its own, the surface, that fills the
+// program's. It takes no input: keys and clicks fall through to the window below.
+#include "win32/x11/x11.h"
+
+#include <GL/glx.h>
+
+#include <cstring>
+
+namespace x11 {
+
+namespace {
+
+// Kept until the process ends, and the driver with it: unloading that gains nothing and is a risk.
+Display* GlConnection() {
+    static Display* const display = OpenConnection();
+    return display;
+}
+
+struct FreeX {
+    template <class T> void operator()(T* block) const { XFree(block); }
+};
+
+int VisualDepth(Display* display, GLXFBConfig config) {
+    const std::unique_ptr<XVisualInfo, FreeX> visual(glXGetVisualFromFBConfig(display, config));
+    return visual ? visual->depth : 0;
+}
+
+// The best configuration with these depths of the buffers. The screen's own depth is preferred: where windows
+// are composed, one with alpha would let the desktop through.
+GLXFBConfig FindConfig(Display* display, int screen, int depthBits, int stencilBits) {
+    // clang-format off
+    const int wishes[] = {
+        GLX_X_RENDERABLE, True, GLX_DRAWABLE_TYPE, GLX_WINDOW_BIT, GLX_X_VISUAL_TYPE, GLX_TRUE_COLOR,
+        GLX_RENDER_TYPE, GLX_RGBA_BIT, GLX_DOUBLEBUFFER, True,
+        GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8,
+        GLX_DEPTH_SIZE, depthBits, GLX_STENCIL_SIZE, stencilBits, None};
+    // clang-format on
+    int count = 0;
+    const std::unique_ptr<GLXFBConfig, FreeX> found(glXChooseFBConfig(display, screen, wishes, &count));
+    GLXFBConfig any = nullptr;
+    for (int i = 0; i < count; ++i) {
+        const GLXFBConfig config = found.get()[i];
+        const int depth = VisualDepth(display, config);
+        if (depth == DefaultDepth(display, screen))
+            return config;
+        if (any == nullptr && depth != 0)
+            any = config;
+    }
+    return any;
+}
+
+// Whether Mesa draws on the processor. Drivers that do not say are not Mesa's.
+bool DrawsInSoftware(Display* display, int screen) {
+    const char* names = glXQueryExtensionsString(display, screen);
+    if (names == nullptr || std::strstr(names, "GLX_MESA_query_renderer") == nullptr)
+        return false;
+    const auto query = reinterpret_cast<PFNGLXQUERYRENDERERINTEGERMESAPROC>(
+        glXGetProcAddress(reinterpret_cast<const GLubyte*>("glXQueryRendererIntegerMESA")));
+    unsigned accelerated = 1;
+    return query != nullptr && query(display, screen, 0, GLX_RENDERER_ACCELERATED_MESA, &accelerated) &&
+           accelerated == 0;
+}
+
+class GlxContext final : public GlContext {
+public:
+    GlxContext(Display* display, GLXContext context) : display_(display), context_(context) {}
+    ~GlxContext() override {
+        if (glXGetCurrentContext() == context_)
+            glXMakeCurrent(display_, None, nullptr);
+        glXDestroyContext(display_, context_);
+    }
+    GLXContext Get() const { return context_; }
+
+private:
+    Display* display_;
+    GLXContext context_;
+};
+
+class GlxSurface final : public GlSurface {
+public:
+    GlxSurface(Display* display, const XWindowAttributes& target) : display_(display), target_(target) {
+        theSurface = this;
+    }
+    ~GlxSurface() override;
+
+    DWORD Choose(const PIXELFORMATDESCRIPTOR& wanted) override;
+    bool Create() override;
+    std::unique_ptr<GlContext> CreateContext() override;
+    bool MakeCurrent(GlContext* context) override;
+    bool Swap() override;
+
+    Window Id() const { return id_; }
+
+    static GlxSurface* theSurface; // null: there is none
+
+private:
+    class Hold;
+
+    int Screen() const { return XScreenNumberOfScreen(target_.screen); }
+    bool IsFragile() const;
+
+    Display* display_;         // OpenGL's connection to the server
+    XWindowAttributes target_; // the window that it fills
+    GLXFBConfig config_ = nullptr;
+    Window id_ = None;
+    Colormap colormap_ = None;
+    bool fragile_ = false;
+};
+
+GlxSurface* GlxSurface::theSurface = nullptr;
+
+// While the driver asks for the size of a fragile surface, and shows its frame, no other program's requests
+// are answered, so that the panel cannot take it away.
+class GlxSurface::Hold {
+public:
+    explicit Hold(const GlxSurface& surface) : surface_(surface) {
+        if (surface_.fragile_)
+            XGrabServer(surface_.display_);
+    }
+    ~Hold() {
+        if (!surface_.fragile_)
+            return;
+        XUngrabServer(surface_.display_);
+        XFlush(surface_.display_);
+    }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+    bool IsThere() const {
+        Place ignored;
+        return !surface_.fragile_ || FindGeometry(surface_.display_, surface_.id_, &ignored);
+    }
+
+private:
+    const GlxSurface& surface_;
+};
+
+GlxSurface::~GlxSurface() {
+    theSurface = nullptr;
+    if (id_ != None)
+        XDestroyWindow(display_, id_);
+    if (colormap_ != None)
+        XFreeColormap(display_, colormap_);
+    XSync(display_, False);
+}
+
+// Nearest to what is wanted: drivers have no 16 bits of stencil, some have none at all.
+DWORD GlxSurface::Choose(const PIXELFORMATDESCRIPTOR& wanted) {
+    if (glXQueryExtension(display_, nullptr, nullptr) == False)
+        return ERROR_NOT_SUPPORTED;
+    const int ladder[][2] = {
+        {wanted.cDepthBits, wanted.cStencilBits}, {wanted.cDepthBits, 8}, {wanted.cDepthBits, 0}, {1, 0}};
+    for (const auto& [depthBits, stencilBits] : ladder) {
+        config_ = FindConfig(display_, Screen(), depthBits, stencilBits);
+        if (config_ != nullptr)
+            return ERROR_SUCCESS;
+    }
+    return ERROR_BAD_DRIVER;
+}
+
+// Whether the surface may go while it is drawn, and the driver dies of that: a preview's goes with the
+// settings panel, and Mesa's software driver takes whatever is on its stack for the size of a window that is
+// gone. The root window stays.
+bool GlxSurface::IsFragile() const {
+    return !saverWindow.fullScreen && saverWindow.parent != DefaultRootWindow(display_) &&
+           DrawsInSoftware(display_, Screen());
+}
+
+bool GlxSurface::Create() {
+    const std::unique_ptr<XVisualInfo, FreeX> visual(glXGetVisualFromFBConfig(display_, config_));
+    if (!visual)
+        return false;
+    ErrorTrap trap(display_);
+    colormap_ = XCreateColormap(display_, target_.root, visual->visual, AllocNone);
+    XSetWindowAttributes wishes = {};
+    wishes.background_pixmap = None;
+    wishes.border_pixel = 0;
+    wishes.colormap = colormap_;
+    id_ = XCreateWindow(display_, saverWindow.id, 0, 0, static_cast<unsigned>(target_.width),
+                        static_cast<unsigned>(target_.height), 0, visual->depth, InputOutput, visual->visual,
+                        CWBackPixmap | CWBorderPixel | CWColormap, &wishes);
+    XMapWindow(display_, id_);
+    fragile_ = IsFragile();
+    return trap.Clean();
+}
+
+std::unique_ptr<GlContext> GlxSurface::CreateContext() {
+    ErrorTrap trap(display_);
+    const GLXContext context = glXCreateNewContext(display_, config_, GLX_RGBA_TYPE, nullptr, True);
+    if (!trap.Clean() || context == nullptr)
+        return nullptr;
+    return std::make_unique<GlxContext>(display_, context);
+}
+
+bool GlxSurface::MakeCurrent(GlContext* context) {
+    if (context == nullptr)
+        return glXMakeCurrent(display_, None, nullptr) != False;
+    const Hold hold(*this);
+    return hold.IsThere() && glXMakeCurrent(display_, id_, static_cast<GlxContext*>(context)->Get()) != False;
+}
+
+bool GlxSurface::Swap() {
+    const Hold hold(*this);
+    if (!hold.IsThere())
+        return false;
+    glXSwapBuffers(display_, id_);
+    return true;
+}
+
+} // namespace
+
+void FitSurface(int width, int height) {
+    if (GlxSurface::theSurface == nullptr || GlxSurface::theSurface->Id() == None)
+        return;
+    // Not on OpenGL's connection: the loop's thread waits for replies there.
+    XResizeWindow(Connection(), GlxSurface::theSurface->Id(), static_cast<unsigned>(width),
+                  static_cast<unsigned>(height));
+    XSync(Connection(), False);
+}
+
+std::unique_ptr<GlSurface> OpenGl() {
+    Display* display = GlConnection();
+    XWindowAttributes target = {};
+    if (display == nullptr || XGetWindowAttributes(display, saverWindow.id, &target) == 0)
+        return nullptr;
+    return std::make_unique<GlxSurface>(display, target);
+}
+
+PROC FindGlFunction(const char* name) {
+    return reinterpret_cast<PROC>(glXGetProcAddress(reinterpret_cast<const GLubyte*>(name)));
+}
+
+} // namespace x11
