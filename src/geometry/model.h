@@ -3,7 +3,7 @@
 
 #include "base/arrays.h"
 #include "base/str.h"
-#include "render/drawable.h"
+#include "render/environment.h"
 
 #include <cstdio>
 

@@ -10,7 +10,17 @@ class FXMatlib;
 class FXMesh;
 class FXPackage;
 class FXPixmap;
-class PRender;
+class PEnv;
+
+// What the render loop, or another drawable, draws.
+class PRender {
+public:
+    // time: seconds on the clock of fxGetTime, read just before the frame.
+    virtual void OnRender(PEnv* env, double time) = 0;
+
+protected:
+    ~PRender() = default; // nobody owns a drawable through this interface
+};
 
 // One environment draws into one window. Colours are four floats, red, green, blue, alpha.
 class PEnv {
@@ -79,5 +89,7 @@ public:
 };
 
 // The process-wide environment, null until fxSetEnv; it is never reset.
-extern PEnv* fxglobalEnv;
-void fxSetEnv(PEnv* env);
+inline PEnv* fxglobalEnv = nullptr;
+inline void fxSetEnv(PEnv* env) {
+    fxglobalEnv = env;
+}

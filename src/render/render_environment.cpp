@@ -2,7 +2,6 @@
 
 #include "platform/clock.h"
 #include "platform/threads.h"
-#include "render/drawable.h"
 
 #include <algorithm>
 #include <iterator>

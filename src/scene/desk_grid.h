@@ -2,7 +2,7 @@
 #pragma once
 
 #include "geometry/mesh.h"
-#include "render/drawable.h"
+#include "render/environment.h"
 
 // Vertex (i, j), column i from the left and row j from the top, is record j * (cols + 1) + i; it lies at
 // u = i / cols, v = j / rows of the picture. Screen space: -1..1 in x and y, +1 at the top. Owns its mesh;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/arrays.h"
-#include "render/drawable.h"
+#include "render/environment.h"
 #include "render/matrix.h"
 #include "scene/phaser.h"
 

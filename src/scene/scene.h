@@ -1,7 +1,7 @@
 // The show: built when the saver's window is created, drawn by the render loop, taken down with the window.
 #pragma once
 
-#include "render/drawable.h"
+#include "render/environment.h"
 #include "win32/win32.h"
 
 // One frame: the background, the sun, the stage of the cycle that is due, the cube and the error picture. Its

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/rect.h"
-#include "render/drawable.h"
+#include "render/environment.h"
 #include "render/matrix.h"
 
 // The owner sets the four sizes, then the position; OnRender applies the matrix that brings a desk at rest

@@ -4,7 +4,6 @@
 #include "image/light.h"
 #include "platform/clock.h"
 #include "platform/threads.h"
-#include "render/drawable.h"
 #include "unit/recorded_device.h"
 
 #include <gtest/gtest.h>

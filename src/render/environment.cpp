@@ -1,7 +1,0 @@
-#include "render/environment.h"
-
-PEnv* fxglobalEnv = nullptr;
-
-void fxSetEnv(PEnv* env) {
-    fxglobalEnv = env;
-}
