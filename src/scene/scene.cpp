@@ -428,8 +428,20 @@ void localReturn(PEnv* env, double t) {
     }
 }
 
-using StageDrawer = void (*)(PEnv*, double);
-constexpr StageDrawer kStages[] = {localDissolve, localBurn, localPause, localRebuild, localReturn};
+void localDrawStage(PEnv* env, double t) {
+    switch (stage) {
+    case kDissolving:
+        return localDissolve(env, t);
+    case kBurning:
+        return localBurn(env, t);
+    case kPause:
+        return localPause(env, t);
+    case kRebuilding:
+        return localRebuild(env, t);
+    case kReturning:
+        return localReturn(env, t);
+    }
+}
 
 void localDrawCube(PEnv* env, double t) {
     gr.ApplyMatrixIdentity();
@@ -474,7 +486,7 @@ void Scene::OnRender(PEnv* env, double t) {
     localDrawSun(env, t);
     localDepth(false);
     gr.ApplyMatrixIdentity();
-    kStages[stage](env, t);
+    localDrawStage(env, t);
     localDrawCube(env, t);
     gr.ApplyMatrixIdentity();
     err_gad.OnRender(env, t);
