@@ -32,8 +32,6 @@ void FXEnv::Destroy() {
     StopLoop(kDestroyPatience);
     Lock(true);
     stop = true;
-    for (FXMatlib* library : matlibs)
-        delete library;
     matlibs.DestroyBuf();
     defaultMatlib.Destroy();
     defaultMaterial.Destroy();
@@ -115,7 +113,7 @@ void FXEnv::UnregisterLight(FXLight* light) {
 
 FXMatlib* FXEnv::FindShared(const char* name) const {
     for (FXMatlib* library : matlibs)
-        if (library != nullptr && library->name.Compare(name)) {
+        if (library->name.Compare(name)) {
             ++library->refCount;
             return library;
         }
@@ -124,10 +122,11 @@ FXMatlib* FXEnv::FindShared(const char* name) const {
 
 // Under the name that was asked for until it is loaded, and for good when it cannot be.
 FXMatlib* FXEnv::NewShared(const char* name) {
-    auto* library = new FXMatlib;
-    library->name.Set(name);
-    library->parent = &defaultMatlib;
-    matlibs.Push(library);
+    FXMatlib* library = matlibs.PushNew();
+    if (library != nullptr) {
+        library->name.Set(name);
+        library->parent = &defaultMatlib;
+    }
     return library;
 }
 
@@ -135,7 +134,8 @@ FXMatlib* FXEnv::LoadMatlib(const char* name) {
     if (FXMatlib* shared = FindShared(name))
         return shared;
     FXMatlib* library = NewShared(name);
-    library->LoadFromMtl(name);
+    if (library != nullptr)
+        library->LoadFromMtl(name);
     return library;
 }
 
@@ -143,7 +143,8 @@ FXMatlib* FXEnv::LoadMatlibC(FXPackage* pck, const char* name) {
     if (FXMatlib* shared = FindShared(name))
         return shared;
     FXMatlib* library = NewShared(name);
-    library->LoadC(pck, name);
+    if (library != nullptr)
+        library->LoadC(pck, name);
     return library;
 }
 
@@ -154,7 +155,8 @@ FXMatlib* FXEnv::LoadMatlibCN(FXPackage* pck, int id) {
 }
 
 void FXEnv::RemoveMatlib(FXMatlib* library) {
-    matlibs.Remove(library);
+    if (const int at = matlibs.Findpos(library); at >= 0)
+        matlibs.Release(at);
 }
 
 void FXEnv::AddMaterial(FXMaterial* material) {

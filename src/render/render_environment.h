@@ -2,6 +2,7 @@
 // lights, the shared material libraries.
 #pragma once
 
+#include "base/owner_array.h"
 #include "image/material.h"
 #include "image/material_library.h"
 #include "render/environment.h"
@@ -53,7 +54,7 @@ public:
     FXLight* lights[kLights] = {};
     FXMaterial defaultMaterial;
     FXMatlib defaultMatlib; // asked first by every library loaded here
-    FXArray<FXMatlib*> matlibs;
+    FXOwnerArray<FXMatlib> matlibs;
     bool testingMaterial = false;
     // What the device was last told.
     bool lightsOn = false;

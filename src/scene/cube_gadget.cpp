@@ -35,6 +35,8 @@ float localRandomPlace() {
 void FXDemoGadget::CreatePath() {
     path.Destroy();
     fxResetRandom();
+    if (!path.points.Realloc(3 * kPathPoints))
+        return; // a cube that stays where it is
     for (int i = 0; i < kPathPoints; ++i) {
         path.points.Push(localRandomPlace());
         path.points.Push(localRandomPlace());

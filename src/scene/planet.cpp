@@ -1,6 +1,5 @@
 #include "scene/planet.h"
 
-#include "geometry/model.h"
 #include "render/environment.h"
 
 #include <algorithm>
@@ -36,13 +35,19 @@ FXPlanet::FXPlanet() {
 template <class Load> void FXPlanet::Add(Load load) {
     if (layerCount >= kMaxLayers)
         return;
-    auto* model = new FXModel;
+    curLayer = -1;
+    FXArray<int>* const settings[] = {&rotModes, &pulseModes, &fluid};
+    for (FXArray<int>* setting : settings) // first, so that a layer is in every list or in none
+        if (!setting->Realloc(layerCount + 1))
+            return;
+    FXModel* model = models.PushNew();
+    if (model == nullptr)
+        return;
+    for (FXArray<int>* setting : settings)
+        setting->Push(0);
     load(model);
     model->UpdateMeshes();
     model->PreserveColMat();
-    models.Push(model);
-    for (FXArray<int>* settings : {&rotModes, &pulseModes, &fluid})
-        settings->Push(0);
     curLayer = layerCount++;
     Color(model, layerColor);
 }
@@ -83,8 +88,6 @@ void FXPlanet::SetLayerFluid(bool fluidLayer) {
 }
 
 void FXPlanet::Destroy() {
-    for (FXModel* model : models)
-        delete model;
     models.DestroyBuf();
     for (FXArray<int>* settings : {&rotModes, &pulseModes, &fluid})
         settings->DestroyBuf();

@@ -2,11 +2,12 @@
 #pragma once
 
 #include "base/arrays.h"
+#include "base/owner_array.h"
+#include "geometry/model.h"
 #include "render/environment.h"
 #include "render/matrix.h"
 #include "scene/phaser.h"
 
-class FXModel;
 class FXPackage;
 
 // Owns its layers' models. The layer setters change the layer that was added last; before the first one they
@@ -39,7 +40,7 @@ public:
     float layerColor[4] = {1, 1, 1, 1};
     int layerCount = 0;
     int curLayer = -1;
-    FXArray<FXModel*> models;
+    FXOwnerArray<FXModel> models;
     FXArray<int> rotModes;
     FXArray<int> pulseModes; // bits 0 and 1: the axis; kTransparencyPulse
     FXArray<int> fluid;

@@ -132,8 +132,13 @@ TEST_F(Matlib, IsSharedByNameAndReleasedByTheLast) {
     EXPECT_EQ(kept.refCount, 0) << "and alive";
 }
 
-TEST_F(Matlib, MissingOneIsThereAllTheSame) {
+TEST_F(Matlib, MissingOneIsThereUnlessThereIsNoMemory) {
     Load("");
+    fxSetAllocLimit(1);
+    EXPECT_TRUE(device_.gl.LoadMatlibC(&package_, "5") == nullptr &&
+                device_.gl.LoadMatlib("lib.mtl") == nullptr);
+    fxSetAllocLimit(0);
+    EXPECT_EQ(device_.gl.matlibs.count, 0) << "no memory for the list";
     for (FXMatlib* missing : {device_.gl.LoadMatlibC(&package_, "99"), device_.gl.LoadMatlib("none.mtl")}) {
         ASSERT_NE(missing, nullptr);
         EXPECT_EQ(missing->FindMaterial("a"), nullptr);

@@ -1,3 +1,4 @@
+#include "base/memory.h"
 #include "image/material.h"
 #include "scene/planet.h"
 #include "unit/scene_parts.h"
@@ -129,6 +130,29 @@ TEST_F(Planet, SettersNeedALayerAndTheEleventhIsRefused) {
     planet_.Destroy();
     EXPECT_TRUE(planet_.layerCount == 0 && planet_.curLayer == -1 && Draw(0).empty());
     EXPECT_EQ(planet_.pulse[9].start, 7) << "goes on from there";
+}
+
+TEST_F(Planet, ALayerWithoutMemoryIsInNoList) {
+    Add(1, 1);
+    // Room in all lists before the refusing one.
+    const auto refuse = [&](auto... roomy) {
+        (roomy->Realloc(FXPlanet::kMaxLayers), ...);
+        fxSetAllocLimit(1);
+        Add(1, 3);
+        planet_.SetLayerFluid(true);
+        fxSetAllocLimit(0);
+        EXPECT_TRUE(planet_.layerCount == 1 && planet_.curLayer == -1 && Draw(0).size() == 1 &&
+                    AlphaOf(0) == 1);
+        EXPECT_TRUE(planet_.models.count == 1 && planet_.rotModes.count == 1 &&
+                    planet_.pulseModes.count == 1 && planet_.fluid.count == 1);
+        EXPECT_TRUE(planet_.rotModes[0] == 1 && planet_.fluid[0] == 0) << "the layer before is left alone";
+    };
+    refuse();
+    refuse(&planet_.rotModes);
+    refuse(&planet_.pulseModes);
+    refuse(&planet_.fluid);
+    Add(1, 3);
+    EXPECT_TRUE(planet_.layerCount == 2 && planet_.rotModes[1] == 3 && Draw(0).size() == 2);
 }
 
 } // namespace
