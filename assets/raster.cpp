@@ -1,5 +1,7 @@
 #include "raster.h"
 
+#include "base/whole_file.h"
+
 #include <png.h>
 // libjpeg's header leaves it to its user to name FILE and size_t first.
 #include <cstdio>
@@ -7,9 +9,7 @@
 #include <jpeglib.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <csetjmp>
-#include <cstring>
 #include <functional>
 #include <thread>
 
@@ -98,24 +98,6 @@ bool localWriteJpegRows(std::FILE* file, const unsigned char* rgba, int width, i
     return true;
 }
 
-// Opens the file, lets `write` fill it, and sees that all of it got there; empty when well, else what went
-// wrong.
-std::string localWriteFile(const std::string& file, const std::function<bool(std::FILE*)>& write) {
-    errno = 0;
-    std::FILE* out = std::fopen(file.c_str(), "wb");
-    bool well = out != nullptr && write(out);
-    int reason = errno;
-    if (out != nullptr && std::fclose(out) != 0 && well) {
-        well = false;
-        reason = errno;
-    }
-    if (well)
-        return {};
-    if (out != nullptr)
-        std::remove(file.c_str());
-    return file + ": cannot be written: " + (reason != 0 ? std::strerror(reason) : "out of memory");
-}
-
 } // namespace
 
 Raster::Raster(int width, int height)
@@ -175,15 +157,20 @@ std::string Raster::WritePng(const std::string& file) const {
     const bool opaque =
         std::all_of(pixels_.begin(), pixels_.end(), [](const Rgba& p) { return p.alpha >= 1; });
     const std::vector<unsigned char> bytes = Bytes();
-    return localWriteFile(
-        file, [&](std::FILE* out) { return localWriteRows(out, bytes.data(), width_, height_, !opaque); });
+    std::string trouble;
+    fxReplaceFile(
+        file, [&](std::FILE* out) { return localWriteRows(out, bytes.data(), width_, height_, !opaque); },
+        &trouble);
+    return trouble;
 }
 
 std::string Raster::WriteJpeg(const std::string& file, int quality) const {
     const std::vector<unsigned char> bytes = Bytes();
-    return localWriteFile(file, [&](std::FILE* out) {
-        return localWriteJpegRows(out, bytes.data(), width_, height_, quality);
-    });
+    std::string trouble;
+    fxReplaceFile(
+        file, [&](std::FILE* out) { return localWriteJpegRows(out, bytes.data(), width_, height_, quality); },
+        &trouble);
+    return trouble;
 }
 
 void ForEachRow(int rows, const std::function<void(int)>& work) {

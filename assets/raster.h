@@ -54,7 +54,7 @@ public:
     std::vector<unsigned char> Bytes() const;
 
     // As 8-bit PNG, without an alpha channel when every pixel is opaque. Empty when well, else what went
-    // wrong; a file that could not be completed is removed.
+    // wrong; what stood there is replaced only by a complete picture.
     std::string WritePng(const std::string& file) const;
     // As JPEG of quality 1..100, for opaque pictures so rich in detail that PNG is wasted on them.
     std::string WriteJpeg(const std::string& file, int quality) const;

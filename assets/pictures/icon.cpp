@@ -1,4 +1,5 @@
 // The icons of the Windows saver: a desktop with a hole burnt into it, and the sun behind.
+#include "base/whole_file.h"
 #include "noise.h"
 #include "pictures/colour.h"
 #include "pictures/pictures.h"
@@ -6,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -106,8 +106,10 @@ std::string WriteIcons(const std::string& file) {
         directory.Put(6 + 16 * kCount + static_cast<std::uint32_t>(bitmaps.size()), 4);
         bitmaps += bitmap;
     }
-    std::ofstream out(file, std::ios::binary);
-    out << directory.text << bitmaps;
-    out.close();
-    return out ? "" : file + ": cannot be written";
+    const std::string icons = directory.text + bitmaps;
+    std::string trouble;
+    fxReplaceFile(
+        file, [&](std::FILE* out) { return std::fwrite(icons.data(), 1, icons.size(), out) == icons.size(); },
+        &trouble);
+    return trouble;
 }

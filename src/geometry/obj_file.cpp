@@ -1,17 +1,15 @@
 #include "geometry/obj_file.h"
 
+#include "base/whole_file.h"
 #include "geometry/wavefront_lines.h"
-#include "package/file_block.h"
 
 #define TINYOBJLOADER_USE_DOUBLE
 #include <tiny_obj_loader.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <map>
 #include <sstream>
 
@@ -248,15 +246,11 @@ private:
 } // namespace
 
 bool fxReadObj(const std::string& file, FXObjFile* obj, std::string* error) {
-    FXFileBlock block;
-    errno = 0;
-    if (!block.Load(file.c_str())) {
-        *error = file + ": cannot be read: " + (errno != 0 ? std::strerror(errno) : "it is beyond 2 GiB");
+    std::string text;
+    if (!fxReadWhole(file, &text, error))
         return false;
-    }
-    const auto* bytes = reinterpret_cast<const char*>(block.data.start);
     Scan scan(file, obj);
-    if (!scan.Run({bytes, static_cast<std::size_t>(block.data.size)})) {
+    if (!scan.Run(text)) {
         *error = scan.error;
         return false;
     }

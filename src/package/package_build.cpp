@@ -1,6 +1,7 @@
 // Making packages: the tools' side of FXPackage.
 #include "base/file_handle.h"
 #include "base/path_text.h"
+#include "base/whole_file.h"
 #include "package/package.h"
 #include "package/scramble.h"
 
@@ -9,7 +10,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <string>
 #include <utility>
 
 namespace {
@@ -33,40 +33,6 @@ int localTypeOf(const char* name) {
 bool localReadFile(const char* name, unsigned char* to, std::size_t size) {
     const FXFile file = fxOpenFile(name, "rb");
     return file && std::fread(to, 1, size, file.get()) == size;
-}
-
-bool localWriteFile(const std::string& name, const FXStr& header, const unsigned char* body,
-                    std::size_t size) {
-    FXFile file = fxOpenFile(name.c_str(), "wb");
-    if (!file)
-        return false;
-    const bool written = header.Save(file.get()) && std::fwrite(body, 1, size, file.get()) == size;
-    return fxCloseWritten(std::move(file)) && written;
-}
-
-// Puts the new file in the old one's place. Some systems do not rename over a file: then the old one is kept
-// aside until the new one stands.
-bool localReplace(const std::string& from, const std::string& to) {
-    if (std::rename(from.c_str(), to.c_str()) == 0)
-        return true;
-    const std::string aside = to + ".old";
-    if (std::rename(to.c_str(), aside.c_str()) != 0)
-        return false;
-    const bool replaced = std::rename(from.c_str(), to.c_str()) == 0;
-    if (replaced)
-        std::remove(aside.c_str());
-    else
-        std::rename(aside.c_str(), to.c_str());
-    return replaced;
-}
-
-// Writes the file under another name first, so that what stood there outlives a failure.
-bool localWritePackage(const char* name, const FXStr& header, const unsigned char* body, std::size_t size) {
-    const std::string unfinished = std::string(name) + ".new";
-    if (localWriteFile(unfinished, header, body, size) && localReplace(unfinished, name))
-        return true;
-    std::remove(unfinished.c_str());
-    return false;
 }
 
 // One table: of the entries that are there, then of those to come.
@@ -140,7 +106,10 @@ bool FXPackage::Save(const char* fileName, int flags) {
     const bool scrambled = (flags & kScrambled) != 0;
     if (scrambled)
         fxScramble(body.get(), bytes);
-    if (!localWritePackage(fileName, FXStr(scrambled ? "pck01s" : "pck01"), body.get(), bytes))
+    const FXStr header(scrambled ? "pck01s" : "pck01");
+    if (!fxReplaceFile(fileName, [&](std::FILE* file) {
+            return header.Save(file) && std::fwrite(body.get(), 1, bytes, file) == bytes;
+        }))
         return false;
     if (scrambled)
         fxScramble(body.get(), bytes);

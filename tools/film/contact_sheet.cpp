@@ -48,11 +48,9 @@ bool ContactSheet::Write(const std::string& file, int columns, std::string* erro
         cairo_show_text(pen, caption);
     }
     cairo_destroy(pen);
-    const cairo_status_t status = cairo_surface_write_to_png(sheet, file.c_str());
+    const bool written = WritePng(file, sheet, error);
     cairo_surface_destroy(sheet);
-    if (status != CAIRO_STATUS_SUCCESS)
-        *error = file + ": cannot be written: " + cairo_status_to_string(status);
-    return status == CAIRO_STATUS_SUCCESS;
+    return written;
 }
 
 void ReleaseFonts() {

@@ -1,5 +1,7 @@
 #include "film/picture.h"
 
+#include "base/whole_file.h"
+
 #include <cairo.h>
 
 #include <algorithm>
@@ -92,11 +94,20 @@ bool ReadPng(const std::string& file, Picture* picture, std::string* error) {
 }
 
 bool WritePng(const std::string& file, const Picture& picture, std::string* error) {
-    const Surface surface = localToSurface(picture);
-    const cairo_status_t status = cairo_surface_write_to_png(surface.get(), file.c_str());
-    if (status != CAIRO_STATUS_SUCCESS)
-        *error = file + ": cannot be written: " + cairo_status_to_string(status);
-    return status == CAIRO_STATUS_SUCCESS;
+    return WritePng(file, localToSurface(picture).get(), error);
+}
+
+bool WritePng(const std::string& file, cairo_surface_t* surface, std::string* error) {
+    const cairo_write_func_t append = [](void* out, const unsigned char* bytes, unsigned size) {
+        return std::fwrite(bytes, 1, size, static_cast<std::FILE*>(out)) == size ? CAIRO_STATUS_SUCCESS
+                                                                                 : CAIRO_STATUS_WRITE_ERROR;
+    };
+    return fxReplaceFile(
+        file,
+        [&](std::FILE* out) {
+            return cairo_surface_write_to_png_stream(surface, append, out) == CAIRO_STATUS_SUCCESS;
+        },
+        error);
 }
 
 Picture Scaled(const Picture& picture, int width, int height) {

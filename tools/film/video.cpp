@@ -1,5 +1,7 @@
 #include "film/video.h"
 
+#include "base/whole_file.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -109,15 +111,14 @@ bool Video::Add(const Picture& frame, std::string* error) {
 
 bool Video::Finish(std::string* error) {
     const int status = Wait();
-    std::error_code failed;
     if (status != 0) {
         Fail(status, error);
         return false;
     }
-    fs::rename(unfinished_, file_, failed);
-    if (failed)
-        *error = file_ + ": cannot be written: " + failed.message();
-    return !failed;
+    if (fxMoveInto(unfinished_, file_))
+        return true;
+    *error = file_ + ": cannot be written: " + std::strerror(errno);
+    return false;
 }
 
 int Video::Wait() {

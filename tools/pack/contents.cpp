@@ -1,6 +1,7 @@
 #include "pack/contents.h"
 
 #include "anim/morph_animation.h"
+#include "base/whole_file.h"
 #include "geometry/mesh.h"
 #include "geometry/model_import.h"
 #include "image/material.h"
@@ -66,7 +67,7 @@ private:
         switch (entry.kind) {
         case EntryKind::Picture:
         case EntryKind::Raw:
-            return ReadWhole(entry.file, &bytes_[i], &problem) || Fail(entry, problem);
+            return fxReadWhole(entry.file, &bytes_[i], &problem) || Fail(entry, problem);
         case EntryKind::Library:
             return Record(i, [&](std::FILE* file) { return planned.library->Save(file); });
         case EntryKind::Model:

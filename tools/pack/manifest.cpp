@@ -1,5 +1,6 @@
 #include "pack/manifest.h"
 
+#include "base/whole_file.h"
 #include "pack/toml_table.h"
 
 #include <algorithm>
@@ -281,7 +282,7 @@ bool ReadManifest(const std::string& file, const std::string& folder, Manifest* 
     manifest->file = file;
     manifest->folder = folder.empty() ? fs::path(file).parent_path().string() : folder;
     std::string text;
-    if (!ReadWhole(file, &text, error))
+    if (!fxReadWhole(file, &text, error))
         return false;
     const toml::parse_result parsed = toml::parse(text, file);
     if (!parsed) {

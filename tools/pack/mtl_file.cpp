@@ -1,5 +1,6 @@
 #include "pack/mtl_file.h"
 
+#include "base/whole_file.h"
 #include "geometry/wavefront_lines.h"
 #include "image/material.h"
 #include "pack/text.h"
@@ -52,7 +53,7 @@ void localSetColor(const tinyobj::real_t* from, float alpha, float* color) {
 
 bool ReadMtl(const std::string& file, FXMatlib* library, std::string* error) {
     std::string text;
-    if (!ReadWhole(file, &text, error))
+    if (!fxReadWhole(file, &text, error))
         return false;
     *error = localFaultOf(file, text);
     if (!error->empty())

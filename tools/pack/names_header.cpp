@@ -1,5 +1,6 @@
 #include "pack/names_header.h"
 
+#include "base/whole_file.h"
 #include "pack/text.h"
 #include "package/package.h"
 
@@ -19,7 +20,7 @@ bool NamesHeader(const FXNameServer& names, std::string* text, std::string* erro
     const fs::path scratch = fs::temp_directory_path(failed) /
                              Text("tamb-pack-names-%08x", static_cast<unsigned>(std::random_device{}()));
     const bool read =
-        writer.SaveNamesCpp(scratch.string().c_str()) && ReadWhole(scratch.string(), text, error);
+        writer.SaveNamesCpp(scratch.string().c_str()) && fxReadWhole(scratch.string(), text, error);
     fs::remove(scratch, failed);
     if (!read) {
         *error = "there is no room for a temporary file in " + scratch.parent_path().string();

@@ -1,15 +1,13 @@
 #include "pack/text.h"
 
 #include "base/file_handle.h"
+#include "base/whole_file.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
-#include <utility>
 
 namespace {
 
@@ -69,27 +67,7 @@ std::string Counted(long long n, const char* one, const char* many) {
     return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
-bool ReadWhole(const std::string& file, std::string* bytes, std::string* error) {
-    errno = 0;
-    const FXFile opened = fxOpenFile(file.c_str(), "rb");
-    int size = 0;
-    const FXBytes read = opened ? fxReadRest(opened.get(), &size) : nullptr;
-    if (read)
-        bytes->assign(reinterpret_cast<const char*>(read.get()), static_cast<std::size_t>(size));
-    else
-        *error = file + ": cannot be read: " + (errno != 0 ? std::strerror(errno) : "it is beyond 2 GiB");
-    return static_cast<bool>(read);
-}
-
 bool WriteWhole(const std::string& file, const std::string& bytes, std::string* error) {
-    const std::string unfinished = file + ".new";
-    errno = 0;
-    FXFile opened = fxOpenFile(unfinished.c_str(), "wb");
-    const bool filled = opened && fxWrite(bytes.data(), 1, bytes.size(), opened.get());
-    const bool closed = opened && fxCloseWritten(std::move(opened));
-    if (filled && closed && std::rename(unfinished.c_str(), file.c_str()) == 0)
-        return true;
-    *error = file + ": cannot be written: " + std::strerror(errno);
-    std::remove(unfinished.c_str());
-    return false;
+    return fxReplaceFile(
+        file, [&](std::FILE* out) { return fxWrite(bytes.data(), 1, bytes.size(), out); }, error);
 }

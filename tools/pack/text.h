@@ -18,7 +18,5 @@ std::string Counted(long long n, const char* one, const char* many);
 // "v 1 2 3" and a line feed: a line of a Wavefront file.
 std::string Line3(const char* keyword, const float* numbers);
 
-// The whole file; false with "FILE: why" in error.
-bool ReadWhole(const std::string& file, std::string* bytes, std::string* error);
-// Written under another name first, so that what stood there outlives a failure; false with "FILE: why".
+// As fxReplaceFile does it; false with "FILE: why" in error.
 bool WriteWhole(const std::string& file, const std::string& bytes, std::string* error);
