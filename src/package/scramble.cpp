@@ -7,14 +7,10 @@
 
 namespace {
 
-// The matrix is turned in blocks of 16 x 16 bytes that stay in registers, one band of rows after the other. A
-// band is as high as gives the memory long runs to write and still keeps its cache lines until they are used
-// up.
-constexpr std::size_t kBlock = 16;
-constexpr std::size_t kBand = 1024;
-constexpr std::size_t kLine = 64;
-
-using Row = unsigned char __attribute__((vector_size(kBlock)));
+constexpr std::size_t kSide = 16; // of a block, in bytes
+constexpr std::size_t kBlock = kSide * kSide;
+constexpr std::size_t kLine = 64;   // of the cache
+constexpr std::size_t kBand = 1024; // rows whose cache lines stay near until all their bytes are used
 
 std::size_t localSquareRoot(std::size_t n) {
     auto root = static_cast<std::size_t>(std::sqrt(static_cast<double>(n)));
@@ -25,74 +21,58 @@ std::size_t localSquareRoot(std::size_t n) {
     return root;
 }
 
-// Each row of `from` followed by the bytes of the row eight further down, byte by byte; four times that
-// transposes.
-void localInterleave(const Row* from, Row* to) {
+// Every byte of the first half, followed by that of the second half. Compilers vectorize this.
+void localInterleave(const unsigned char* __restrict from, unsigned char* __restrict to) {
     for (std::size_t i = 0; i < kBlock / 2; ++i) {
-        const Row upper = from[i];
-        const Row lower = from[i + kBlock / 2];
-        to[2 * i] =
-            __builtin_shufflevector(upper, lower, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
-        to[2 * i + 1] = __builtin_shufflevector(upper, lower, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29,
-                                                14, 30, 15, 31);
+        to[2 * i] = from[i];
+        to[2 * i + 1] = from[i + kBlock / 2];
     }
 }
 
-// The block at `from`, transposed. Rows lie n bytes apart.
-void localTakeBlock(const unsigned char* from, std::size_t n, Row* a) {
-    Row b[kBlock];
-    for (std::size_t i = 0; i < kBlock; ++i)
-        std::memcpy(&a[i], from + i * n, kBlock);
-    localInterleave(a, b);
-    localInterleave(b, a);
-    localInterleave(a, b);
-    localInterleave(b, a);
-}
-
-void localPutBlock(const Row* block, unsigned char* to, std::size_t n) {
-    for (std::size_t i = 0; i < kBlock; ++i)
-        std::memcpy(to + i * n, &block[i], kBlock);
-}
-
-// Changes places with its mirror image; a block on the diagonal is its own.
-void localSwapBlocks(unsigned char* block, unsigned char* mirror, std::size_t n) {
-    Row a[kBlock];
-    localTakeBlock(block, n, a);
-    if (mirror != block) {
-        Row b[kBlock];
-        localTakeBlock(mirror, n, b);
-        localPutBlock(b, block, n);
+// The block at `from`, whose rows lie n bytes apart, transposed. The index of a byte is its row's four bits
+// and its column's four; interleaving turns the eight round by one, and four times that exchanges them.
+void localTake(const unsigned char* from, std::size_t n, unsigned char* block) {
+    for (std::size_t i = 0; i < kSide; ++i)
+        std::memcpy(block + i * kSide, from + i * n, kSide);
+    unsigned char other[kBlock];
+    for (int twice = 0; twice < 2; ++twice) {
+        localInterleave(block, other);
+        localInterleave(other, block);
     }
-    localPutBlock(a, mirror, n);
 }
 
-// Rows lie too far apart for the processor to see where the reading and the writing go next.
+void localPut(const unsigned char* block, unsigned char* to, std::size_t n) {
+    for (std::size_t i = 0; i < kSide; ++i)
+        std::memcpy(to + i * n, block + i * kSide, kSide);
+}
+
+// Rows lie too far apart for the processor to foresee which it needs next.
 void localPrefetch(const unsigned char* rows, std::size_t n) {
-    for (std::size_t i = 0; i < kBlock; ++i)
+    for (std::size_t i = 0; i < kSide; ++i)
         __builtin_prefetch(rows + i * n, 1);
-}
-
-// The part of the matrix that whole blocks cover: its first `whole` rows and columns.
-void localTransposeBlocks(unsigned char* matrix, std::size_t n, std::size_t whole) {
-    for (std::size_t band = 0; band < whole; band += kBand)
-        for (std::size_t column = band; column < whole; column += kBlock) {
-            const std::size_t end = std::min({band + kBand, whole, column + kBlock});
-            for (std::size_t row = band; row < end; row += kBlock) {
-                if (column % kLine == 0 && column + kLine < whole)
-                    localPrefetch(matrix + row * n + column + kLine, n);
-                if (row % kLine == 0 && column + kBlock < whole)
-                    localPrefetch(matrix + (column + kBlock) * n + row, n);
-                localSwapBlocks(matrix + row * n + column, matrix + column * n + row, n);
-            }
-        }
 }
 
 } // namespace
 
 void fxScramble(unsigned char* bytes, std::size_t size) {
     const std::size_t n = localSquareRoot(size);
-    const std::size_t whole = n - n % kBlock;
-    localTransposeBlocks(bytes, n, whole);
+    const std::size_t whole = n - n % kSide; // rows and columns that blocks cover
+    for (std::size_t band = 0; band < whole; band += kBand)
+        for (std::size_t column = band; column < whole; column += kSide)
+            for (std::size_t row = band; row < std::min({band + kBand, column + kSide, whole});
+                 row += kSide) {
+                unsigned char* const upper = bytes + row * n + column;
+                unsigned char* const lower = bytes + column * n + row;
+                if (column % kLine == 0 && column + kLine < whole)
+                    localPrefetch(upper + kLine, n);
+                if (row % kLine == 0 && column + kSide < whole)
+                    localPrefetch(lower + kSide * n, n);
+                unsigned char a[kBlock], b[kBlock];
+                localTake(lower, n, a);
+                localTake(upper, n, b);
+                localPut(a, upper, n);
+                localPut(b, lower, n);
+            }
     for (std::size_t row = 0; row < n; ++row)
         for (std::size_t column = std::max(row + 1, whole); column < n; ++column)
             std::swap(bytes[row * n + column], bytes[column * n + row]);
