@@ -4,13 +4,12 @@
 #include "win32/win32.h"
 
 #include <cstdlib>
-#include <memory>
 
-namespace {
+struct FXMutex {
+    CRITICAL_SECTION section;
+};
 
-constexpr double kNoLimit = 100000.0; // seconds from which a wait has no limit
-
-struct ThreadRecord {
+struct FXThread {
     void (*proc)(void*);
     void* argument;
     HANDLE handle;
@@ -19,76 +18,74 @@ struct ThreadRecord {
     bool Alive() const { return handle != nullptr && id != 0; }
 };
 
-DWORD WINAPI localThreadProc(void* parameter) {
-    const ThreadRecord* record = static_cast<ThreadRecord*>(parameter);
-    if (record != nullptr && record->proc != nullptr)
-        record->proc(record->argument);
-    return 0;
-}
+namespace {
 
-CRITICAL_SECTION* localSection(void* mutex) {
-    return static_cast<CRITICAL_SECTION*>(mutex);
+constexpr double kNoLimit = 100000.0; // seconds from which a wait has no limit
+
+DWORD WINAPI localThreadProc(void* parameter) {
+    const FXThread* thread = static_cast<FXThread*>(parameter);
+    if (thread != nullptr && thread->proc != nullptr)
+        thread->proc(thread->argument);
+    return 0;
 }
 
 } // namespace
 
-void* fxCreateMutex() {
-    void* mutex = fxMalloc(sizeof(CRITICAL_SECTION));
+FXMutex* fxCreateMutex() {
+    auto* mutex = static_cast<FXMutex*>(fxMalloc(sizeof(FXMutex)));
     if (mutex != nullptr)
-        InitializeCriticalSection(localSection(mutex));
+        InitializeCriticalSection(&mutex->section);
     return mutex;
 }
 
-void fxDestroyMutex(void* mutex) {
+void fxDestroyMutex(FXMutex* mutex) {
     if (mutex == nullptr)
         return;
-    DeleteCriticalSection(localSection(mutex));
+    DeleteCriticalSection(&mutex->section);
     std::free(mutex);
 }
 
-bool fxTryLock(void* mutex) {
-    return TryEnterCriticalSection(localSection(mutex)) != FALSE;
+bool fxTryLock(FXMutex* mutex) {
+    return TryEnterCriticalSection(&mutex->section) != FALSE;
 }
 
-void fxLock(void* mutex) {
-    EnterCriticalSection(localSection(mutex));
+void fxLock(FXMutex* mutex) {
+    EnterCriticalSection(&mutex->section);
 }
 
-void fxUnlock(void* mutex) {
-    LeaveCriticalSection(localSection(mutex));
+void fxUnlock(FXMutex* mutex) {
+    LeaveCriticalSection(&mutex->section);
 }
 
-void* fxCreateThread(void (*proc)(void*), void* argument) {
-    std::unique_ptr<ThreadRecord, FXFree> record(static_cast<ThreadRecord*>(fxMalloc(sizeof(ThreadRecord))));
-    if (!record)
+FXThread* fxCreateThread(void (*proc)(void*), void* argument) {
+    FXOwner<FXThread, FXFree> thread(static_cast<FXThread*>(fxMalloc(sizeof(FXThread))));
+    if (!thread)
         return nullptr;
-    record->proc = proc;
-    record->argument = argument;
-    record->handle = CreateThread(nullptr, 0, localThreadProc, record.get(), 0, &record->id);
-    return record->handle != nullptr ? record.release() : nullptr;
+    thread->proc = proc;
+    thread->argument = argument;
+    thread->handle = CreateThread(nullptr, 0, localThreadProc, thread.get(), 0, &thread->id);
+    return thread->handle != nullptr ? thread.release() : nullptr;
 }
 
-bool fxWaitThread(void* thread, double seconds) {
-    const ThreadRecord* record = static_cast<ThreadRecord*>(thread);
-    if (record == nullptr || !record->Alive())
+bool fxWaitThread(FXThread* thread, double seconds) {
+    if (thread == nullptr || !thread->Alive())
         return true;
     const DWORD wait =
         seconds >= kNoLimit ? INFINITE : static_cast<DWORD>(seconds > 0 ? seconds * 1000.0 : 0);
-    return WaitForSingleObject(record->handle, wait) != WAIT_TIMEOUT;
+    return WaitForSingleObject(thread->handle, wait) != WAIT_TIMEOUT;
 }
 
-void fxTerminateThread(void* thread) {
-    ThreadRecord* record = static_cast<ThreadRecord*>(thread);
-    if (record == nullptr || !record->Alive())
+void fxTerminateThread(FXThread* thread) {
+    if (thread == nullptr || !thread->Alive())
         return;
-    if (!fxWaitThread(record, 0.0))
-        TerminateThread(record->handle, 0);
-    CloseHandle(record->handle);
-    record->handle = nullptr;
-    record->id = 0;
+    if (!fxWaitThread(thread, 0.0))
+        TerminateThread(thread->handle, 0);
+    CloseHandle(thread->handle);
+    thread->handle = nullptr;
+    thread->id = 0;
 }
 
-void fxDestroyThread(void* thread) {
+void fxDestroyThread(FXThread* thread) {
     fxTerminateThread(thread);
     std::free(thread);
 }
@@ -99,10 +96,9 @@ void fxSetAppPriority(int priority) {
                                                          : BELOW_NORMAL_PRIORITY_CLASS);
 }
 
-void fxSetThreadPriority(void* thread, int priority) {
-    const ThreadRecord* record = static_cast<ThreadRecord*>(thread);
-    if (record != nullptr && record->handle != nullptr)
-        SetThreadPriority(record->handle, priority == 0  ? THREAD_PRIORITY_NORMAL
+void fxSetThreadPriority(FXThread* thread, int priority) {
+    if (thread != nullptr && thread->handle != nullptr)
+        SetThreadPriority(thread->handle, priority == 0  ? THREAD_PRIORITY_NORMAL
                                           : priority > 0 ? THREAD_PRIORITY_TIME_CRITICAL
                                                          : THREAD_PRIORITY_LOWEST);
 }

@@ -2,22 +2,37 @@
 // then nothing happens, the lock operations excepted.
 #pragma once
 
-void* fxCreateMutex(); // null when there is no memory
-void fxDestroyMutex(void* mutex);
-bool fxTryLock(void* mutex); // true when entered
-void fxLock(void* mutex);
-void fxUnlock(void* mutex);
+struct FXMutex;
+struct FXThread;
+
+FXMutex* fxCreateMutex(); // null when there is no memory
+void fxDestroyMutex(FXMutex* mutex);
+bool fxTryLock(FXMutex* mutex); // true when entered
+void fxLock(FXMutex* mutex);
+void fxUnlock(FXMutex* mutex);
+
+// Holds a mutex, which is not null, for as long as it lives.
+class FXLocked {
+public:
+    explicit FXLocked(FXMutex* mutex) : mutex_(mutex) { fxLock(mutex_); }
+    ~FXLocked() { fxUnlock(mutex_); }
+    FXLocked(const FXLocked&) = delete;
+    FXLocked& operator=(const FXLocked&) = delete;
+
+private:
+    FXMutex* mutex_;
+};
 
 // A running thread, or null. Its record is freed by fxDestroyThread.
-void* fxCreateThread(void (*proc)(void*), void* argument);
+FXThread* fxCreateThread(void (*proc)(void*), void* argument);
 // False only when the time ran out. 100000 seconds or more wait without limit; the time is cut to whole
 // milliseconds.
-bool fxWaitThread(void* thread, double seconds);
+bool fxWaitThread(FXThread* thread, double seconds);
 // Ends a thread that has not ended yet, and closes its handle. What the thread held is lost: wait for it
 // first.
-void fxTerminateThread(void* thread);
-void fxDestroyThread(void* thread);
+void fxTerminateThread(FXThread* thread);
+void fxDestroyThread(FXThread* thread);
 
 // 0: normal, above: as eager as the system allows, below: modest.
 void fxSetAppPriority(int priority);
-void fxSetThreadPriority(void* thread, int priority);
+void fxSetThreadPriority(FXThread* thread, int priority);

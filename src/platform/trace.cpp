@@ -16,7 +16,7 @@ constexpr char kDashes[] = "------------------------------------------------\n";
 
 std::atomic<bool> trcOn = false;
 std::FILE* trcFile = nullptr;
-void* trcMutex = nullptr; // made before the flag is first set, and kept
+FXMutex* trcMutex = nullptr; // made before the flag is first set, and kept
 
 // The message and what stands in front of it, with their lengths. Shared by all callers under the mutex.
 char trcTrcText[kMessage + 1];
@@ -37,19 +37,12 @@ void localPut(const char* text, int size) {
     std::fwrite(text, 1, static_cast<std::size_t>(size), trcFile);
 }
 
-struct Locked {
-    Locked() { fxLock(trcMutex); }
-    ~Locked() { fxUnlock(trcMutex); }
-    Locked(const Locked&) = delete;
-    Locked& operator=(const Locked&) = delete;
-};
-
 enum class Prefix { None, Trace, Error };
 
 void localWrite(Prefix prefix, const char* format, va_list arguments) {
     if (!trcOn)
         return;
-    const Locked locked;
+    const FXLocked locked(trcMutex);
     if (!trcOn || trcFile == nullptr)
         return;
     trcTrcTextSize =
@@ -72,7 +65,7 @@ bool fxOpenTraces(const char* name) {
         trcMutex = fxCreateMutex();
     if (trcMutex == nullptr)
         return false;
-    const Locked locked;
+    const FXLocked locked(trcMutex);
     if (trcOn) {
         if (trcFile != nullptr) {
             std::fprintf(
@@ -104,7 +97,7 @@ void fxCloseTraces() {
 void fxCloseTracesFile() {
     if (trcMutex == nullptr)
         return;
-    const Locked locked;
+    const FXLocked locked(trcMutex);
     if (trcFile == nullptr)
         return;
     std::fprintf(trcFile, "\n%s end of traces\n%s\n", kDashes, kDashes);

@@ -10,6 +10,9 @@
 
 #include <atomic>
 
+struct FXMutex;
+struct FXThread;
+
 // Owns the loop's thread and the material libraries loaded through it; lights, added materials and the loop's
 // target are their owners'. Everything but the loop's flags is set up and taken down while no loop runs.
 class FXEnv : public PEnv {
@@ -64,10 +67,10 @@ public:
     bool depthTest = true;
     bool cullFront = false;
     bool cullBack = false;
-    void* mutex = nullptr;
+    FXMutex* mutex = nullptr;
     std::atomic<bool> running = false;
     std::atomic<bool> stop = false;
-    void* thread = nullptr;
+    FXThread* thread = nullptr;
     HWND envWindow = nullptr;
     bool npot = false; // textures of any size
 

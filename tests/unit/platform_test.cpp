@@ -126,7 +126,7 @@ TEST(Threads, AreWaitedFor) {
         while (!*static_cast<std::atomic<bool>*>(flag))
             fxSleep(0.001);
     };
-    void* thread = fxCreateThread(work, &go);
+    FXThread* thread = fxCreateThread(work, &go);
     endCalls.clear();
     EXPECT_FALSE(fxWaitThread(thread, 0.0005));
     EXPECT_EQ(endCalls, "wait 0, ") << "cut to whole milliseconds";
@@ -143,7 +143,7 @@ TEST(Threads, AreWaitedFor) {
 
 TEST(Threads, AreAsEagerAsAsked) {
     asked.clear();
-    void* thread = fxCreateThread([](void*) {}, nullptr);
+    FXThread* thread = fxCreateThread([](void*) {}, nullptr);
     for (const int priority : {0, 7, -7}) {
         fxSetAppPriority(priority);
         fxSetThreadPriority(thread, priority);
@@ -159,7 +159,7 @@ TEST(Threads, AreAsEagerAsAsked) {
 TEST(Threads, AreEndedByForceOnlyWhenTheyHaveNotEnded) {
     for (const bool runs : {true, false}) {
         endNow = !runs;
-        void* thread = fxCreateThread(
+        FXThread* thread = fxCreateThread(
             [](void*) {
                 while (!endNow)
                     fxSleep(0.001);

@@ -85,7 +85,7 @@ TEST_F(Trace, KeepsTheEntriesOfTwoThreadsApartAlsoWhileItCloses) {
         for (int i = 0; i < 2000; ++i)
             trc("loop %d ends\n", i);
     };
-    void* thread = fxCreateThread(work, nullptr);
+    FXThread* thread = fxCreateThread(work, nullptr);
     for (int i = 0; i < 200; ++i)
         err("main %d ends\n", i);
     fxCloseTraces();
