@@ -4,13 +4,15 @@
 #include <string_view>
 
 // Functions that make a path share one buffer: a result stays valid until the next one is made, and may be an
-// argument of that call. One that would be longer than 259 characters is empty.
+// argument of that call. One that would be longer than 259 characters is empty, and so is one that there is
+// no memory for.
 
 // The part after the last separator, inside the given text.
 const char* fxGetFilename(const char* path);
 
 // The way from one path to another, as "../b/c"; `to` itself when there is none (another drive, an empty
-// path) or it is too long. A path that is a file counts without its last part where the way begins.
+// path), it is too long, or there is no memory. A path that is a file counts without its last part where the
+// way begins.
 const char* fxBuildRelativePath(const char* from, bool fromIsFile, const char* to, bool toIsFile);
 
 // b within the folder a, "." and ".." resolved as far as there are parts to go up. b loses one separator in

@@ -14,8 +14,17 @@
 namespace {
 
 constexpr const char* kCut = "is damaged or ends too early: some of its entries are missing";
+constexpr const char* kNoMemory = "has more entries than there is memory for";
 
+// False when there is no memory for all of the table.
+bool localReadTable(FXPackageData* cursor, FXArray<int>* table) {
+    FXPackageData ahead = *cursor;
+    const int count = ahead.ReadCount();
+    cursor->ReadArray(table);
+    return table->count == count;
 }
+
+} // namespace
 
 bool FXPackage::Load(const char* fileName) {
     Destroy();
@@ -49,52 +58,58 @@ bool FXPackage::LoadFile(const char* fileName) {
     }
     if (scrambled)
         fxScramble(body.get(), static_cast<std::size_t>(size));
-    TakeBody(std::move(body), size);
+    if (!TakeBody(std::move(body), size)) {
+        Destroy();
+        problem.Set(kNoMemory);
+        return false;
+    }
     // Ids given to names from now on do not meet those of stored entries.
     const int* largest = std::max_element(ids.begin(), ids.end());
     firstId = ids.IsEmpty() ? 0 : *largest < INT_MAX ? *largest + 1 : INT_MAX;
     return true;
 }
 
-// Makes an unscrambled body the contents.
-void FXPackage::TakeBody(FXBytes body, int size) {
+// Makes an unscrambled body the contents. False when there is no memory for its tables.
+bool FXPackage::TakeBody(FXBytes body, int size) {
     FXPackageData cursor;
     cursor.InitData(body.get(), size);
     for (FXArray<int>* table : {&ids, &offsets, &sizes, &types})
-        cursor.ReadArray(table);
+        if (!localReadTable(&cursor, table))
+            return false;
 
     if (ids.IsEmpty())
         problem.Set("has no entries");
     else if (offsets.count < ids.count || sizes.count < ids.count)
         problem.Set(kCut);
-    // Only a package that lies has tables of different lengths: there are as many entries as ids, and what a
+    // Only a malformed package has tables of different lengths: there are as many entries as ids, and what a
     // table lacks is 0.
     for (FXArray<int>* table : {&offsets, &sizes, &types}) {
         if (!table->Realloc(ids.count))
-            ids.count = table->count; // without memory for them, fewer entries
+            return false;
         while (table->count < ids.count)
             table->Push(0);
-    }
-    for (FXArray<int>* table : {&offsets, &sizes, &types})
         table->count = ids.count;
+    }
 
     dataSize = cursor.left;
     dataBlock = dataSize > 0 ? body.get() + (size - dataSize) : nullptr;
     block = std::move(body);
     RecompClasses();
+    return true;
 }
 
 void FXPackage::RecompClasses() {
     cursors.RemoveAll();
+    const unsigned char* const data = dataBlock;
     for (int i = 0; i < ids.count; ++i) {
         FXPackageData* cursor = cursors.Realloc(ids.count) ? cursors.PushNew() : nullptr;
         if (cursor == nullptr) {
-            problem.Set("has more entries than there is memory for");
+            problem.Set(kNoMemory);
             return;
         }
         const std::int64_t end = static_cast<std::int64_t>(offsets[i]) + sizes[i];
         if (offsets[i] >= 0 && sizes[i] >= 0 && end <= dataSize)
-            cursor->InitData(dataBlock + offsets[i], sizes[i]);
+            cursor->InitData(data + offsets[i], sizes[i]);
         else
             problem.Set(kCut);
     }

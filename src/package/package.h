@@ -38,8 +38,8 @@ public:
     int GetDataType(int id) const; // kRaw (-1) when there is none
     void Destroy();                // the names stay
 
-    // Building. Queued files are read by Save.
-    void AddDataFile(int id, const char* file);
+    // Building. Queued files are read by Save. False when there is no memory to queue one.
+    bool AddDataFile(int id, const char* file);
     // Queues the file under the id of its name, once per name, and replaces the name by the id in decimal.
     void AddDataFile1(FXStr* name);
     // Appends the queued files and writes the package, scrambled if asked. It is written under another name
@@ -73,7 +73,7 @@ public:
 
 private:
     bool LoadFile(const char* fileName);
-    void TakeBody(FXBytes body, int size);
+    bool TakeBody(FXBytes body, int size);
     void RecompClasses();
 
     FXBytes block; // what dataBlock points into

@@ -45,9 +45,13 @@ void localWriteTable(FXPackageData* cursor, const FXArray<int>& stored, const FX
 
 } // namespace
 
-void FXPackage::AddDataFile(int id, const char* file) {
-    pendingIds.Push(id);
+bool FXPackage::AddDataFile(int id, const char* file) {
+    if (!pendingIds.Push(id))
+        return false;
     pendingFiles.Push(file);
+    if (pendingFiles.count < pendingIds.count)
+        pendingIds.Pop();
+    return pendingFiles.count == pendingIds.count;
 }
 
 void FXPackage::AddDataFile1(FXStr* name) {
@@ -72,6 +76,9 @@ bool FXPackage::Save(const char* fileName, int flags) {
     FXArray<int> newOffsets, newSizes, newTypes;
     if (!newOffsets.Realloc(added) || !newSizes.Realloc(added) || !newTypes.Realloc(added))
         return false;
+    for (FXArray<int>* table : {&ids, &offsets, &sizes, &types}) // so that TakeBody cannot fail
+        if (!table->Realloc(table->count + added))
+            return false;
     std::int64_t end = dataSize;
     for (int i = 0; i < added; ++i) {
         int size = 0;

@@ -10,7 +10,13 @@ static_assert(std::endian::native == std::endian::little, "records are read as t
 void FXPackageData::InitData(const void* p, int n) {
     start = static_cast<const unsigned char*>(p);
     size = start != nullptr ? std::max(n, 0) : 0;
+    writable_ = nullptr;
     Reseek();
+}
+
+void FXPackageData::InitData(void* p, int n) {
+    InitData(static_cast<const void*>(p), n);
+    writable_ = static_cast<unsigned char*>(p);
 }
 
 void FXPackageData::Reseek() {
@@ -81,6 +87,8 @@ void FXPackageData::ReadStringArray(FXStrArray* a) {
     for (int i = 0; i < count; ++i) {
         ReadString(&s);
         a->Push(s.text);
+        if (a->count == i) // no memory
+            return;
     }
 }
 
@@ -103,9 +111,9 @@ void FXPackageData::ReadFloatArray(FXFloatArray* a) {
 }
 
 void FXPackageData::WriteInt(int v) {
-    const unsigned char* at = cur;
-    if (ReadBlc(sizeof v) != nullptr)
-        std::memcpy(const_cast<unsigned char*>(at), &v, sizeof v);
+    const int at = size - left;
+    if (writable_ != nullptr && ReadBlc(sizeof v) != nullptr)
+        std::memcpy(writable_ + at, &v, sizeof v);
 }
 
 void FXPackageData::WriteArray(const FXArray<int>* a) {

@@ -10,13 +10,16 @@
 //
 // A counted read gives as many elements as the count says, defaults where the bytes have run out, whatever is
 // left: up to kSureCount. Beyond that it gives no more elements than the bytes left hold, at 4 bytes each at
-// the least, so that a count that lies costs little memory. A negative count gives none.
+// the least, so that a malformed count costs little memory. A negative count gives none. Without memory for
+// all elements an array stays empty, but for one of strings, which ends with the last that found memory.
 class FXPackageData {
 public:
     static constexpr int kSureCount = 65536;
 
-    void InitData(const void* p, int n); // n < 0 counts as 0
-    void Reseek();                       // back to the start
+    // n < 0 counts as 0. A block that is not const can also be written.
+    void InitData(const void* p, int n);
+    void InitData(void* p, int n);
+    void Reseek(); // back to the start
 
     bool ReadBool();
     int ReadInt();
@@ -33,7 +36,7 @@ public:
     void ReadArray(FXArray<int>* a);
     void ReadFloatArray(FXFloatArray* a);
 
-    // For building a block in memory; nothing when 4 bytes are not left. The block must be writable.
+    // For building a block in memory; nothing when 4 bytes are not left, or the block is const.
     void WriteInt(int v);
     void WriteArray(const FXArray<int>* a);
 
@@ -44,4 +47,6 @@ public:
 
 private:
     template <class T> T ReadValue();
+
+    unsigned char* writable_ = nullptr; // the block's start; null: it is only read
 };

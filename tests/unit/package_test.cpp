@@ -89,12 +89,11 @@ TEST(Package, TablesThatLieReadNothingOutsideAndCostNoMemory) {
         {ones + Table({1}) + Table({2}) + Ints({0}), "bc", ""}, // no type
         {ones + Table({1}) + Table({2, 3, 4}) + ones, "bc", ""},
         {Table({1, 2, 3}) + Table({1}) + Table({2}) + ones, "bc", kCut},
-        {Ints({INT_MAX, 1}) + Table({0}) + Table({1}) + ones, "none", "has no entries"},
+        {Ints({INT_MAX, 1}) + Table({0}) + Table({1}) + ones, "", kCut},
         {Ints({-1, 1}), "none", "has no entries"},
         {Table({2, 1}) + Table({1}) + Table({2, 1}), "a", kCut}, // what a table lacks is 0: here the offset
         {Table({2, 1}) + Table({1, 1}) + Table({2}), "", kCut},  // the size
     };
-    fxSetAllocLimit(4096);
     FXPackage package;
     for (const auto& [tables, entry, problem] : cases)
         for (const std::string& file :
@@ -106,13 +105,6 @@ TEST(Package, TablesThatLieReadNothingOutsideAndCostNoMemory) {
                  {package.offsets.count, package.sizes.count, package.types.count, package.cursors.count})
                 EXPECT_EQ(count, package.ids.count);
         }
-    EXPECT_FALSE(package.Load(folder.Write("p", Header("pck01") + std::string(5000, 'x')).c_str()))
-        << "no memory";
-    fxSetAllocLimit(1 << 16);
-    ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Ints({0x25be})).c_str()));
-    EXPECT_STREQ(package.problem.text, "has more entries than there is memory for"); // found by fuzzing
-    EXPECT_EQ(Entry(package, 0), "none");
-    fxSetAllocLimit(0);
     // Ids alone, and a count that ends with the file: entries of value 0, without a byte.
     ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Ints({3, 7})).c_str()));
     EXPECT_EQ(Entry(package, 7) + Entry(package, 0), "");
