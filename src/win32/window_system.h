@@ -1,7 +1,7 @@
 // The seam inside the platform layer for Linux. A window system is one table of functions, and one class for
-// OpenGL on its window; each is a folder (x11/). windowing/ writes the functions of win32.h above it, once,
-// and calls nothing else of a window system. docs/window-systems.md has it as a table: who calls what, on
-// which thread, and what failure means.
+// OpenGL on its window; each is a folder (x11/, offscreen/). windowing/ writes the functions of win32.h above
+// it, once, and calls nothing else of a window system. docs/window-systems.md has it as a table: who calls
+// what, on which thread, and what failure means.
 //
 // The program has one window, which covers the primary monitor or lies in another program's window.
 // Everything belongs to the main thread, but for GlSurface::MakeCurrent and Swap.
@@ -99,6 +99,7 @@ struct WindowSystem {
 
 // One per folder; an executable links those that it offers.
 extern const WindowSystem kX11;
+extern const WindowSystem kOffscreen;
 
 // From now on, the first of these that opens is in use. Called before all that needs one.
 void OfferWindowSystems(std::span<const WindowSystem* const> systems);

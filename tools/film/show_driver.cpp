@@ -35,6 +35,19 @@ Picture localGreyDesktop(int width, int height) {
     return {width, height, std::vector<std::uint32_t>(static_cast<std::size_t>(width) * height, 0xFF607080u)};
 }
 
+// It fills the screen.
+HWND localOpenWindow(int width, int height) {
+    if (!OffscreenSetScreen(width, height))
+        return nullptr;
+    constexpr const char* kClass = "film";
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = DefWindowProcA;
+    windowClass.lpszClassName = kClass;
+    RegisterClassA(&windowClass);
+    return CreateWindowExA(0, kClass, kClass, WS_POPUP, 0, 0, width, height, nullptr, nullptr, nullptr,
+                           nullptr);
+}
+
 // Without a context, OpenGL answers nothing.
 bool localCanDraw() {
     show::gr.SetAct(true);
@@ -68,8 +81,8 @@ bool ShowDriver::Open(const Settings& settings, std::string* error) {
     Close();
     settings_ = settings;
     next_ = 0;
-    HWND window = OffscreenOpen(settings.width, settings.height);
-    if (window == nullptr) {
+    window_ = localOpenWindow(settings.width, settings.height);
+    if (window_ == nullptr) {
         *error = "there is no software OpenGL to draw with (Debian: apt-get install libegl1 libgl1-mesa-dri)";
         return false;
     }
@@ -82,7 +95,7 @@ bool ShowDriver::Open(const Settings& settings, std::string* error) {
     showTicks = static_cast<std::uint32_t>(kFirstFrame * 1000);
     fxSetTickSource([] { return showTicks; });
     fxSeedRandom(kSeed);
-    BuildScene(window, settings.preview);
+    BuildScene(window_, settings.preview);
     open_ = true;
     if (!localCanDraw()) {
         Close();
@@ -97,7 +110,8 @@ void ShowDriver::Close() {
     if (!open_)
         return;
     DestroyScene();
-    OffscreenClose();
+    DestroyWindow(window_);
+    OffscreenSetDesktop(nullptr, 0, 0, 0);
     fxSetTickSource(nullptr);
     open_ = false;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "film/picture.h"
+#include "win32/win32.h"
 
 #include <string>
 
@@ -43,6 +44,7 @@ private:
     void DrawAt(double seconds, bool visible);
 
     Settings settings_;
+    HWND window_ = nullptr;
     double next_ = 0; // the time of the next step
     bool open_ = false;
 };

@@ -1,15 +1,11 @@
-// The platform of the film tool and the picture tests: one window that lies in memory alone, drawn by
-// software OpenGL, and a desktop picture of the caller's.
+// The window system of the film tool and the picture tests: a screen in memory alone, drawn by software
+// OpenGL, with a desktop picture of the caller's. Only the window that fills it is ever made.
 #pragma once
 
-#include "win32/win32.h"
-
-// The window is the whole screen: width x height pixels, 1 to 16384 each. It is drawn in software even where
-// there is a graphics card, so that a show looks alike on every machine. Null when there is no software
-// OpenGL, or when the window is open already.
-HWND OffscreenOpen(int width, int height);
-// Device contexts and OpenGL contexts are released before. Closed already, nothing happens.
-void OffscreenClose();
+// From now on this is the window system in use, with a screen of width x height pixels, 1 to 16384 each. It
+// is drawn in software even where there is a graphics card, so that a show looks alike on every machine.
+// False when there is no software OpenGL. Called while there is no window.
+bool OffscreenSetScreen(int width, int height);
 
 // What is photographed from now on; copied. Top row first; blue, green, red, unused per pixel; pitch: bytes
 // from one row to the next. A null picture or one of no size leaves no desktop, and then photographs fail.
