@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 // Pixels: in a window's parent, or on the screen, where (0, 0) is the primary monitor's corner.
@@ -24,6 +25,13 @@ struct WindowRequest {
     HWND parent = nullptr; // null: the window covers the screen, and all input is its own
     Place place;
     const char* title = "";
+};
+
+// A picture of the desktop: top row first, without gaps; blue, green, red, unused per pixel.
+struct Photograph {
+    std::vector<unsigned char> pixels;
+    int width = 0;
+    int height = 0;
 };
 
 // An OpenGL context. It is deleted while no other thread has it current.
@@ -67,6 +75,9 @@ struct WindowSystem {
     Place (*FindScreen)();
     // The pointer's position, of which only changes count.
     bool (*FindPointer)(POINT* position);
+    // What the screen shows, at most so many pixels from its corner. False, with no picture and what failed
+    // in `problem`, a line for the trace.
+    bool (*PhotographDesktop)(int width, int height, Photograph* picture, std::string* problem);
 
     // The program's window, not shown yet. Null when it cannot be.
     HWND (*CreateWindow)(const WindowRequest& request);

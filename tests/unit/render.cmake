@@ -4,6 +4,6 @@ tamb_add_unit_test(render_test SOURCES
     ${here}/codec_modules_test.cpp
     LIBS tamb_render tamb_gl_recorder tamb_fake_desktop tamb_fake_win32)
 
-# The X11 source, where there is no X server.
-tamb_add_unit_test(desktop_x11_test SOURCES ${here}/desktop_x11_test.cpp
-    LIBS tamb_desktop_x11 tamb_win32_posix)
+# X11, where there is no X server.
+tamb_add_unit_test(desktop_linux_test SOURCES ${here}/desktop_linux_test.cpp
+    LIBS tamb_desktop_linux tamb_win32_windowing tamb_win32_x11 tamb_win32_posix)

@@ -15,12 +15,17 @@ namespace {
 constexpr int kLargest = 16384; // pixels a side
 const HWND kTheWindow = reinterpret_cast<HWND>(static_cast<UINT_PTR>(1));
 
-struct Desktop {
-    std::vector<unsigned char> bgrx;
-    int width = 0;
-    int height = 0;
-};
-Desktop desktop;
+Photograph desktop; // the caller's; empty: there is none
+
+bool PhotographDesktop(int width, int height, Photograph* picture, std::string* problem) {
+    if (desktop.pixels.empty() || desktop.width < width || desktop.height < height) {
+        *problem =
+            "there is no desktop of " + std::to_string(width) + " x " + std::to_string(height) + " pixels";
+        return false;
+    }
+    *picture = desktop;
+    return true;
+}
 
 HWND CreateWindow(const WindowRequest& request) {
     if (hasWindow || request.parent != nullptr)
@@ -51,6 +56,7 @@ const WindowSystem kOffscreen = {
     .Open = [] { return offscreen::screen.width > 0; },
     .FindScreen = [] { return offscreen::screen; },
     .FindPointer = [](POINT*) { return false; },
+    .PhotographDesktop = offscreen::PhotographDesktop,
     .CreateWindow = offscreen::CreateWindow,
     .ShowWindow = [] {},
     .DestroyWindow = [] { offscreen::hasWindow = false; },
@@ -76,17 +82,12 @@ bool OffscreenSetScreen(int width, int height) {
 }
 
 void OffscreenSetDesktop(const unsigned char* bgrx, int width, int height, int pitch) {
-    offscreen::Desktop& desktop = offscreen::desktop;
+    Photograph& desktop = offscreen::desktop;
     desktop = {};
     if (bgrx == nullptr || width < 1 || height < 1 || pitch < 4 * width)
         return;
     const std::size_t row = static_cast<std::size_t>(width) * 4;
     desktop = {std::vector<unsigned char>(row * height), width, height};
     for (int y = 0; y < height; ++y)
-        std::memcpy(&desktop.bgrx[row * y], bgrx + static_cast<std::ptrdiff_t>(y) * pitch, row);
-}
-
-OffscreenDesktop OffscreenGetDesktop() {
-    const offscreen::Desktop& desktop = offscreen::desktop;
-    return {desktop.bgrx.empty() ? nullptr : desktop.bgrx.data(), desktop.width, desktop.height};
+        std::memcpy(&desktop.pixels[row * y], bgrx + static_cast<std::ptrdiff_t>(y) * pitch, row);
 }

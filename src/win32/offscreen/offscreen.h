@@ -10,11 +10,3 @@ bool OffscreenSetScreen(int width, int height);
 // What is photographed from now on; copied. Top row first; blue, green, red, unused per pixel; pitch: bytes
 // from one row to the next. A null picture or one of no size leaves no desktop, and then photographs fail.
 void OffscreenSetDesktop(const unsigned char* bgrx, int width, int height, int pitch);
-
-struct OffscreenDesktop {
-    const unsigned char* bgrx; // null: there is none
-    int width;
-    int height; // rows follow each other without a gap
-};
-// The picture last set, for the desktop source; valid until the next is set.
-OffscreenDesktop OffscreenGetDesktop();

@@ -5,6 +5,7 @@ const WindowSystem kX11 = {
     .Open = [] { return x11::Connection() != nullptr; },
     .FindScreen = x11::FindScreen,
     .FindPointer = x11::FindPointer,
+    .PhotographDesktop = x11::PhotographDesktop,
     .CreateWindow = x11::CreateWindow,
     .ShowWindow = x11::ShowWindow,
     .DestroyWindow = x11::DestroyWindow,

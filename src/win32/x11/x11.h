@@ -89,6 +89,7 @@ void FitSurface(int width, int height);
 // The functions of the window system's table (x11.cpp), in the file that their subject has.
 Place FindScreen();
 bool FindPointer(POINT* position);
+bool PhotographDesktop(int width, int height, Photograph* picture, std::string* problem);
 HWND CreateWindow(const WindowRequest& request);
 void ShowWindow();
 void DestroyWindow();

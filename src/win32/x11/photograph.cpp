@@ -1,10 +1,7 @@
-// The desktop on X11: what the root window and everything on it show on the primary monitor, through shared
-// memory where the server offers it.
-#include "image/desktop_source.h"
-#include "platform/trace.h"
-#include "win32/x11/monitors.h"
+// The desktop: what the root window and everything on it show on the primary monitor, through shared memory
+// where the server offers it.
+#include "win32/x11/x11.h"
 
-#include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XShm.h>
 
@@ -12,39 +9,15 @@
 #include <sys/shm.h>
 
 #include <algorithm>
-#include <vector>
+
+namespace x11 {
 
 namespace {
-
-Display* display = nullptr;
-std::vector<unsigned char> copy; // blue, green, red, unused
-int copyWidth = 0;
-int copyHeight = 0;
-
-bool sawError = false;
-
-// X errors of this file's requests are noted; the process's own handler never ends the saver.
-class ErrorTrap {
-public:
-    ErrorTrap()
-        : previous_(XSetErrorHandler([](Display*, XErrorEvent*) {
-              sawError = true;
-              return 0;
-          })) {
-        sawError = false;
-    }
-    ~ErrorTrap() { XSetErrorHandler(previous_); }
-    ErrorTrap(const ErrorTrap&) = delete;
-    ErrorTrap& operator=(const ErrorTrap&) = delete;
-
-private:
-    XErrorHandler previous_;
-};
 
 // An image in memory that the server shares; null when that cannot be had (a remote server, no memory).
 class SharedImage {
 public:
-    SharedImage(int w, int h) {
+    SharedImage(Display* display, int w, int h) : display_(display) {
         if (XShmQueryExtension(display) == 0)
             return;
         const int screen = DefaultScreen(display);
@@ -60,14 +33,13 @@ public:
         if (address == nullptr || address == reinterpret_cast<void*>(-1))
             return;
         segment_.shmaddr = image_->data = static_cast<char*>(address);
-        const ErrorTrap trap;
+        ErrorTrap trap(display);
         XShmAttach(display, &segment_);
-        XSync(display, False);
-        attached_ = !sawError;
+        attached_ = trap.Clean();
     }
     ~SharedImage() {
         if (attached_)
-            XShmDetach(display, &segment_);
+            XShmDetach(display_, &segment_);
         if (image_ != nullptr) {
             image_->data = nullptr; // the segment's, not Xlib's to free
             XDestroyImage(image_);
@@ -80,16 +52,16 @@ public:
     SharedImage(const SharedImage&) = delete;
     SharedImage& operator=(const SharedImage&) = delete;
 
-    XImage* Photograph(int x, int y) {
+    XImage* Read(int x, int y) {
         if (!attached_)
             return nullptr;
-        const ErrorTrap trap;
-        const Status taken = XShmGetImage(display, DefaultRootWindow(display), image_, x, y, AllPlanes);
-        XSync(display, False);
-        return taken != 0 && !sawError ? image_ : nullptr;
+        ErrorTrap trap(display_);
+        const Status taken = XShmGetImage(display_, DefaultRootWindow(display_), image_, x, y, AllPlanes);
+        return trap.Clean() && taken != 0 ? image_ : nullptr;
     }
 
 private:
+    Display* display_;
     XShmSegmentInfo segment_ = {0, -1, nullptr, False};
     XImage* image_ = nullptr;
     bool attached_ = false;
@@ -110,7 +82,8 @@ struct Channel {
     }
 };
 
-void localCopyPixels(XImage* image) {
+// Fills the photograph, which has its size.
+void Convert(Display* display, XImage* image, Photograph* picture) {
     const Visual* visual = DefaultVisual(display, DefaultScreen(display));
     const Channel red(visual->red_mask);
     const Channel green(visual->green_mask);
@@ -118,14 +91,15 @@ void localCopyPixels(XImage* image) {
     const bool plain = image->bits_per_pixel == 32 && image->byte_order == LSBFirst &&
                        visual->red_mask == 0xFF0000u && visual->green_mask == 0xFF00u &&
                        visual->blue_mask == 0xFFu;
-    unsigned char* to = copy.data();
-    for (int y = 0; y < copyHeight; ++y) {
+    picture->pixels.resize(static_cast<std::size_t>(picture->width) * picture->height * 4);
+    unsigned char* to = picture->pixels.data();
+    for (int y = 0; y < picture->height; ++y) {
         const char* row = image->data + static_cast<std::ptrdiff_t>(y) * image->bytes_per_line;
         if (plain) {
-            to = std::copy_n(reinterpret_cast<const unsigned char*>(row), copyWidth * 4, to);
+            to = std::copy_n(reinterpret_cast<const unsigned char*>(row), picture->width * 4, to);
             continue;
         }
-        for (int x = 0; x < copyWidth; ++x) {
+        for (int x = 0; x < picture->width; ++x) {
             const unsigned long pixel = XGetPixel(image, x, y);
             *to++ = blue.Of(pixel);
             *to++ = green.Of(pixel);
@@ -135,55 +109,38 @@ void localCopyPixels(XImage* image) {
     }
 }
 
-bool localPhotograph(int x, int y, int w, int h) {
-    SharedImage shared(w, h);
-    if (XImage* image = shared.Photograph(x, y)) {
-        localCopyPixels(image);
+bool Read(Display* display, int x, int y, Photograph* picture) {
+    SharedImage shared(display, picture->width, picture->height);
+    if (XImage* image = shared.Read(x, y)) {
+        Convert(display, image, picture);
         return true;
     }
-    const ErrorTrap trap;
-    XImage* image = XGetImage(display, DefaultRootWindow(display), x, y, static_cast<unsigned>(w),
-                              static_cast<unsigned>(h), AllPlanes, ZPixmap);
+    XImage* image =
+        XGetImage(display, DefaultRootWindow(display), x, y, static_cast<unsigned>(picture->width),
+                  static_cast<unsigned>(picture->height), AllPlanes, ZPixmap);
     if (image == nullptr)
         return false;
-    localCopyPixels(image);
+    Convert(display, image, picture);
     XDestroyImage(image);
     return true;
 }
 
 } // namespace
 
-bool fxDesktopCopy(int w, int h) {
-    if (display == nullptr)
-        display = XOpenDisplay(nullptr);
+bool PhotographDesktop(int width, int height, Photograph* picture, std::string* problem) {
+    Display* display = Connection();
     if (display == nullptr) {
-        err("XOpenDisplay (desktop capture)\n");
+        *problem = "XOpenDisplay (desktop capture)";
         return false;
     }
-    const Place primary = x11::ListMonitors(display).front();
-    copyWidth = std::min(w, primary.width);
-    copyHeight = std::min(h, primary.height);
-    copy.assign(static_cast<std::size_t>(copyWidth) * static_cast<std::size_t>(copyHeight) * 4, 0);
-    if (!localPhotograph(primary.x, primary.y, copyWidth, copyHeight)) {
-        err("XGetImage (desktop capture)\n");
-        fxDesktopUnlock();
-        return false;
-    }
-    return true;
+    const Place primary = ListMonitors(display).front();
+    picture->width = std::min(width, primary.width);
+    picture->height = std::min(height, primary.height);
+    if (Read(display, primary.x, primary.y, picture))
+        return true;
+    *picture = {};
+    *problem = "XGetImage (desktop capture)";
+    return false;
 }
 
-bool fxDesktopLock(FXDesktopPixels* pixels) {
-    *pixels = {copy.data(), copyWidth * 4, copyWidth, copyHeight};
-    return !copy.empty();
-}
-
-void fxDesktopUnlock() {
-    std::vector<unsigned char>().swap(copy);
-}
-
-void fxDesktopRelease() {
-    fxDesktopUnlock();
-    if (display != nullptr)
-        XCloseDisplay(display);
-    display = nullptr;
-}
+} // namespace x11

@@ -1,13 +1,16 @@
 #include "image/desktop_source.h"
 #include "unit/trace_lines.h"
+#include "win32/window_system.h"
 
 #include <cstdlib>
 
 namespace {
 
-TEST(DesktopX11, WithoutAServerThereIsNoPictureAndTheTraceSaysWhy) {
+TEST(DesktopLinux, WithoutAnXServerThereIsNoPictureAndTheTraceSaysWhy) {
     const TempFolder folder;
     const TraceLines trace(folder);
+    constexpr const WindowSystem* kSystems[] = {&kX11};
+    OfferWindowSystems(kSystems);
     setenv("DISPLAY", ":no-such-display", 1);
     EXPECT_FALSE(fxDesktopCopy(640, 480));
     FXDesktopPixels pixels;
