@@ -53,6 +53,13 @@ cmp dot.png "$examples/dot.png"
 expect 0 '' "$pack" extract good.dat parts
 expect 1 '--force' "$pack" extract good.dat parts
 expect 0 '' "$pack" extract good.dat parts --force --obj
+{ echo 'scramble = true' && cat "$examples/formats.toml"; } >scrambled.toml
+expect 0 '' "$pack" build scrambled.toml scrambled.dat --files "$examples" --names names.h
+head -c 10 scrambled.dat | grep -q pck01s && [ -f names.h ]
+printf 'o \033[31m\nv 0 0 0\nf 1 1 1\n' >red.obj
+printf '[[entry]]\nid = 1\nmodel = "red.obj"\n' >red.toml
+expect 0 '' "$pack" build red.toml red.dat
+expect 0 '\u001B[31m' "$pack" list red.dat # no command to the terminal
 echo 'x = ' >wrong.toml
 expect 1 'wrong.toml:1: ' "$pack" build wrong.toml p.dat
 

