@@ -4,29 +4,27 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 namespace {
 
 TEST(Pixmap, RoundsItsStorageUpAndUsesABlockAgain) {
-    const struct {
-        int w, h;
-        bool powerOfTwo;
-        int width, height;
-        bool sameBlock;
-    } kSteps[] = {{300, 200, false, 300, 200, false}, {1024, 768, true, 1024, 1024, false},
-                  {800, 600, true, 1024, 1024, true}, {0, 0, true, 1, 1, true},
-                  {1025, 1, true, 2048, 1, true},     {1025, 1025, true, 2048, 2048, false}};
+    const std::tuple<int, int, bool, int, int, bool> kSteps[] = {
+        // used, a power of two; stored, in the same block
+        {300, 200, false, 300, 200, false}, {1024, 768, true, 1024, 1024, false},
+        {800, 600, true, 1024, 1024, true}, {0, 0, true, 1, 1, true},
+        {1025, 1, true, 2048, 1, true},     {1025, 1025, true, 2048, 2048, false}};
     FXPixmap pixmap;
-    for (const auto& step : kSteps) {
+    for (const auto& [w, h, powerOfTwo, width, height, sameBlock] : kSteps) {
         const std::uint32_t* before = pixmap.pixels;
-        pixmap.powerOfTwo = step.powerOfTwo;
-        ASSERT_TRUE(pixmap.Realloc(step.w, step.h)) << step.w;
-        EXPECT_TRUE(pixmap.width == step.width && pixmap.height == step.height) << step.w;
-        EXPECT_TRUE(pixmap.usedWidth == step.w && pixmap.usedHeight == step.h) << step.w;
-        EXPECT_TRUE(pixmap.pixels == before || !step.sameBlock) << step.w;
+        pixmap.powerOfTwo = powerOfTwo;
+        ASSERT_TRUE(pixmap.Realloc(w, h)) << w;
+        EXPECT_TRUE(pixmap.width == width && pixmap.height == height) << w;
+        EXPECT_TRUE(pixmap.usedWidth == w && pixmap.usedHeight == h) << w;
+        EXPECT_TRUE(pixmap.pixels == before || !sameBlock) << w;
         pixmap.Clear(7); // all of the block is there
-        EXPECT_EQ(pixmap.pixels[step.width * step.height - 1], 7u);
+        EXPECT_EQ(pixmap.pixels[width * height - 1], 7u);
     }
 }
 

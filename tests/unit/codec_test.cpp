@@ -1,7 +1,6 @@
 // The codec bridge with the real library.
 #include "image/canvas.h"
 #include "image/codec.h"
-#include "image/colors.h"
 #include "image/picture_header.h"
 #include "unit/test_package.h"
 #include "unit/trace_lines.h"
@@ -10,18 +9,40 @@
 
 namespace {
 
+using Pixels = std::vector<std::uint32_t>;
+
 // 2 x 1 pixels, (200,100,50) both.
 const std::string kGifFile = {"GIF89a\2\0\1\0\x80\0\0\xc8\x64\x32\0\0\0,\0\0\0\0\2\0\1\0\0\2\2\4\n\0;", 35};
 
+// A storage for w x h pixels, all of it one value.
+void Fill(FXCanvas* canvas, int w, int h, std::uint32_t value) {
+    ASSERT_TRUE(canvas->Realloc(w, h));
+    static_cast<FXPixmap*>(canvas)->Clear(value);
+}
+
+Pixels Picture(const FXCanvas& canvas) {
+    Pixels pixels;
+    for (int i = 0; i < canvas.GetWidth() * canvas.GetHeight(); ++i)
+        pixels.push_back(canvas.pixels[i / canvas.GetWidth() * canvas.width + i % canvas.GetWidth()]);
+    return pixels;
+}
+
+void ExpectNear(const Pixels& actual, const Pixels& expected, int tolerance) {
+    ASSERT_EQ(actual.size(), expected.size());
+    for (std::size_t i = 0; i < 4 * actual.size(); ++i) {
+        const auto channel = [i](const Pixels& of) {
+            return static_cast<int>(of[i / 4] >> 8 * (i % 4) & 255);
+        };
+        EXPECT_NEAR(channel(actual), channel(expected), tolerance)
+            << "pixel " << i / 4 << ", channel " << i % 4;
+    }
+}
+
 // The file that the library itself writes: 2 x 1 pixels of one colour.
-std::string SavedByTheLibrary(const TempFolder& folder, const std::string& name, std::uint32_t pixel) {
-    std::uint32_t pixels[] = {pixel, pixel};
-    ILuint image = 0;
-    fxCodec.ilGenImages(1, &image);
-    fxCodec.ilBindImage(image);
-    fxCodec.ilTexImage(2, 1, 1, 4, IL_RGBA, IL_UNSIGNED_BYTE, pixels);
-    EXPECT_TRUE(fxCodec.ilSaveImage(folder.File(name).c_str()));
-    fxCodec.ilDeleteImages(1, &image);
+std::string Saved(const TempFolder& folder, const char* name, std::uint32_t pixel) {
+    FXCanvas canvas;
+    Fill(&canvas, 2, 1, pixel);
+    EXPECT_TRUE(canvas.SaveToPict(folder.File(name).c_str()));
     return folder.Read(name);
 }
 
@@ -51,31 +72,28 @@ protected:
 };
 
 TEST_F(Codec, DecodesEveryFormatOfThePackage) {
-    constexpr std::uint32_t kHalf = 0x803264C8; // (200, 100, 50) half transparent
+    constexpr std::uint32_t kHalf = 0x803264C8,
+                            kWhole = 0xFF3264C8; // (200, 100, 50), half transparent or not
     const struct {
         int type;
         std::string file;
-        bool alpha;
-        int tolerance; // of a channel
-    } cases[] = {{kPng, SavedByTheLibrary(folder_, "a.png", kHalf), true, 0},
-                 {kTga, SavedByTheLibrary(folder_, "a.tga", kHalf), true, 0},
-                 {kBmp, SavedByTheLibrary(folder_, "a.bmp", kHalf), false, 0},
-                 {kJpeg, SavedByTheLibrary(folder_, "a.jpg", kHalf), false, 4},
-                 {kGif, kGifFile, false, 0}};
+        std::uint32_t pixel;
+        int tolerance;
+    } cases[] = {{kPng, Saved(folder_, "a.png", kHalf), kHalf, 0},
+                 {kTga, Saved(folder_, "a.tga", kHalf), kHalf, 0},
+                 {kBmp, Saved(folder_, "a.bmp", kHalf), kWhole, 0},
+                 {kJpeg, Saved(folder_, "a.jpg", kHalf), kWhole, 4},
+                 {kGif, kGifFile, kWhole, 0}};
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.type);
         Load({{1, c.type, c.file}});
         FXCanvas canvas;
-        canvas.opaque = c.alpha; // as of another picture
-        ASSERT_TRUE(canvas.CreateFromPictCN(&package_, 1)) << std::hex << c.type;
-        EXPECT_TRUE(canvas.GetWidth() == 2 && canvas.GetHeight() == 1) << std::hex << c.type;
+        canvas.opaque = c.pixel == kHalf; // as of another picture
+        ASSERT_TRUE(canvas.CreateFromPictCN(&package_, 1));
         const auto claim = fxPictureSize(Bytes(c.file), c.type);
-        EXPECT_TRUE(claim && claim->width == 2 && claim->height == 1) << std::hex << c.type;
-        EXPECT_EQ(canvas.opaque, !c.alpha) << std::hex << c.type;
-        for (int i = 0; i < 8; ++i) {
-            const int channel = static_cast<int>(canvas.pixels[i / 4] >> 8 * (i % 4) & 255);
-            const int expected = i % 4 == 3 && !c.alpha ? 255 : static_cast<int>(kHalf >> 8 * (i % 4) & 255);
-            EXPECT_NEAR(channel, expected, c.tolerance) << std::hex << c.type << " " << i;
-        }
+        EXPECT_TRUE(claim && claim->width == 2 && claim->height == 1);
+        EXPECT_EQ(canvas.opaque, c.pixel == kWhole);
+        ExpectNear(Picture(canvas), {c.pixel, c.pixel}, c.tolerance);
     }
 }
 
@@ -84,32 +102,30 @@ TEST_F(Codec, RefusesPicturesThatClaimMoreThanTheirBytesHold) {
     const auto forged = [](std::string file, std::size_t at, const std::string& number) {
         return file.replace(at, number.size(), number);
     };
-    const std::string bmp = SavedByTheLibrary(folder_, "a.bmp", 0xFF112233);
-    const std::string png = SavedByTheLibrary(folder_, "a.png", 0xFF112233);
-    const std::string jpg = SavedByTheLibrary(folder_, "a.jpg", 0xFF112233);
+    const std::string bmp = Saved(folder_, "a.bmp", 0xFF112233), png = Saved(folder_, "a.png", 0xFF112233),
+                      jpg = Saved(folder_, "a.jpg", 0xFF112233);
     const std::size_t frame = jpg.find("\xFF\xC0") + 5;
-    const struct {
-        int type;
-        std::string file;
-    } cases[] = {{kTga, forged(Tga(2, 1, {1, 2}), 12, "\xff\x7f\xff\x1f")},
-                 {kBmp, forged(bmp, 18, std::string("\xff\x3f\0\0\xff\x3f\0\0", 8))},
-                 {kBmp, forged(bmp, 22, std::string("\0\0\0\x80", 4))},
-                 {kPng, forged(png, 16, std::string("\0\0\x3f\xff\0\0\x3f\xff", 8))},
-                 {kJpeg, forged(jpg, frame, "\x3f\xff\x3f\xff")},
-                 {kJpeg, jpg.substr(0, jpg.size() - 2)}, // it would wait for the rest
-                 {kPng, png.substr(0, png.size() - 12)},
-                 {kTga, Tga16(2, 100, false).substr(0, 18 + 399)}, // it would read on behind its memory
-                 {kTga, Tga16(10, 40, true).substr(0, 18 + 11)},
-                 {kGif, forged(kGifFile, 20, "\1")},   // beside the screen
-                 {kGif, forged(kGifFile, 19, "\x11")}, // a block of no kind
-                 {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")}};
-    for (const auto& c : cases) {
-        Load({{1, c.type, c.file}});
+    const std::pair<int, std::string> cases[] = {
+        {kTga, forged(Tga(2, 1, {1, 2}), 12, "\xff\x7f\xff\x1f")},
+        {kBmp, forged(bmp, 18, std::string("\xff\x3f\0\0\xff\x3f\0\0", 8))},
+        {kBmp, forged(bmp, 22, std::string("\0\0\0\x80", 4))},
+        {kPng, forged(png, 16, std::string("\0\0\x3f\xff\0\0\x3f\xff", 8))},
+        {kJpeg, forged(jpg, frame, "\x3f\xff\x3f\xff")},
+        {kJpeg, jpg.substr(0, jpg.size() - 2)}, // it would wait for the rest
+        {kPng, png.substr(0, png.size() - 12)},
+        {kTga, Tga16(2, 100, false).substr(0, 18 + 399)}, // it would read on behind its memory
+        {kTga, Tga16(10, 40, true).substr(0, 18 + 11)},
+        {kGif, forged(kGifFile, 20, "\1")},   // beside the screen
+        {kGif, forged(kGifFile, 19, "\x11")}, // a block of no kind
+        {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")}};
+    for (const auto& [type, file] : cases) {
+        SCOPED_TRACE(&file - &cases[0].second);
+        Load({{1, type, file}});
         FXCanvas canvas;
-        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1)) << std::hex << c.type;
-        EXPECT_FALSE(fxPictureIsPlausible(Bytes(c.file), c.type)) << std::hex << c.type;
-        const char* ending = c.type == kTga ? "x.tga" : "x"; // a TGA begins with nothing of its own
-        EXPECT_FALSE(canvas.CreateFromPict(folder_.Write(ending, c.file).c_str())) << std::hex << c.type;
+        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1));
+        EXPECT_FALSE(fxPictureIsPlausible(Bytes(file), type));
+        const char* name = type == kTga ? "x.tga" : "x"; // a TGA begins with nothing of its own
+        EXPECT_FALSE(canvas.CreateFromPict(folder_.Write(name, file).c_str()));
     }
     for (const auto& [type, file] : {std::pair{kJpeg, jpg}, {kGif, kGifFile}, {kPng, png}, {kBmp, bmp}})
         for (std::size_t size = 0; size < 12; ++size)
@@ -126,84 +142,74 @@ TEST_F(Codec, IsHandedTheTgaOf15And16BitsThatIsAllThere) {
             Load({{1, kTga, file}});
             FXCanvas canvas;
             ASSERT_TRUE(canvas.CreateFromPictCN(&package_, 1)) << runs << " " << static_cast<int>(bits);
-            EXPECT_EQ(canvas.pixels[0] & 0xFFFFFF, 0xF800F8u);
-            EXPECT_EQ(canvas.pixels[39 * 16 + 9] & 0xFFFFFF, 0xF800F8u);
+            EXPECT_EQ(Picture(canvas).back() & 0xFFFFFF, 0xF800F8u);
             EXPECT_FALSE(fxPictureIsPlausible(Bytes(file.substr(0, file.size() - 1)), kTga));
         }
 }
 
-std::string codecCalls;
+std::string deletedImages;
 
 TEST_F(Codec, IsGivenBackWhatItMadeAlsoWhenItFails) {
-    Load({{1, kTga, Tga(4, 2, std::vector<std::uint32_t>(8, 0xFF112233u))}});
-    const FXCodec real = fxCodec;
-    static const FXCodec& behind = real;
-    const std::tuple<const char*, void (*)(), bool> kCases[] = {
-        {"good", [] {}, true},
-        {"no clone", [] { fxCodec.ilCloneCurImage = []() -> ILuint { return 0; }; }, false},
-        {"no conversion", [] { fxCodec.ilConvertImage = [](ILenum, ILenum) -> ILboolean { return 0; }; },
-         true},
-        {"no data", [] { fxCodec.ilGetData = []() -> unsigned char* { return nullptr; }; }, true}};
-    for (const auto& [what, fail, cloned] : kCases) {
-        const bool good = what == std::string("good");
+    Load({{1, kTga, Tga(4, 2, Pixels(8, 0xFF112233u))}});
+    static const FXCodec real = fxCodec;
+    const std::tuple<std::string, void (*)(), int> kCases[] = {
+        // images deleted
+        {"good", [] {}, 2},
+        {"no clone", [] { fxCodec.ilCloneCurImage = []() -> ILuint { return 0; }; }, 1},
+        {"no conversion", [] { fxCodec.ilConvertImage = [](ILenum, ILenum) -> ILboolean { return 0; }; }, 2},
+        {"no data", [] { fxCodec.ilGetData = []() -> unsigned char* { return nullptr; }; }, 2}};
+    for (const auto& [what, fail, images] : kCases) {
+        SCOPED_TRACE(what);
         fail();
         fxCodec.ilDeleteImages = [](std::size_t n, const ILuint* names) {
-            codecCalls += std::to_string(*names) + " ";
-            behind.ilDeleteImages(n, names);
+            deletedImages += std::to_string(*names) + " ";
+            real.ilDeleteImages(n, names);
         };
         FXCanvas canvas;
-        ASSERT_TRUE(canvas.Realloc(4, 2));
-        static_cast<FXPixmap&>(canvas).Clear(9);
-        codecCalls.clear();
-        EXPECT_EQ(canvas.CreateFromPictCN(&package_, 1), good) << what;
-        EXPECT_EQ(canvas.pixels[7], good ? 0xFF112233u : 0u)
-            << what << ": cleared, though it would have been covered";
+        Fill(&canvas, 4, 2, 9);
+        deletedImages.clear();
+        EXPECT_EQ(canvas.CreateFromPictCN(&package_, 1), what == "good");
+        EXPECT_EQ(Picture(canvas), Pixels(8, what == "good" ? 0xFF112233u : 0u))
+            << "nothing of what was there";
         int image = 0, clone = 0, none = 0;
-        EXPECT_EQ(std::sscanf(codecCalls.c_str(), "%d %d %d", &image, &clone, &none), cloned ? 2 : 1)
-            << codecCalls;
-        EXPECT_TRUE(!good || image < clone) << "in the order in which they came";
+        EXPECT_EQ(std::sscanf(deletedImages.c_str(), "%d %d %d", &image, &clone, &none), images)
+            << deletedImages;
+        EXPECT_TRUE(what != "good" || image < clone) << "in the order in which they came";
         fxCodec = real;
     }
 }
 
 TEST_F(Codec, FillsTheUpperLeftOfTheStorageAndClearsTheRest) {
-    std::vector<std::uint32_t> pixels(300 * 200);
+    Pixels pixels(300 * 200);
     for (std::uint32_t i = 0; i < pixels.size(); ++i)
         pixels[i] = 0xFE000000u | i * 7;
     Load({{12, kTga, Tga(300, 200, pixels)}});
-    const std::uint32_t kMargin = 0xFF00FF00u, kOld = 5;
     for (const bool clear : {true, false}) {
         FXCanvas canvas;
-        fxColFromInt1(canvas.backColor, kMargin);
+        std::fill_n(canvas.backColor, 4, 1.0f);
         canvas.clearOnLoad = clear;
-        ASSERT_TRUE(canvas.Realloc(512, 256));
-        static_cast<FXPixmap&>(canvas).Clear(kOld);
+        Fill(&canvas, 512, 256, 5);
         ASSERT_TRUE(canvas.CreateFromPictC(&package_, "12"));
-        ASSERT_TRUE(canvas.width == 512 && canvas.height == 256 && canvas.GetWidth() == 300 &&
-                    canvas.GetHeight() == 200);
+        ASSERT_TRUE(canvas.width == 512 && canvas.height == 256 && canvas.GetWidth() == 300);
         EXPECT_FALSE(canvas.opaque);
-        for (int i = 0; i < 512 * 256; ++i) {
-            const int x = i % 512, y = i / 512;
-            const std::uint32_t expected = x < 300 && y < 200 ? pixels[y * 300 + x] : clear ? kMargin : kOld;
-            ASSERT_EQ(canvas.pixels[i], expected) << x << "," << y;
-        }
+        EXPECT_TRUE(Picture(canvas) == pixels);
+        for (const int i : {300, 511, 199 * 512 + 300, 200 * 512, 512 * 256 - 1})
+            EXPECT_EQ(canvas.pixels[i], clear ? ~0u : 5u) << i;
     }
 }
 
 TEST_F(Codec, TakesAlphaFromRedWhenTheFileNameSaysSo) {
-    const struct {
-        const char* name;
-        bool detect, flag, white;
-    } kCases[] = {{"plain.tga", true, true, false},
-                  {"aTRANSp.tga", true, false, true},
-                  {"tran.tga", false, true, false}};
-    for (const auto& c : kCases) {
+    const std::tuple<const char*, bool, bool> kCases[] = {// is "tran" looked for, is the picture white
+                                                          {"plain.tga", true, false},
+                                                          {"aTRANSp.tga", true, true},
+                                                          {"tran.tga", false, false}};
+    for (const auto& [name, detect, white] : kCases) {
         FXCanvas canvas;
-        canvas.detectTrans = c.detect;
-        canvas.alphaFromRed = c.flag;
-        ASSERT_TRUE(canvas.CreateFromPict(folder_.Write(c.name, Tga(1, 1, {0xFF112233u})).c_str())) << c.name;
-        EXPECT_EQ(canvas.pixels[0], c.white ? 0x33FFFFFFu : 0xFF112233u) << c.name;
-        EXPECT_NE(canvas.opaque, c.white) << c.name;
+        canvas.detectTrans = detect;
+        canvas.alphaFromRed = !white;
+        ASSERT_TRUE(canvas.CreateFromPict(folder_.Write(name, Tga(1, 1, {0xFF112233u})).c_str())) << name;
+        EXPECT_EQ(canvas.pixels[0], white ? 0x33FFFFFFu : 0xFF112233u) << name;
+        EXPECT_NE(canvas.opaque, white) << name;
     }
     Load({{1, kTga, Tga(1, 1, {0xFF112233u})}});
     FXCanvas canvas;
@@ -214,7 +220,8 @@ TEST_F(Codec, TakesAlphaFromRedWhenTheFileNameSaysSo) {
 
 TEST_F(Codec, LeavesTheCanvasAsItWasWithoutAPicture) {
     const std::string garbage = "no picture, whatever its name may promise; " + std::string(100, '\xAB');
-    Load({{1, kPng, garbage},
+    Load({{0, kGif, kGifFile},
+          {1, kPng, garbage},
           {2, kJpeg, garbage},
           {3, kTga, "TGA"},
           {4, kBmp, garbage},
@@ -224,54 +231,40 @@ TEST_F(Codec, LeavesTheCanvasAsItWasWithoutAPicture) {
           {8, 0x7777, kGifFile},
           {9, kTga, Tga(0, 5, {})}});
     FXCanvas canvas;
-    ASSERT_TRUE(canvas.Realloc(4, 4));
-    static_cast<FXPixmap&>(canvas).Clear(0x12345678u);
-    for (int entry = 0; entry <= 9; ++entry)
+    Fill(&canvas, 4, 4, 7);
+    for (int entry = 1; entry <= 10; ++entry)
         EXPECT_FALSE(canvas.CreateFromPictCN(&package_, entry)) << entry;
     for (const char* text : {"", "tex", "99", "-"})
         EXPECT_FALSE(canvas.CreateFromPictC(&package_, text)) << text;
-    for (const std::string& file :
-         {std::string(), folder_.File("none.png"), folder_.Write("bad.png", garbage)})
+    for (const std::string& file : {std::string(), folder_.File("none"), folder_.Write("bad.png", garbage)})
         EXPECT_FALSE(canvas.CreateFromPict(file.c_str())) << file;
-    EXPECT_TRUE(canvas.usedWidth == 4 && canvas.pixels[15] == 0x12345678u);
+    EXPECT_EQ(Picture(canvas), Pixels(16, 7));
 }
 
 TEST_F(Codec, SavesThePictureAndItsMaskAsTheyLoadAgain) {
-    const struct {
-        const char* name;
-        bool alpha;
-        int tolerance;
-    } cases[] = {{"a.png", true, 0}, {"a.TGA", true, 0}, {"a.bmp", false, 0}, {"a.Jpg", false, 90}};
+    const std::tuple<std::string, bool, int> cases[] = {// has it an alpha; tolerance
+                                                        {"a.png", true, 0},
+                                                        {"a.TGA", true, 0},
+                                                        {"a.bmp", false, 0},
+                                                        {"a.Jpg", false, 90}};
     FXCanvas canvas;
-    ASSERT_TRUE(canvas.Realloc(5, 3)); // rows of the storage are longer
-    static_cast<FXPixmap&>(canvas).Clear(0);
+    Fill(&canvas, 5, 3, 0); // rows of the storage are longer
     for (std::uint32_t i = 0; i < 15; ++i)
         canvas.pixels[i / 5 * 8 + i % 5] = (i * 17) << 24 | (i < 10 ? 0x00102030u + i : 0x00F0E0D0u + i);
-    for (const auto& c : cases) {
-        const std::string name = folder_.File(c.name), mask = folder_.File(std::string("mask-") + c.name);
-        for (const std::string& file : {name, mask})
-            folder_.Write(std::filesystem::path(file).filename(), "an old file");
-        ASSERT_TRUE(canvas.SaveToPict(name.c_str()) && canvas.SaveToMask(mask.c_str())) << c.name;
+    for (const auto& [name, hasAlpha, tolerance] : cases) {
+        SCOPED_TRACE(name);
+        Pixels expected = Picture(canvas), greys;
+        for (std::uint32_t& pixel : expected) {
+            greys.push_back(0xFF000000u | (pixel >> 24) * 0x010101u);
+            pixel |= hasAlpha ? 0 : 0xFF000000u;
+        }
+        const std::string file = folder_.Write(name, "an old file"), mask = folder_.File("mask-" + name);
+        ASSERT_TRUE(canvas.SaveToPict(file.c_str()) && canvas.SaveToMask(mask.c_str()));
         FXCanvas picture, grey;
-        ASSERT_TRUE(picture.CreateFromPict(name.c_str()) && grey.CreateFromPict(mask.c_str())) << c.name;
-        ASSERT_TRUE(picture.GetWidth() == 5 && picture.GetHeight() == 3 && grey.GetHeight() == 3) << c.name;
-        for (int i = 0; i < 15; ++i)
-            for (int channel = 0; channel < 4; ++channel) {
-                const auto at = [&](const FXCanvas& of, int byte) {
-                    return static_cast<int>(of.pixels[i / 5 * 8 + i % 5] >> 8 * byte & 255);
-                };
-                const bool absent = channel == 3 && !c.alpha;
-                EXPECT_NEAR(at(picture, channel), absent ? 255 : at(canvas, channel), c.tolerance) << c.name;
-                EXPECT_NEAR(at(grey, channel), channel == 3 ? 255 : at(canvas, 3), c.tolerance) << c.name;
-            }
+        ASSERT_TRUE(picture.CreateFromPict(file.c_str()) && grey.CreateFromPict(mask.c_str()));
+        ExpectNear(Picture(picture), expected, tolerance);
+        ExpectNear(Picture(grey), greys, tolerance);
     }
-    std::size_t sizes[2];
-    for (const int quality : {-5, 500}) {
-        FXCanvas::SetJpegQuality(quality);
-        ASSERT_TRUE(canvas.SaveToPict(folder_.File("q.jpg").c_str()));
-        sizes[quality > 0] = folder_.Read("q.jpg").size();
-    }
-    EXPECT_LT(sizes[0], sizes[1]);
     for (const std::string& file : {folder_.File("no/folder.png"), folder_.File("a.none"), std::string()})
         EXPECT_FALSE(canvas.SaveToPict(file.c_str()) || canvas.SaveToMask(file.c_str())) << file;
     fxUnloadDevil();
@@ -279,35 +272,29 @@ TEST_F(Codec, SavesThePictureAndItsMaskAsTheyLoadAgain) {
 }
 
 TEST_F(Codec, TakesTheAlphaOfAMask) {
-    const std::string mask = Tga(2, 1, {0x00AABB80u, 0x123456FFu});
+    const std::string mask = Tga(2, 1, {0x00AABB80u, 0x123456FFu}), file = folder_.Write("TRANS.tga", mask);
     Load({{1, kTga, mask},
-          {2, kTga, Tga(3, 2, std::vector(6, ~0u))},
+          {2, kTga, Tga(3, 2, Pixels(6, ~0u))},
           {3, kTga, Tga(4, 1, {1, 2, 3, 4})},
-          {4, kTga, Tga(1, 3, {1, 2, 3})},
-          {5, kTga, Tga(3, 1, std::vector(3, ~0u))}});
-    const std::string file = folder_.Write("TRANS.tga", mask);
-    const std::vector<std::uint32_t> kPart = {0x80, 255, 0, 0, 0, 0}, kOld(6, 9u);
-    const struct {
-        const char* from; // an entry's number, or a file
-        std::vector<std::uint32_t> alphas;
-        bool opaque;
-    } cases[] = {{"1", kPart, false},
-                 {file.c_str(), kPart, false},
-                 {"2", std::vector(6, 255u), true},
-                 {"5", {255, 255, 255, 0, 0, 0}, false},
-                 {"3", kOld, true}, // too wide
-                 {"4", kOld, true}, // too high
-                 {"mask", kOld, true}};
-    for (const auto& c : cases) {
+          {4, kTga, Tga(1, 3, {1, 2, 3})}});
+    constexpr std::uint32_t kOld = 0x09ABCDEF, kNone = 0x00ABCDEF, kAll = 0xFFABCDEF;
+    const Pixels kPart = {0x80ABCDEF, kAll, kNone, kNone, kNone, kNone};
+    const std::tuple<std::string, Pixels, bool> cases[] = {// an entry's number, or a file; is it opaque
+                                                           {"1", kPart, false},
+                                                           {file, kPart, false},
+                                                           {"2", Pixels(6, kAll), true},
+                                                           {"3", Pixels(6, kOld), true}, // too wide
+                                                           {"4", Pixels(6, kOld), true}, // too high
+                                                           {"mask", Pixels(6, kOld), true}};
+    for (const auto& [from, pixels, opaque] : cases) {
         FXCanvas canvas;
-        ASSERT_TRUE(canvas.Realloc(3, 2));
-        static_cast<FXPixmap&>(canvas).Clear(0x09ABCDEFu);
-        const bool loaded = c.from == file ? canvas.LoadMask(c.from) : canvas.LoadMaskC(&package_, c.from);
-        EXPECT_EQ(loaded, c.alphas != kOld) << c.from;
-        for (std::size_t i = 0; i < 6; ++i)
-            EXPECT_EQ(canvas.pixels[i / 3 * 4 + i % 3], c.alphas[i] << 24 | 0x00ABCDEFu) << c.from;
-        EXPECT_EQ(canvas.pixels[3] >> 24, loaded ? 0u : 9u) << "beside the picture";
-        EXPECT_EQ(canvas.opaque, c.opaque) << c.from;
+        Fill(&canvas, 3, 2, kOld);
+        const bool loaded =
+            from == file ? canvas.LoadMask(file.c_str()) : canvas.LoadMaskC(&package_, from.c_str());
+        EXPECT_EQ(loaded, pixels[0] != kOld) << from;
+        EXPECT_EQ(Picture(canvas), pixels) << from;
+        EXPECT_EQ(canvas.pixels[3], loaded ? kNone : kOld) << "beside the picture";
+        EXPECT_EQ(canvas.opaque, opaque) << from;
     }
 }
 
@@ -316,18 +303,16 @@ TEST(CodecModules, ThatAreMissingAreTracedAndLeaveNothingLoaded) {
     FXPackage package;
     LoadTestPackage(package, folder, {{1, kGif, kGifFile}});
     const std::string no = "#ERROR: failed to load ", libraries = no + "devil libraries";
-    const struct {
-        const char *il, *ilu;
-        std::vector<std::string> lines;
-    } cases[] = {{"no-such", nullptr, {"loading devil", no + "devil.dll", libraries, "unload devil"}},
-                 {nullptr, "no-such", {"loading devil", no + "ilu.dll", libraries, "unload devil"}},
-                 {nullptr, nullptr, {"loading devil", "loading ok"}}};
-    for (const auto& c : cases) {
+    const std::tuple<const char*, const char*, std::vector<std::string>> cases[] = {
+        {"no-such", nullptr, {"loading devil", no + "devil.dll", libraries, "unload devil"}},
+        {nullptr, "no-such", {"loading devil", no + "ilu.dll", libraries, "unload devil"}},
+        {nullptr, nullptr, {"loading devil", "loading ok"}}};
+    for (const auto& [il, ilu, lines] : cases) {
         const TraceLines trace(folder);
-        const bool loads = c.lines.size() == 2;
-        fxSetDevilNames(c.il, c.ilu);
+        fxSetDevilNames(il, ilu);
+        const bool loads = lines.size() == 2;
         EXPECT_EQ(fxLoadDevil(), loads);
-        EXPECT_EQ(trace.Lines(), c.lines);
+        EXPECT_EQ(trace.Lines(), lines);
         FXCanvas canvas;
         EXPECT_EQ(canvas.CreateFromPictCN(&package, 1), loads);
         EXPECT_EQ(canvas.CreateFromPict(folder.Write("a.gif", kGifFile).c_str()), loads);

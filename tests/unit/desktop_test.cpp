@@ -1,10 +1,10 @@
-#include "base/memory.h"
 #include "fakes/fake_desktop.h"
 #include "fakes/fake_win32.h"
 #include "image/desktop_shot.h"
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -57,27 +57,21 @@ TEST_F(Desktop, IsPhotographedWhateverThePitchWithABlackMargin) {
 
 TEST_F(Desktop, ThatCannotBeHadLeavesNoCopyBehind) {
     constexpr std::uint32_t kOld = 0x01020304u, kBlack = 0xFF000000u;
-    const struct {
-        const char* what;
-        void (*prepare)();
-        int width; // of the canvas afterwards
-        std::uint32_t pixel;
-    } kCases[] = {{"no screen", [] { fakeWin32.screenWidth = 0; }, 2, kOld},
-                  {"no height", [] { fakeWin32.screenHeight = -1; }, 2, kOld},
-                  {"copy", [] { fakeDesktop.copyFails = true; }, 2, kOld},
-                  {"lock", [] { fakeDesktop.lockFails = true; }, 64, kBlack},
-                  {"memory", [] { fxSetAllocLimit(1000); }, 0, 0}};
-    for (const auto& c : kCases) {
+    const std::tuple<const char*, void (*)(), int, std::uint32_t> kCases[] = {
+        // the canvas's width and pixels then
+        {"no screen", [] { fakeWin32.screenWidth = 0; }, 2, kOld},
+        {"no height", [] { fakeWin32.screenHeight = -1; }, 2, kOld},
+        {"no copy", [] { fakeDesktop.copyFails = true; }, 2, kOld},
+        {"no lock", [] { fakeDesktop.lockFails = true; }, 64, kBlack}};
+    for (const auto& [what, prepare, width, pixel] : kCases) {
         Show(64, 48, 0);
         FXScrShot shot;
         ASSERT_TRUE(shot.Realloc(2, 1));
         static_cast<FXPixmap&>(shot).Clear(kOld);
-        c.prepare();
-        EXPECT_FALSE(shot.Update()) << c.what;
-        fxSetAllocLimit(0);
-        EXPECT_FALSE(fakeDesktop.held) << c.what;
-        EXPECT_EQ(shot.GetWidth(), c.width) << c.what;
-        EXPECT_TRUE(c.width == 0 ? shot.pixels == nullptr : shot.pixels[0] == c.pixel) << c.what;
+        prepare();
+        EXPECT_FALSE(shot.Update()) << what;
+        EXPECT_FALSE(fakeDesktop.held) << what;
+        EXPECT_TRUE(shot.GetWidth() == width && shot.pixels[0] == pixel) << what;
     }
 }
 
@@ -90,13 +84,8 @@ TEST_F(Desktop, OfAnotherSizeThanTheScreenIsCutOrStaysBlackBeyond) {
         ASSERT_TRUE(shot.Update());
         EXPECT_EQ(shot.GetWidth(), screen);
         EXPECT_EQ(shot.pixels[3 * shot.width + 7], 0xFF070330u);
+        EXPECT_TRUE(screen == 8 || shot.pixels[9 * 32 + 20] == 0xFF000000u);
     }
-    ASSERT_TRUE(shot.Realloc(30, 15));
-    Show(20, 10, 0);
-    fakeWin32.screenWidth = 30;
-    ASSERT_TRUE(shot.Update());
-    EXPECT_EQ(shot.pixels[9 * 32 + 19], 0xFF130930u);
-    EXPECT_EQ(shot.pixels[9 * 32 + 20], 0xFF000000u);
 }
 
 } // namespace

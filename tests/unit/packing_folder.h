@@ -25,7 +25,7 @@ constexpr const char* kManifest =
     "[[entry]]\nid = 3\nanimation = ['art/leaf.obj', 'art/up.obj']\n"
     "times = [1500, 0]\nloop = false\nparameter = 1.25\n"
     "graph = { positions = [1, 5], values = [2, 7] }\n"
-    "[[entry]]\nid = 6\nanimation = [9]\ntimes = 700\nping_pong = true\n"
+    "[[entry]]\nid = 6\nanimation = [9, 9]\ntimes = 700\nping_pong = true\n"
     "[[entry]]\nid = 7\nmatrix = [1,0,0,0, 0,1,0,0, 0,0,1,0, 0.5,2,3,1]\n"
     "[[entry]]\nid = 8\nphaser = { duration = 2.5, loop = false }\n"
     "[[entry]]\nid = 5\nraw = 'art/dot.tga'\ntype = 77\n";

@@ -275,27 +275,4 @@ TEST(Kinds, FollowWhoRefersToAnEntry) {
         EXPECT_STREQ(KindName(kinds[i]), KindName(expected[i])) << package.ids[static_cast<int>(i)];
 }
 
-// An animation of version 2 whose two names have three digits is as long as a matrix.
-TEST(Kinds, OfWhatWasBuiltAreThoseOfItsManifest) {
-    const PictureCodec codec;
-    const PackingFolder folder;
-    std::string manifest;
-    for (const int id : {100, 101})
-        manifest += "[[entry]]\nid = " + std::to_string(id) + "\nmodel = 'art/leaf.obj'\n";
-    for (const int id : {72, 110})
-        manifest += "[[entry]]\nid = " + std::to_string(id) + "\nanimation = [100, 101]\ntimes = 700\n";
-    folder.Write("m.toml", manifest);
-    ASSERT_EQ(folder.Build("m.toml", "p"), "");
-    FXPackage package;
-    ASSERT_TRUE(package.Load(folder.File("p").c_str()));
-    EXPECT_EQ(Findings(folder.File("p")), "");
-    const std::vector<EntryKind> kinds = KindsOf(package);
-    for (const int id : {72, 110}) {
-        const int place = package.ids.Findpos(id);
-        EXPECT_EQ(package.sizes[place], 64);
-        const Description line = Describe(&package, place, kinds[static_cast<std::size_t>(place)]);
-        EXPECT_EQ(line.kind + ": " + line.contents.substr(0, 23), "animation: version 2, 2 key frames");
-    }
-}
-
 } // namespace

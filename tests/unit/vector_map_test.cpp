@@ -178,46 +178,34 @@ TEST(Unpacking, OfAMalformedStreamGivesAnEmptyMesh) {
 }
 
 TEST(VectorMap, IsMangledAndComesBackBitForBit) {
+    const std::vector<std::int32_t> kBits = {0x7FA00001, 0,  INT_MIN,
+                                             0x7F800000, -1, 1}; // not numbers, infinite, -0
     FXVectorMap map;
-    // As bits. Each vector less the next, then each number less the next; the normals are not numbers,
-    // infinite and -0.
-    const std::vector<std::int32_t> positions = {17, 21, 25, 10, 14, 18, 1, 2, 3},
-                                    normals = {0x7FA00001, 0, INT_MIN, 0x7F800000, -1, 1}, tex = {5, 3, 2, 1};
-    Load(&map, Table(positions) + Table(normals) + Table(tex));
-    const auto change = [&](bool forward) {
+    Load(&map, Table(kBits) + Table(kBits) + Table({5, 3, 2, 1}));
+    for (const bool forward : {true, false}) {
         map.ManglePos(forward);
         map.MangleNorm(forward);
         map.MangleTex(forward);
-    };
-    const auto bits = [](const FXFloatArray& values) {
-        std::vector<std::int32_t> all(static_cast<std::size_t>(values.count));
-        std::memcpy(all.data(), values.items, all.size() * 4);
-        return all;
-    };
-    change(true);
-    EXPECT_EQ(bits(map.positions), (std::vector<std::int32_t>{0, 0, -2, -3, -3, 14, -1, -1, 3}));
-    EXPECT_EQ(bits(map.texCoords), (std::vector<std::int32_t>{1, 0, 1, 1}));
-    change(false);
-    EXPECT_TRUE(bits(map.positions) == positions && bits(map.normals) == normals &&
-                bits(map.texCoords) == tex);
+        // Each vector less the next, then each number less the next.
+        EXPECT_EQ(std::memcmp(map.texCoords.items,
+                              Ints(forward ? std::vector{1, 0, 1, 1} : std::vector{5, 3, 2, 1}).data(), 16),
+                  0);
+        for (const FXFloatArray* values : {&map.positions, &map.normals})
+            EXPECT_EQ(std::memcmp(values->items, kBits.data(), 24) == 0, !forward);
+    }
 }
 
 TEST(VectorMapRecord, KeepsWholeVectorsOfWhatIsThere) {
-    const std::string normals = Ints({3}) + Floats({0, 0, 1}), tex = Ints({2}) + Floats({0.5f, 0.25f});
-    const struct {
-        std::string record;
-        int counts[3];
-    } cases[] = {{Ints({7}) + Floats({1, 2, 3, 4, 5, 6, 7}) + normals + tex, {2, 1, 1}},
-                 {Ints({0}) + normals + tex, {0, 1, 1}},
-                 {Ints({-1}) + normals + tex, {0, 1, 1}},
-                 {Ints({INT_MAX}), {0, 0, 0}},
-                 {Ints({3}) + Floats({1, 2}), {0, 0, 0}}};
+    const std::string rest = Ints({3}) + Floats({0, 0, 1}) + Ints({2}) + Floats({0.5f, 0.25f});
+    const std::pair<std::string, std::array<int, 3>> cases[] = {
+        {Ints({7}) + Floats({1, 2, 3, 4, 5, 6, 7}) + rest, {2, 1, 1}},
+        {Ints({-1}) + rest, {0, 1, 1}},
+        {Ints({INT_MAX}), {0, 0, 0}},
+        {Ints({3}) + Floats({1, 2}), {0, 0, 0}}};
     FXVectorMap map;
-    for (const auto& c : cases) {
-        Load(&map, c.record);
-        EXPECT_TRUE(map.posCount == c.counts[0] && map.normCount == c.counts[1] &&
-                    map.texCount == c.counts[2])
-            << c.record.size();
+    for (const auto& [record, counts] : cases) {
+        Load(&map, record);
+        EXPECT_EQ((std::array{map.posCount, map.normCount, map.texCount}), counts) << record.size();
     }
 }
 
