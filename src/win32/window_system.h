@@ -34,6 +34,15 @@ struct Photograph {
     int height = 0;
 };
 
+// Buffers that OpenGL could draw on in the window: 8 bits a colour at least, a depth buffer, and two colour
+// buffers where the window shows them.
+struct GlConfig {
+    void* native = nullptr; // the window system's own name for it
+    int depthBits = 0;
+    int stencilBits = 0;
+    bool likeScreen = true; // the colours are laid out as the screen's; others may let the desktop through
+};
+
 // An OpenGL context. It is deleted while no other thread has it current.
 class GlContext {
 public:
@@ -51,11 +60,11 @@ public:
     GlSurface(const GlSurface&) = delete;
     GlSurface& operator=(const GlSurface&) = delete;
 
-    // Chooses the buffers. 0, or the error: ERROR_NOT_SUPPORTED when there is no OpenGL at all, with words of
-    // the window system's own (posix/last_error.h), ERROR_BAD_DRIVER when no configuration will do.
-    virtual DWORD Choose(const PIXELFORMATDESCRIPTOR& wanted) = 0;
-    // Makes the surface, with the buffers that were chosen.
-    virtual bool Create() = 0;
+    // All that there are, the driver's favourite first. False when the window system has no OpenGL at all; it
+    // then gives ERROR_NOT_SUPPORTED words of its own (posix/last_error.h).
+    virtual bool ListConfigs(std::vector<GlConfig>* configs) = 0;
+    // Makes the surface, with one of them.
+    virtual bool Create(const GlConfig& config) = 0;
     // Null when the driver has none.
     virtual std::unique_ptr<GlContext> CreateContext() = 0;
     // On the calling thread; null: none is current there any more.

@@ -15,16 +15,27 @@ bool MeanDesktopOpenGl() {
     return eglBindAPI(EGL_OPENGL_API) == EGL_TRUE;
 }
 
-EGLConfig FindConfig(EGLDisplay display, int depthBits, int stencilBits) {
+EGLint Attribute(EGLDisplay display, EGLConfig config, EGLint name) {
+    EGLint value = 0;
+    eglGetConfigAttrib(display, config, name, &value);
+    return value;
+}
+
+std::vector<GlConfig> ListConfigs(EGLDisplay display) {
     // clang-format off
-    const EGLint wishes[] = {
+    constexpr EGLint kWishes[] = {
         EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_COLOR_BUFFER_TYPE, EGL_RGB_BUFFER,
-        EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8,
-        EGL_DEPTH_SIZE, depthBits, EGL_STENCIL_SIZE, stencilBits, EGL_NONE};
+        EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8, EGL_DEPTH_SIZE, 1, EGL_NONE};
     // clang-format on
-    EGLConfig config = nullptr;
     EGLint count = 0;
-    return eglChooseConfig(display, wishes, &config, 1, &count) == EGL_TRUE && count > 0 ? config : nullptr;
+    eglChooseConfig(display, kWishes, nullptr, 0, &count);
+    std::vector<EGLConfig> found(static_cast<std::size_t>(count));
+    eglChooseConfig(display, kWishes, found.data(), count, &count);
+    std::vector<GlConfig> configs;
+    for (EGLConfig config : found)
+        configs.push_back({config, Attribute(display, config, EGL_DEPTH_SIZE),
+                           Attribute(display, config, EGL_STENCIL_SIZE)});
+    return configs;
 }
 
 EGLDisplay OpenDisplay() {
@@ -32,7 +43,7 @@ EGLDisplay OpenDisplay() {
     EGLDisplay display = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
     if (display == EGL_NO_DISPLAY || eglInitialize(display, nullptr, nullptr) == EGL_FALSE)
         return EGL_NO_DISPLAY;
-    if (MeanDesktopOpenGl() && FindConfig(display, 1, 0) != nullptr)
+    if (MeanDesktopOpenGl() && !ListConfigs(display).empty())
         return display;
     eglTerminate(display);
     return EGL_NO_DISPLAY;
@@ -65,20 +76,14 @@ public:
             eglDestroySurface(SoftwareDisplay(), surface_);
     }
 
-    // Nearest to what is wanted: drivers have no 16 bits of stencil, some have none at all.
-    DWORD Choose(const PIXELFORMATDESCRIPTOR& wanted) override {
-        const int ladder[][2] = {
-            {wanted.cDepthBits, wanted.cStencilBits}, {wanted.cDepthBits, 8}, {wanted.cDepthBits, 0}, {1, 0}};
-        for (const auto& [depthBits, stencilBits] : ladder) {
-            config_ = FindConfig(SoftwareDisplay(), depthBits, stencilBits);
-            if (config_ != nullptr)
-                return ERROR_SUCCESS;
-        }
-        return ERROR_BAD_DRIVER;
+    bool ListConfigs(std::vector<GlConfig>* configs) override {
+        *configs = offscreen::ListConfigs(SoftwareDisplay());
+        return true;
     }
 
-    bool Create() override {
+    bool Create(const GlConfig& config) override {
         const EGLint size[] = {EGL_WIDTH, screen.width, EGL_HEIGHT, screen.height, EGL_NONE};
+        config_ = config.native;
         surface_ = eglCreatePbufferSurface(SoftwareDisplay(), config_, size);
         return surface_ != EGL_NO_SURFACE;
     }

@@ -16,7 +16,7 @@ constexpr Words kUsual[] = {
     {ERROR_FILE_NOT_FOUND, "there is no such file"},
     {ERROR_PATH_NOT_FOUND, "there is no such folder"},
     {ERROR_ACCESS_DENIED, "access is denied"},
-    {ERROR_NOT_SUPPORTED, "the X server has no GLX (Debian's X server has it: package xserver-xorg-core)"},
+    {ERROR_NOT_SUPPORTED, "there is no OpenGL here"},
     {ERROR_INVALID_WINDOW_HANDLE, "there is no such window"},
     {ERROR_BAD_DRIVER, "there is no OpenGL driver that works here (Debian: package libgl1-mesa-dri)"},
 };

@@ -1,11 +1,14 @@
 // OpenGL on the program's window: WGL's calls above the window system's.
+#include "win32/windowing/pixel_format.h"
 #include "win32/windowing/windowing.h"
+
+#include <optional>
 
 // A device context.
 struct HDC__ {
     std::unique_ptr<GlSurface> surface; // null: what was tried has failed
-    bool chosen = false;                // a pixel format
-    bool created = false;               // the surface is there
+    std::optional<GlConfig> config;     // the pixel format, once it is chosen
+    bool created = false;               // the surface has it
 };
 
 struct HGLRC__ {
@@ -40,7 +43,8 @@ HDC GetDC(HWND window) {
         UsedWindowSystem().ShowBlack();
         return nullptr;
     }
-    theDc = new HDC__{std::move(surface)};
+    theDc = new HDC__;
+    theDc->surface = std::move(surface);
     return theDc;
 }
 
@@ -55,17 +59,20 @@ int ReleaseDC(HWND, HDC dc) {
 int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* wanted) {
     if (dc == nullptr || dc->surface == nullptr)
         return 0;
-    const DWORD error = dc->surface->Choose(*wanted);
-    if (error != ERROR_SUCCESS)
-        return Fail(dc, error);
-    dc->chosen = true;
+    std::vector<GlConfig> configs;
+    if (!dc->surface->ListConfigs(&configs))
+        return Fail(dc, ERROR_NOT_SUPPORTED);
+    const GlConfig* chosen = ChooseConfig(configs, wanted->cDepthBits, wanted->cStencilBits);
+    if (chosen == nullptr)
+        return Fail(dc, ERROR_BAD_DRIVER);
+    dc->config = *chosen;
     return kTheFormat;
 }
 
 BOOL SetPixelFormat(HDC dc, int format, const PIXELFORMATDESCRIPTOR*) {
-    if (dc == nullptr || format != kTheFormat || !dc->chosen || dc->created)
+    if (dc == nullptr || format != kTheFormat || !dc->config || dc->created)
         return FALSE;
-    dc->created = dc->surface->Create();
+    dc->created = dc->surface->Create(*dc->config);
     return dc->created ? TRUE : Fail(dc, ERROR_BAD_DRIVER);
 }
 

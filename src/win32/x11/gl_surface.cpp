@@ -1,6 +1,7 @@
 // OpenGL on the window, by GLX. GLX wants a window whose visual suits the configuration, and a window's
 // visual is fixed when it is made; so the picture lies in a window of its own, the surface, that fills the
 // program's. It takes no input: keys and clicks fall through to the window below.
+#include "win32/posix/last_error.h"
 #include "win32/x11/x11.h"
 
 #include <GL/glx.h>
@@ -21,33 +22,10 @@ struct FreeX {
     template <class T> void operator()(T* block) const { XFree(block); }
 };
 
-int VisualDepth(Display* display, GLXFBConfig config) {
-    const std::unique_ptr<XVisualInfo, FreeX> visual(glXGetVisualFromFBConfig(display, config));
-    return visual ? visual->depth : 0;
-}
-
-// The best configuration with these depths of the buffers. The screen's own depth is preferred: where windows
-// are composed, one with alpha would let the desktop through.
-GLXFBConfig FindConfig(Display* display, int screen, int depthBits, int stencilBits) {
-    // clang-format off
-    const int wishes[] = {
-        GLX_X_RENDERABLE, True, GLX_DRAWABLE_TYPE, GLX_WINDOW_BIT, GLX_X_VISUAL_TYPE, GLX_TRUE_COLOR,
-        GLX_RENDER_TYPE, GLX_RGBA_BIT, GLX_DOUBLEBUFFER, True,
-        GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8,
-        GLX_DEPTH_SIZE, depthBits, GLX_STENCIL_SIZE, stencilBits, None};
-    // clang-format on
-    int count = 0;
-    const std::unique_ptr<GLXFBConfig, FreeX> found(glXChooseFBConfig(display, screen, wishes, &count));
-    GLXFBConfig any = nullptr;
-    for (int i = 0; i < count; ++i) {
-        const GLXFBConfig config = found.get()[i];
-        const int depth = VisualDepth(display, config);
-        if (depth == DefaultDepth(display, screen))
-            return config;
-        if (any == nullptr && depth != 0)
-            any = config;
-    }
-    return any;
+int Attribute(Display* display, GLXFBConfig config, int name) {
+    int value = 0;
+    glXGetFBConfigAttrib(display, config, name, &value);
+    return value;
 }
 
 // Whether Mesa draws on the processor. Drivers that do not say are not Mesa's.
@@ -84,8 +62,8 @@ public:
     }
     ~GlxSurface() override;
 
-    DWORD Choose(const PIXELFORMATDESCRIPTOR& wanted) override;
-    bool Create() override;
+    bool ListConfigs(std::vector<GlConfig>* configs) override;
+    bool Create(const GlConfig& config) override;
     std::unique_ptr<GlContext> CreateContext() override;
     bool MakeCurrent(GlContext* context) override;
     bool Swap() override;
@@ -145,18 +123,30 @@ GlxSurface::~GlxSurface() {
     XSync(display_, False);
 }
 
-// Nearest to what is wanted: drivers have no 16 bits of stencil, some have none at all.
-DWORD GlxSurface::Choose(const PIXELFORMATDESCRIPTOR& wanted) {
-    if (glXQueryExtension(display_, nullptr, nullptr) == False)
-        return ERROR_NOT_SUPPORTED;
-    const int ladder[][2] = {
-        {wanted.cDepthBits, wanted.cStencilBits}, {wanted.cDepthBits, 8}, {wanted.cDepthBits, 0}, {1, 0}};
-    for (const auto& [depthBits, stencilBits] : ladder) {
-        config_ = FindConfig(display_, Screen(), depthBits, stencilBits);
-        if (config_ != nullptr)
-            return ERROR_SUCCESS;
+// Where windows are composed, one with a visual of another depth than the screen's has alpha.
+bool GlxSurface::ListConfigs(std::vector<GlConfig>* configs) {
+    if (glXQueryExtension(display_, nullptr, nullptr) == False) {
+        SetErrorWords(ERROR_NOT_SUPPORTED,
+                      "the X server has no GLX (Debian's X server has it: package xserver-xorg-core)");
+        return false;
     }
-    return ERROR_BAD_DRIVER;
+    // clang-format off
+    const int wishes[] = {
+        GLX_X_RENDERABLE, True, GLX_DRAWABLE_TYPE, GLX_WINDOW_BIT, GLX_X_VISUAL_TYPE, GLX_TRUE_COLOR,
+        GLX_RENDER_TYPE, GLX_RGBA_BIT, GLX_DOUBLEBUFFER, True,
+        GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8, GLX_DEPTH_SIZE, 1, None};
+    // clang-format on
+    int count = 0;
+    const std::unique_ptr<GLXFBConfig, FreeX> found(glXChooseFBConfig(display_, Screen(), wishes, &count));
+    for (int i = 0; i < count; ++i) {
+        const GLXFBConfig config = found.get()[i];
+        const std::unique_ptr<XVisualInfo, FreeX> visual(glXGetVisualFromFBConfig(display_, config));
+        if (visual)
+            configs->push_back({config, Attribute(display_, config, GLX_DEPTH_SIZE),
+                                Attribute(display_, config, GLX_STENCIL_SIZE),
+                                visual->depth == DefaultDepth(display_, Screen())});
+    }
+    return true;
 }
 
 // Whether the surface may go while it is drawn, and the driver dies of that: a preview's goes with the
@@ -167,7 +157,8 @@ bool GlxSurface::IsFragile() const {
            DrawsInSoftware(display_, Screen());
 }
 
-bool GlxSurface::Create() {
+bool GlxSurface::Create(const GlConfig& config) {
+    config_ = static_cast<GLXFBConfig>(config.native);
     const std::unique_ptr<XVisualInfo, FreeX> visual(glXGetVisualFromFBConfig(display_, config_));
     if (!visual)
         return false;
