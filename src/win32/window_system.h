@@ -130,8 +130,8 @@ const WindowSystem& UsedWindowSystem();
 // from it (windowing/reports.cpp).
 // The window system's number of the key, and its keysym without modifiers.
 void ReportKey(unsigned code, unsigned long keysym, bool altHeld, bool pressed);
-// Before the window is shown: this key is down, for another program. Nothing more is reported of it until it
-// is released.
+// This key has been down since before the window had the keyboard: it was pressed for another program, and is
+// ignored until it is released.
 void ReportHeldKey(unsigned code);
 enum class PointerButton { Left, Middle, Right };
 void ReportButton(PointerButton button, int x, int y);
