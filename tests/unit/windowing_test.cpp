@@ -1,0 +1,224 @@
+// The Win32 functions for windows, messages and OpenGL, above a window system that the test scripts.
+#include "win32/windowing/pixel_format.h"
+#include "win32/windowing/windowing.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const HWND kWindow = reinterpret_cast<HWND>(UINT_PTR{7});
+
+struct Script {
+    std::string calls; // of the window system
+    bool opens = true;
+    bool sized = false;         // the window's size changes while it is made
+    LRESULT answer = 0;         // to WM_CREATE
+    int failing = 5;            // the step of OpenGL that fails; 5: none
+    std::vector<UINT> messages; // that the window's procedure has seen
+    void (*events)() = [] {};   // what ReadEvents reports
+};
+Script script;
+
+void Note(const std::string& call) {
+    script.calls += call + " ";
+}
+
+class FakeSurface final : public GlSurface {
+public:
+    ~FakeSurface() override { Note("gone"); }
+    bool ListConfigs(std::vector<GlConfig>* configs) override {
+        if (script.failing != 2)
+            configs->push_back({nullptr, 24, 8});
+        return script.failing != 1;
+    }
+    bool Create(const GlConfig&) override { return script.failing != 3; }
+    std::unique_ptr<GlContext> CreateContext() override {
+        return script.failing != 4 ? std::make_unique<GlContext>() : nullptr;
+    }
+    bool MakeCurrent(GlContext* context) override { return context == nullptr || script.failing > 5; }
+    bool Swap() override { return true; }
+};
+
+template <bool kOpens>
+constexpr WindowSystem kFake = {
+    .name = kOpens ? "fake" : "closed",
+    .Open = [] { return kOpens && script.opens; },
+    .FindScreen =
+        [] {
+            return Place{0, 0, 640, kOpens ? 480 : 1};
+        },
+    .FindPointer = [](POINT*) { return false; },
+    .PhotographDesktop = [](int, int, Photograph*, std::string*) { return false; },
+    .CreateWindow =
+        [](const WindowRequest&) {
+            if (script.sized)
+                ReportSize(300, 200);
+            return kWindow;
+        },
+    .ShowWindow = [] { Note("show"); },
+    .DestroyWindow = [] { Note("destroy"); },
+    .FindWindow = [](HWND, Place*) { return false; },
+    .SetParent = [](HWND) -> HWND { return nullptr; },
+    .PlaceWindow = [](const Place&) { return false; },
+    .HideCursor = [] { Note("hide"); },
+    .ShowBlack = [] { Note("black"); },
+    .ReadEvents =
+        [] {
+            script.events();
+            return 40;
+        },
+    .WaitForEvents = [](int, int milliseconds) { Note("wait" + std::to_string(milliseconds)); },
+    .OpenGl =
+        [] { return script.failing != 0 ? std::make_unique<FakeSurface>() : std::unique_ptr<GlSurface>(); },
+    .FindGlFunction = [](const char*) -> PROC { return nullptr; },
+};
+constexpr const WindowSystem* kClosedAndOpen[] = {&kFake<false>, &kFake<true>};
+
+LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM, LPARAM) {
+    EXPECT_EQ(window, kWindow);
+    script.messages.push_back(message);
+    if (message == WM_DESTROY)
+        PostQuitMessage(3);
+    return message == WM_CREATE ? script.answer : 0;
+}
+
+class Windowing : public testing::Test {
+protected:
+    Windowing() {
+        script = {};
+        OfferWindowSystems(kClosedAndOpen);
+        WNDCLASSA windowClass = {};
+        windowClass.lpfnWndProc = Procedure;
+        windowClass.lpszClassName = "class";
+        RegisterClassA(&windowClass);
+    }
+    ~Windowing() override {
+        DestroyWindow(kWindow);
+        Run(1); // an end that is left in the queue
+    }
+    static HWND Create(const char* name = "class") {
+        return CreateWindowExA(0, name, "title", WS_POPUP | WS_VISIBLE, 0, 0, 640, 480, nullptr, nullptr,
+                               nullptr, nullptr);
+    }
+    // Handles messages until the window has seen so many, or the queue ends.
+    std::vector<UINT> Run(std::size_t count) {
+        script.messages.clear();
+        while (script.messages.size() < count && (got_ = GetMessageA(&message_, nullptr, 0, 0)) > 0)
+            DispatchMessageA(&message_);
+        return script.messages;
+    }
+
+    MSG message_ = {};
+    BOOL got_ = -1;
+};
+
+using Messages = std::vector<UINT>;
+
+TEST_F(Windowing, TheFirstSystemThatOpensIsInUseElseTheLast) {
+    EXPECT_STREQ(UsedWindowSystem().name, "fake");
+    EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 480);
+    constexpr const WindowSystem* kOpenAndClosed[] = {&kFake<true>, &kFake<false>};
+    OfferWindowSystems(kOpenAndClosed);
+    EXPECT_STREQ(UsedWindowSystem().name, "fake");
+    script.opens = false;
+    OfferWindowSystems(kOpenAndClosed);
+    EXPECT_STREQ(UsedWindowSystem().name, "closed");
+    script.opens = true;
+    OfferWindowSystems(kClosedAndOpen);
+}
+
+TEST_F(Windowing, OneWindowLivesFromWmCreateToWmDestroy) {
+    EXPECT_EQ(Create("another class"), nullptr);
+    script.answer = -1;
+    EXPECT_EQ(Create(), nullptr);
+    EXPECT_EQ(script.calls, "destroy ") << "never shown";
+    script.answer = 0;
+    script.sized = true;
+    ASSERT_EQ(Create(), kWindow);
+    EXPECT_EQ(Create(), nullptr) << "a second one";
+    EXPECT_TRUE(ShowWindow(kWindow, SW_SHOW)) << "it was shown before";
+    SetCursor(nullptr);
+    EXPECT_EQ(Run(1), Messages{WM_SIZE}) << "from while it was made";
+    script.events = [] {
+        ReportPointer(1, 1); // which the window does not live to see
+        ReportDestruction();
+    };
+    EXPECT_EQ(Run(1), Messages{WM_DESTROY});
+    EXPECT_EQ(got_, FALSE);
+    EXPECT_EQ(script.calls, "destroy show hide destroy wait40 ");
+    EXPECT_FALSE(PostMessageA(kWindow, WM_CLOSE, 0, 0));
+}
+
+TEST_F(Windowing, ReportsBecomeMessages) {
+    ASSERT_EQ(Create(), kWindow);
+    script.events = [] {
+        constexpr unsigned long kLetter = 0x61;
+        ReportHeldKey(36);
+        for (const bool pressed : {true, false, true}) // a repeat, its end, and a press for us
+            ReportKey(36, kLetter, false, pressed);
+        ReportKey(38, kLetter, true, true);
+        for (const unsigned long keysym : {0xFFE9ul, 0xFFEAul, 0xFFC7ul}) // both Alt keys, F10
+            ReportKey(64, keysym, false, false);
+        ReportButton(PointerButton::Middle, 1, 2);
+        ReportButton(PointerButton::Right, 1, 2);
+        ReportPointer(-1, 2);
+        ReportActivation(false);
+        script.events = [] { RequestEnd(); }; // as a signal does
+    };
+    EXPECT_EQ(Run(10), (Messages{WM_KEYDOWN, WM_SYSKEYDOWN, WM_SYSKEYUP, WM_SYSKEYUP, WM_SYSKEYUP,
+                                 WM_MBUTTONDOWN, WM_RBUTTONDOWN, WM_MOUSEMOVE, WM_ACTIVATEAPP, WM_ACTIVATE}));
+    EXPECT_EQ(Run(1), Messages{WM_DESTROY});
+    EXPECT_EQ(script.calls, "show wait0 wait40 destroy ") << "it waits for nothing while messages are left";
+    EXPECT_TRUE(got_ == FALSE && message_.wParam == 3) << "the end, with its code";
+    Run(1);
+    EXPECT_EQ(got_, -1) << "nothing could ever come";
+}
+
+TEST_F(Windowing, OpenGlThatFailsLeavesBlackAndTheReason) {
+    ASSERT_EQ(Create(), kWindow);
+    constexpr DWORD kReasons[] = {ERROR_INVALID_WINDOW_HANDLE,
+                                  ERROR_NOT_SUPPORTED,
+                                  ERROR_BAD_DRIVER,
+                                  ERROR_BAD_DRIVER,
+                                  ERROR_BAD_DRIVER,
+                                  ERROR_BAD_DRIVER};
+    const PIXELFORMATDESCRIPTOR wanted = {};
+    for (script.failing = 0; script.failing < 6; ++script.failing) {
+        script.calls = "";
+        SetLastError(ERROR_SUCCESS);
+        const HDC dc = GetDC(kWindow);
+        EXPECT_EQ(GetDC(kWindow), nullptr) << "a second one";
+        const int format = dc != nullptr ? ChoosePixelFormat(dc, &wanted) : 0;
+        const HGLRC context = SetPixelFormat(dc, format, &wanted) ? wglCreateContext(dc) : nullptr;
+        EXPECT_FALSE(context != nullptr && wglMakeCurrent(dc, context));
+        EXPECT_EQ(GetLastError(), kReasons[script.failing]) << script.failing;
+        EXPECT_NE(script.calls.find("black"), std::string::npos) << script.failing;
+        EXPECT_FALSE(SwapBuffers(dc));
+        wglDeleteContext(context);
+        EXPECT_EQ(ReleaseDC(kWindow, dc), dc != nullptr ? 1 : 0);
+    }
+}
+
+TEST(PixelFormat, TheNearestConfigurationIsTaken) {
+    const GlConfig kDeep = {nullptr, 24, 0}, kFlat = {nullptr, 1, 8}, kFull = {nullptr, 24, 8},
+                   kSeeThrough = {nullptr, 32, 16, false};
+    const struct {
+        std::vector<GlConfig> configs;
+        int depth, stencil;
+        int chosen; // -1: none
+    } cases[] = {
+        {{kSeeThrough, kFull, kFull}, 16, 8, 1}, // the screen's colours first, then the order
+        {{kDeep, kFull, kSeeThrough}, 16, 16, 2},
+        {{kFlat, kDeep, kFull}, 16, 16, 2}, // 8 bits of stencil if not 16
+        {{kFlat, kDeep}, 16, 16, 1},        // none if not 8
+        {{kFlat}, 16, 16, 0},
+        {{kFlat, kDeep, kFull}, 0, 0, 0},
+        {{}, 16, 16, -1},
+    };
+    for (const auto& c : cases) {
+        const GlConfig* chosen = ChooseConfig(c.configs, c.depth, c.stencil);
+        EXPECT_EQ(chosen != nullptr ? chosen - c.configs.data() : -1, c.chosen) << &c - cases;
+    }
+}
+
+} // namespace
