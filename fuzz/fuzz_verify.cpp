@@ -5,9 +5,8 @@
 #include "pack/description.h"
 #include "pack/extraction.h"
 #include "pack/kinds.h"
-#include "pack/mtl_file.h"
-#include "pack/obj_model.h"
 #include "pack/package_check.h"
+#include "pack/wavefront.h"
 #include "work_file.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "geometry/obj_file.h"
 
 #include "base/whole_file.h"
-#include "geometry/wavefront_lines.h"
+#include "image/wavefront_lines.h"
 
 #define TINYOBJLOADER_USE_DOUBLE
 #include <tiny_obj_loader.h>

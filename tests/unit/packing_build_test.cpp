@@ -6,9 +6,9 @@
 #include "pack/description.h"
 #include "pack/extraction.h"
 #include "pack/kinds.h"
-#include "pack/mtl_file.h"
 #include "pack/names_header.h"
 #include "pack/picture_codec.h"
+#include "pack/wavefront.h"
 #include "unit/packing_folder.h"
 
 #include <cmath>

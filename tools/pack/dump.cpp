@@ -1,5 +1,5 @@
 // tamb-pack dump: bytes, field by field.
-#include "geometry/wavefront_lines.h"
+#include "image/wavefront_lines.h"
 #include "pack/command.h"
 #include "pack/entry_check.h"
 #include "pack/kinds.h"

@@ -6,9 +6,8 @@
 #include "image/material_library.h"
 #include "pack/entry_check.h"
 #include "pack/kinds.h"
-#include "pack/mtl_file.h"
-#include "pack/obj_model.h"
 #include "pack/text.h"
+#include "pack/wavefront.h"
 
 #include <functional>
 #include <map>

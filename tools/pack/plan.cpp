@@ -2,7 +2,7 @@
 
 #include "image/material.h"
 #include "image/material_library.h"
-#include "pack/mtl_file.h"
+#include "pack/wavefront.h"
 
 #include <algorithm>
 #include <climits>

@@ -1,18 +1,8 @@
-#include "geometry/wavefront_lines.h"
+#include "image/wavefront_lines.h"
 
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
-
-namespace {
-
-bool localIsNumber(const std::string& word) {
-    char* end = nullptr;
-    const double value = std::strtod(word.c_str(), &end);
-    return !word.empty() && *end == '\0' && std::isfinite(static_cast<float>(value));
-}
-
-} // namespace
 
 std::string fxTrimmed(const std::string& text) {
     const char* const kBlank = " \t\r\n";
@@ -39,11 +29,19 @@ void fxForEachLine(const std::string& text, const std::function<void(const FXWav
     }
 }
 
-bool fxHasNumbers(const FXWavefrontLine& line, std::size_t count) {
+bool fxIsNumber(const std::string& word, double* value) {
+    char* end = nullptr;
+    const double number = std::strtod(word.c_str(), &end);
+    if (value != nullptr)
+        *value = number;
+    return !word.empty() && *end == '\0' && std::isfinite(static_cast<float>(number));
+}
+
+bool fxHasNumbers(const FXWavefrontLine& line, std::size_t count, double* numbers) {
     if (line.words.size() < count)
         return false;
     for (std::size_t i = 0; i < count; ++i)
-        if (!localIsNumber(line.words[i]))
+        if (!fxIsNumber(line.words[i], numbers != nullptr ? &numbers[i] : nullptr))
             return false;
     return true;
 }

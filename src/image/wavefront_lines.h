@@ -1,10 +1,8 @@
-// The lines of Wavefront files, looked at before the reader takes them: it passes over what it does not
-// understand, and a person wants to know the line.
+// The lines of Wavefront files (OBJ, MTL): a keyword and its words.
 #pragma once
 
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 struct FXWavefrontLine {
@@ -16,7 +14,9 @@ struct FXWavefrontLine {
 
 // Calls `take` with every line of the text.
 void fxForEachLine(const std::string& text, const std::function<void(const FXWavefrontLine&)>& take);
-// The words `from` .. `from + count - 1` are finite numbers.
-bool fxHasNumbers(const FXWavefrontLine& line, std::size_t count);
+// Whether the word is a number that a float can hold, and no more.
+bool fxIsNumber(const std::string& word, double* value = nullptr);
+// Whether the first `count` words are numbers, which are given in `numbers`.
+bool fxHasNumbers(const FXWavefrontLine& line, std::size_t count, double* numbers = nullptr);
 // Without blanks and line ends at its ends.
 std::string fxTrimmed(const std::string& text);
