@@ -146,7 +146,8 @@ TEST_F(Matlib, ReadsWavefrontFiles) {
     const std::string picture = folder_.Write("two words.tga", Tga(2, 2, {1, 2, 3, 4}));
     const std::string file = folder_.Write(
         "m.mtl", "# a comment\nKd 9 9 9\n\nnewmtl  Polished Gold \r\nKa 0.1 0.2 0.3\nKd 0.4 0.5\n"
-                 "Ks 0.7 0.8 0.9\r\nKe 0 0 1\nNs 1000\nd 0.25\nillum 2\nnewmtl b\nTr 0.25\nmap_Kd " +
+                 "Ks 0.7 0.8 0.9\r\nKe 0 0 1\nNs 1000\nd 0.25\nTr 1\nillum 2\nnewmtl b\nTr 0.25\n"
+                 "map_Kd -s 2 2 -clamp on " +
                      picture + "\n");
     FXMatlib* library = device_.gl.LoadMatlib(file.c_str());
     EXPECT_EQ(device_.gl.LoadMatlib(file.c_str()), library);

@@ -86,7 +86,7 @@ bool ReadMtl(const std::string& file, FXMatlib* library, std::string* error) {
                       read.alpha.value_or(1), material->diffuse);
         localSetColor(read.specular.value_or(kBlack), 0, material->specular);
         localSetColor(read.emission.value_or(kBlack), 0, material->emission);
-        material->shininess = read.shininess.value_or(0);
+        material->shininess = read.shininess.value_or(1);
     }
     return true;
 }

@@ -14,8 +14,8 @@ std::string ObjText(const FXModel& model, const std::string& mtlFile);
 // the other alphas are 0.
 
 // Appends the file's materials; texRef is the picture's file as the MTL file names it. What the file leaves
-// out is black, and opaque; but a material with a picture and no Kd is of a grey 0.6, so that the picture
-// shows. False with FILE:LINE in error.
+// out is black and opaque, and its shininess 1; but a material with a picture and no Kd has a diffuse colour
+// of 0.6, so that the picture shows. False with FILE:LINE in error.
 bool ReadMtl(const std::string& file, FXMatlib* library, std::string* error);
 // The file's text; `pictureOf` gives the file for a material's texRef, which is not empty.
 std::string MtlText(const FXMatlib& library, const std::function<std::string(const char*)>& pictureOf);
