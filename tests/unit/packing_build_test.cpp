@@ -6,8 +6,8 @@
 #include "pack/description.h"
 #include "pack/extraction.h"
 #include "pack/kinds.h"
-#include "pack/names_header.h"
 #include "pack/picture_codec.h"
+#include "pack/plan.h"
 #include "pack/wavefront.h"
 #include "unit/packing_folder.h"
 

@@ -1,17 +1,19 @@
-// tamb-pack build: a package from a manifest.
+// tamb-pack build: a package from a manifest; tamb-pack names: the numbers of its named entries, for programs
+// in C.
 #include "pack/command.h"
 #include "pack/contents.h"
-#include "pack/names_header.h"
+#include "pack/plan.h"
 #include "pack/text.h"
 
+#include <cstdio>
 #include <string>
 
 namespace {
 
-constexpr OptionRule kOptions[] = {
+constexpr OptionRule kBuildOptions[] = {
     {"--files", "a folder"}, {"--names", "a file"}, {"--scramble", nullptr}, {"--quiet", nullptr}};
 
-constexpr const char* kHelp =
+constexpr const char* kBuildHelp =
     R"(usage: tamb-pack build MANIFEST PACKAGE [options]
 
   --files FOLDER   what the manifest's files are relative to (default: the manifest's own folder)
@@ -64,7 +66,7 @@ examples:
   tamb-pack build show.toml tamb.dat --files art --names show_entries.h
 )";
 
-int localRun(const Arguments& arguments) {
+int localRunBuild(const Arguments& arguments) {
     Manifest manifest;
     Plan plan;
     MemoryPackage package;
@@ -79,7 +81,41 @@ int localRun(const Arguments& arguments) {
     return kExitGood;
 }
 
+constexpr OptionRule kNamesOptions[] = {{"--files", "a folder"}};
+
+constexpr const char* kNamesHelp =
+    R"(usage: tamb-pack names MANIFEST [HEADER] [options]
+
+  --files FOLDER   what the manifest's files are relative to (default: the manifest's own folder)
+
+Writes a C header with the number of every entry that has a name instead of an id, and of every
+MTL file and picture that was packed because a model needs it:
+
+  #define FXNAME_SHIP  100
+  #define FXNAME_SHIP_MTL  101
+
+The name is the last part of a path, in capitals, with . \ / blank + - ( ) [ ] as _.
+Without HEADER it goes to the standard output.
+)";
+
+int localRunNames(const Arguments& arguments) {
+    Manifest manifest;
+    Plan plan;
+    std::string error, text;
+    if (!ReadManifest(arguments.words[0], arguments.Value("--files"), &manifest, &error) ||
+        !MakePlan(manifest, &plan, &error) || !NamesHeader(plan.names, &text, &error))
+        return Fail(error);
+    if (arguments.words.size() == 1)
+        return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0
+                   ? kExitGood
+                   : Fail("the standard output cannot be written");
+    return WriteWhole(arguments.words[1], text, &error) ? kExitGood : Fail(error);
+}
+
 } // namespace
 
 const Command kBuildCommand = {
-    "build", "makes a package from a manifest and its files", kHelp, kOptions, 2, 2, localRun};
+    "build", "makes a package from a manifest and its files", kBuildHelp, kBuildOptions, 2, 2, localRunBuild};
+const Command kNamesCommand = {
+    "names",      "writes a C header with the numbers of named entries", kNamesHelp, kNamesOptions, 1, 2,
+    localRunNames};

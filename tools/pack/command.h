@@ -1,13 +1,28 @@
-// The commands of tamb-pack: each its own file, main only chooses.
+// The commands of tamb-pack, each with what it does; main only chooses.
 #pragma once
 
-#include "pack/arguments.h"
 #include "pack/text.h"
 
 #include <cstddef>
 #include <cstdio>
+#include <map>
 #include <span>
 #include <string>
+#include <vector>
+
+struct OptionRule {
+    const char* name;  // "--names"
+    const char* takes; // what follows it, "a file"; null: nothing
+};
+
+// The words behind a command: those that stand alone, and options.
+struct Arguments {
+    std::vector<std::string> words;
+    std::map<std::string, std::string> options; // by name, with what followed
+
+    bool Has(const char* name) const { return options.count(name) != 0; }
+    std::string Value(const char* name) const { return Has(name) ? options.at(name) : std::string(); }
+};
 
 struct Command {
     const char* name;

@@ -1,5 +1,7 @@
 #include "pack/entry_kind.h"
 
+#include "scene/show.h"
+
 #include <algorithm>
 #include <filesystem>
 
@@ -12,6 +14,24 @@ template <class Test> const PictureType* localFind(Test test) {
     const auto* found = std::ranges::find_if(kPictureTypes, test);
     return found == std::end(kPictureTypes) ? nullptr : found;
 }
+
+constexpr ShowEntry kEntries[] = {
+    {show::kErrorPicture, EntryKind::Picture, "the error picture"},
+    {show::kPreviewPicture, EntryKind::Picture, "the picture of the preview pane"},
+    {show::kMedallionModel, EntryKind::Model, "the medallion"},
+    {show::kLabelPicture, EntryKind::Picture, "the medallion's label"},
+    {show::kSunCore, EntryKind::Model, "the sun's core"},
+    {show::kSunShell1, EntryKind::Model, "the sun's first shell"},
+    {show::kSunShell2, EntryKind::Model, "the sun's second shell"},
+    {show::kSunShell3, EntryKind::Model, "the sun's third shell"},
+    {show::kSpace, EntryKind::Picture, "space"},
+    {show::kHalo, EntryKind::Picture, "the sun's halo"},
+    {show::kRays, EntryKind::Picture, "the sun's rays"},
+    {show::kLens, EntryKind::Picture, "the lens flare"},
+    {show::kMorph, EntryKind::Animation, "the animation that brings the desktop back"},
+    {show::kCubeReflection, EntryKind::Picture, "the cube's reflection"},
+    {show::kCubeSkin, EntryKind::Picture, "the cube's skin"},
+};
 
 } // namespace
 
@@ -28,4 +48,8 @@ const PictureType* FindPictureEnding(const std::string& file) {
     const FXStr ending(std::filesystem::path(file).extension().string().c_str());
     return localFind(
         [&](const PictureType& t) { return ending.iCompare(("." + std::string(t.ending)).c_str()); });
+}
+
+std::span<const ShowEntry> ShowEntries() {
+    return kEntries;
 }

@@ -3,6 +3,7 @@
 
 #include "package/package.h"
 
+#include <span>
 #include <string>
 
 enum class EntryKind { Picture, Model, Animation, Library, Matrix, Phaser, Raw };
@@ -18,3 +19,11 @@ struct PictureType {
 // Null for what is no picture's type or ending; an ending counts in either case.
 const PictureType* FindPictureType(int type);
 const PictureType* FindPictureEnding(const std::string& file);
+
+// What the scene asks a package for.
+struct ShowEntry {
+    int id;
+    EntryKind kind;
+    const char* what; // "the medallion"
+};
+std::span<const ShowEntry> ShowEntries();

@@ -1,7 +1,6 @@
 #include "pack/kinds.h"
 
 #include "pack/entry_check.h"
-#include "pack/show_entries.h"
 
 #include <optional>
 #include <unordered_map>

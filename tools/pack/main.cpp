@@ -27,6 +27,28 @@ bool localIsHelp(const std::string& word) {
     return word == "--help" || word == "-h";
 }
 
+// False with a line in `error` that names the option and what it takes.
+bool localParseArguments(std::span<const std::string> line, std::span<const OptionRule> rules,
+                         Arguments* arguments, std::string* error) {
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (!line[i].starts_with("--")) {
+            arguments->words.push_back(line[i]);
+            continue;
+        }
+        const auto rule = std::ranges::find_if(rules, [&](const OptionRule& r) { return line[i] == r.name; });
+        if (rule == rules.end()) {
+            *error = "unknown option '" + line[i] + "'";
+            return false;
+        }
+        if (rule->takes != nullptr && i + 1 == line.size()) {
+            *error = line[i] + " takes " + rule->takes;
+            return false;
+        }
+        arguments->options[rule->name] = rule->takes != nullptr ? line[++i] : "";
+    }
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -51,7 +73,7 @@ int main(int argc, char** argv) {
     }
     Arguments arguments;
     std::string error;
-    if (!ParseArguments(rest, command.options, &arguments, &error))
+    if (!localParseArguments(rest, command.options, &arguments, &error))
         return FailUsage(error, command.name);
     const std::size_t words = arguments.words.size();
     if (words < command.leastWords || words > command.mostWords)
