@@ -15,7 +15,8 @@ struct FXPictureSize {
 std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, int type);
 
 // What the first bytes tell of the kind: PNG, JPEG, GIF, BMP, as the package numbers them; -1 for all others,
-// TGA among them, which begins with nothing of its own.
+// TGA among them, which begins with nothing of its own. Two bytes make a JPEG: one whose third byte is wrong
+// is to be looked at as one all the same.
 int fxPictureType(std::span<const unsigned char> file);
 
 // Whether the codec may see the file: its size is one that so many bytes can make good and that a canvas can

@@ -4,6 +4,7 @@
 #include "geometry/mesh.h"
 #include "image/canvas.h"
 #include "image/codec.h"
+#include "image/picture_header.h"
 #include "pack/command.h"
 #include "pack/entry_kind.h"
 #include "pack/kinds.h"
@@ -14,24 +15,15 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
 
 constexpr const char* kDesktopMaterial = "Material001"; // the scene's own
-
-struct Signature {
-    int type;
-    std::string_view bytes;
-};
-constexpr Signature kSignatures[] = {
-    {kPng, "\x89PNG"}, {kJpeg, "\xFF\xD8\xFF"}, {kBmp, "BM"}, {kGif, "GIF8"}};
 
 const char* localEndingOf(int type) {
     const PictureType* known = FindPictureType(type);
@@ -181,10 +173,9 @@ private:
         const int type = package_->GetDataType(id);
         const FXPackageData* data = package_->GetDataPtr(id);
         std::string text = std::string("it cannot be decoded as ") + localEndingOf(type);
-        for (const Signature& signature : kSignatures)
-            if (signature.type != type && data->size >= static_cast<int>(signature.bytes.size()) &&
-                std::memcmp(data->start, signature.bytes.data(), signature.bytes.size()) == 0)
-                text += std::string(": its bytes begin as ") + localEndingOf(signature.type) + "'s do";
+        const int seen = fxPictureType({data->start, static_cast<std::size_t>(data->size)});
+        if (seen != kRaw && seen != type)
+            text += std::string(": its bytes begin as ") + localEndingOf(seen) + "'s do";
         faults->Add(0, text);
     }
 
