@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
+#include <iterator>
 
 namespace {
 
@@ -55,7 +57,7 @@ void fxSplineTangents(const float* previous, const float* point, const float* ne
 void FXBezierSpline::Destroy() {
     points.DestroyBuf();
     ctrlPoints.DestroyBuf();
-    beziers.clear();
+    beziers.DestroyBuf();
     phases.DestroyBuf();
     actIndex = 0;
     ForgetSegment();
@@ -94,7 +96,7 @@ void FXBezierSpline::PrecomputeCtrlPoints() {
 void FXBezierSpline::PrecomputeBeziers() {
     const int n = GetCnt();
     ForgetSegment();
-    beziers.clear();
+    beziers.RemoveAll();
     if (n <= 2 || ctrlPoints.count < 6 * n)
         return;
     const auto in = [&](int i) { return &ctrlPoints[6 * i]; };
@@ -106,10 +108,12 @@ void FXBezierSpline::PrecomputeBeziers() {
     };
     set(startBezier, {PointAt(0), in(1), PointAt(1)});
     set(endBezier, {PointAt(n - 2), out(n - 2), PointAt(n - 1)});
-    beziers.resize(static_cast<std::size_t>(n));
+    if (!beziers.Realloc(n))
+        return;
+    beziers.count = n;
     for (int i = 0; i < n; ++i) {
         const int next = (i + 1) % n;
-        FXBezier4& bezier = beziers[static_cast<std::size_t>(i)];
+        FXBezier4& bezier = beziers[i];
         set(bezier, {PointAt(i), out(i), in(next), PointAt(next)});
         bezier.Precompute();
     }
@@ -148,10 +152,10 @@ void FXBezierSpline::SetActPoints(int a, int b) {
     actIndex = a;
     if (linear)
         UseLine(PointAt(a), PointAt(b));
-    else if (beziers.empty()) // there was no memory for them
+    else if (beziers.IsEmpty()) // there was no memory for them
         ForgetSegment();
     else if (closed || (a != 0 && b != n - 1))
-        UseBezier(4, &beziers[static_cast<std::size_t>(a)], &actCubic);
+        UseBezier(4, &beziers[a], &actCubic);
     else
         UseBezier(3, a == 0 ? &startBezier : &endBezier, &actQuadratic);
 }

@@ -4,8 +4,6 @@
 #include "anim/bezier.h"
 #include "base/arrays.h"
 
-#include <vector>
-
 // The tangent at a point is parallel to the line between its neighbours; its control points lie half the
 // adjacent chord times `tension` away. Callers fill `points` (x, y, z each), then Precompute.
 class FXBezierSpline {
@@ -42,7 +40,7 @@ public:
     FXFloatArray ctrlPoints; // per point: towards the previous, towards the next
     FXBezier3 startBezier;   // the ends of an open curve
     FXBezier3 endBezier;
-    std::vector<FXBezier4> beziers; // from point i to i + 1, the last one back to the first
+    FXArray<FXBezier4> beziers; // from point i to i + 1, the last one back to the first
     FXFloatArray phases;
     float length = 0; // of all chords
     float avgSegment = 0;
