@@ -24,7 +24,10 @@ public:
     using Base::operator[];
 
     // A new element at the end; null when there is no memory.
-    T* PushNew() { return Push(fxNew<T>()); }
+    T* PushNew() {
+        T* const element = fxNew<T>();
+        return element != nullptr ? Push(element) : nullptr;
+    }
     // Takes the element, and gives it back: null, with the element deleted, when there is no memory.
     T* Push(T* element) {
         if (Base::Push(element))

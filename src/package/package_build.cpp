@@ -49,9 +49,10 @@ bool FXPackage::AddDataFile(int id, const char* file) {
     if (!pendingIds.Push(id))
         return false;
     pendingFiles.Push(file);
-    if (pendingFiles.count < pendingIds.count)
-        pendingIds.Pop();
-    return pendingFiles.count == pendingIds.count;
+    if (pendingFiles.count == pendingIds.count)
+        return true;
+    pendingIds.Pop();
+    return false;
 }
 
 void FXPackage::AddDataFile1(FXStr* name) {
