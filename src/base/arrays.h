@@ -114,7 +114,7 @@ public:
         if (std::fread(&n, sizeof n, 1, file) != 1)
             return false;
         for (T value; count < n && std::fread(&value, sizeof value, 1, file) == 1;) {
-            // The stored count is not trusted with the memory: room doubles as elements really arrive.
+            // Room doubles as elements arrive, so that a malformed count takes no memory.
             const std::int64_t more = 2LL * count + 64;
             if (count == capacity && !Realloc(more < n ? static_cast<int>(more) : n))
                 return false;

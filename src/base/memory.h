@@ -1,4 +1,4 @@
-// Heap blocks, and the limit under which tests see them run out.
+// Heap blocks, and the limit that tests set to see them fail.
 #pragma once
 
 #include <cstddef>

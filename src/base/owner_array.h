@@ -3,8 +3,8 @@
 
 #include "base/arrays.h"
 
-// Deletes its elements, which may be null, when it goes and when they are removed. Where there is no memory,
-// the list stays as it is.
+// Deletes its elements, which may be null, when they are removed and in its destructor. Where there is no
+// memory, the list stays as it is.
 template <class T> class FXOwnerArray : private FXArray<T*> {
     using Base = FXArray<T*>;
 

@@ -97,7 +97,7 @@ bool FXStrArray::Load(std::FILE* file) {
         std::int32_t length = 0;
         if (std::fread(&length, sizeof length, 1, file) != 1 || length < 0)
             return false;
-        // Read in pieces, so that a length that lies costs no memory.
+        // Read in pieces, so that a malformed length takes no memory.
         char* s = nullptr;
         std::int32_t have = 0;
         while (have < length) {

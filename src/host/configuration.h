@@ -7,4 +7,4 @@
 extern char orinPath[520]; // the data folder; empty when none is configured
 extern const char* const scrRegName;
 extern FXStr configProblem; // what is wrong with the stored configuration; empty when nothing is
-extern FXStr configSearch;  // when it holds no folder: the platform's words about where it looked for one
+extern FXStr configSearch;  // when it holds no folder: where the platform looked for one, in its words

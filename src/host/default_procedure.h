@@ -1,5 +1,5 @@
 // What a saver does by default with a message that the program's own procedure leaves alone: it hides the
-// cursor, and takes input as a wish to close.
+// cursor, and takes input as a request to close.
 #pragma once
 
 #include "win32/win32.h"

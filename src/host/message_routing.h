@@ -4,7 +4,7 @@
 
 #include "win32/win32.h"
 
-// Sent to the saver window: may it close, as far as the password goes?
+// Sent to the saver window: does the password allow it to close?
 constexpr UINT SCRM_VERIFYPW = 0x8000;
 
 // What SysScreenSaverProc, in front, does with a message.

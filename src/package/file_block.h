@@ -16,7 +16,7 @@ private:
     FXBytes bytes_;
 };
 
-// The rest of an open file, for the records that stand in the middle of one. When it goes, the file stands
+// The rest of an open file, for the records in the middle of one. The destructor moves the file's position
 // behind what was read. A file that cannot be read has no data.
 class FXFileRest {
 public:

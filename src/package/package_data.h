@@ -5,7 +5,7 @@
 #include "base/str.h"
 #include "base/str_array.h"
 
-// Walks a block that somebody else owns. A read that does not fit gives 0, 0.0, null or an empty string and
+// Walks a block that is owned elsewhere. A read that does not fit gives 0, 0.0, null or an empty string and
 // consumes nothing; there is no error state. Little-endian; a bool is one byte, true when it is exactly 1.
 //
 // A counted read gives as many elements as the count says, defaults where the bytes have run out, whatever is

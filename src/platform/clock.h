@@ -7,8 +7,8 @@
 using FXTickSource = std::uint32_t (*)();
 
 std::uint32_t fxGetTicks();
-// Puts a clock of one's own in the place of the platform's, null puts that back: how tests and the film tool
-// drive the show. Not to be called while a render loop runs.
+// Replaces the platform's clock; null restores it. Tests and the film tool drive the show with it. Not to be
+// called while a render loop runs.
 void fxSetTickSource(FXTickSource source);
 
 // fxGetTicks in seconds.

@@ -18,6 +18,6 @@ bool fxSetSubPath(int type, const char* sub); // the folder `sub` of a type path
 const char* fxGetActPath();
 bool fxPathExists(const char* path); // a file or a folder
 
-// The whole name of a file in the folder where programs keep what they note down about their runs for this
-// user. The folder is made when it is missing. Empty when there is none.
+// The whole name of a file in the folder where programs keep this user's logs. The folder is made when it is
+// missing. Empty when there is none.
 FXStr fxStateFile(const char* name);

@@ -8,9 +8,8 @@ namespace {
 
 std::atomic<std::uint32_t> state = 1;
 
-// What rand and srand are in the C library that the effects were tuned with (a linear congruential one modulo
-// 2^32, of which 15 bits are given out, see its documentation of RAND_MAX), so that a show burns alike on
-// every platform: 0..32767.
+// The linear congruential generator of Microsoft's C library: state * 214013 + 2531011 modulo 2^32, bits 16
+// to 30, which makes 0..32767. The effects were tuned with it, and a show burns alike on every platform.
 int localRand() {
     std::uint32_t before = state.load(std::memory_order_relaxed);
     std::uint32_t after = 0;

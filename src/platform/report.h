@@ -1,4 +1,4 @@
-// What the user should know: a failure that the show outlives.
+// Reports of failures after which the show goes on.
 #pragma once
 
 #include "base/str.h"
@@ -8,5 +8,5 @@
 // as an error into the trace if that is open.
 void fxReport(const char* format, ...) FX_PRINTF(1, 2);
 
-// The platform's words for one of its errors, in one line; its number when it has none.
+// The platform's description of one of its errors, in one line; its number when it has none.
 FXStr fxErrorWords(DWORD error);

@@ -28,11 +28,11 @@ FXThread* fxCreateThread(void (*proc)(void*), void* argument);
 // False only when the time ran out. 100000 seconds or more wait without limit; the time is cut to whole
 // milliseconds.
 bool fxWaitThread(FXThread* thread, double seconds);
-// Ends a thread that has not ended yet, and closes its handle. What the thread held is lost: wait for it
+// Ends a thread that has not ended yet, and closes its handle. What it has locked stays locked: wait for it
 // first.
 void fxTerminateThread(FXThread* thread);
 void fxDestroyThread(FXThread* thread);
 
-// 0: normal, above: as eager as the system allows, below: modest.
+// 0: normal; above: the highest, below: a low one.
 void fxSetAppPriority(int priority);
 void fxSetThreadPriority(FXThread* thread, int priority);

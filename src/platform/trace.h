@@ -4,8 +4,8 @@
 
 #include "base/str.h"
 
-// Opens the file and writes the banner. False when it cannot be created, which nobody is told; false also
-// when the trace is open already, which the open file is told. One thread opens and closes.
+// Opens the file and writes the banner. False, with no other report, when it cannot be created, and when the
+// trace is open already, which the open file then says. One thread opens and closes.
 bool fxOpenTraces(const char* name);
 bool fxTracesOpened();
 void fxCloseTraces();
