@@ -10,6 +10,16 @@ class FXPackageData;
 class FXBezierGraph {
 public:
     void Destroy();
+    // The record.
+    template <class Self, class V> static bool Fields(Self& self, V& v) {
+        return v.Int("the graph's resolution", self.resolution) &&
+               v.Int("the graph's scale", self.valueScale) &&
+               v.Ints("position", "the graph", self.positions) && v.Ints("value", "the graph", self.values) &&
+               v.Flag("the graph's first flag", self.flags[0]) &&
+               v.Flag("the graph's second flag", self.flags[1]) &&
+               v.Float("the graph's tension", self.tension) &&
+               v.Int("the graph's samples", self.samplesPerSegment);
+    }
     void LoadC(FXPackageData* d);
     bool Save(std::FILE* file) const;
 

@@ -7,7 +7,7 @@ namespace {
 constexpr double kDefaultDuration = 0.5; // seconds
 
 // Calls the operation for every key frame there is.
-template <class Operation> void localForEach(const FXArray<FXModel*>& models, Operation operation) {
+template <class Operation> void localForEach(const FXOwnerArray<FXModel>& models, Operation operation) {
     for (FXModel* model : models)
         if (model != nullptr)
             operation(*model);
@@ -24,8 +24,6 @@ void FXAnim::Destroy() {
     frame = 0;
     frameNames.DestroyBuf();
     frameTimes.DestroyBuf();
-    for (FXModel* model : models)
-        delete model;
     models.DestroyBuf();
     graph.Destroy();
     UpdateInterpolation(false, true);
@@ -168,9 +166,9 @@ void FXAnim::ComputeFrontTexCoords(int i, int mesh) {
 void FXAnim::MoveFrame(int dest, int src) {
     if (src < 0 || src >= models.count || dest < 0 || dest >= models.count)
         return;
-    FXModel* model = models[src];
-    models.RemovePos(src);
-    models.Insert(dest, model);
+    FXModel** const from = models.begin() + src;
+    FXModel** const to = models.begin() + dest;
+    src < dest ? std::rotate(from, from + 1, to + 1) : std::rotate(to, from, from + 1);
     if (src < frameNames.count && dest < frameNames.count) {
         const FXStr name(frameNames.Get(src));
         frameNames.RemovePos(src);

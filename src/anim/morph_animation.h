@@ -9,8 +9,6 @@
 
 #include <cstdio>
 
-class FXMesh;
-
 // Owns the key frames. Timing follows frameTimes, drawing the models; a file may disagree. With
 // UpdateInterpolation(true, ...) it draws imodel, a copy of key frame 0 whose positions and normals are
 // rewritten every frame; without, the key frames themselves. The environment must be set while it loads.
@@ -23,6 +21,25 @@ public:
 
     void Destroy();
 
+    // The record: the whole of version 2,
+    template <class Self, class V> static bool Fields_v02(Self& self, V& v) {
+        return v.Strings("the name of key frame", "key frames", self.frameNames) &&
+               v.Ints("time", "the animation", self.frameTimes) && FXBezierGraph::Fields(self.graph, v) &&
+               v.Float("the parameter", self.storedParam) && v.Flag("the flag playing", self.playing) &&
+               v.Flag("the flag backwards", self.backwards) && v.Flag("the flag loop", self.loop) &&
+               v.Flag("the flag ping-pong", self.pingPong);
+    }
+    // and what version 3, which begins with its magic word, has behind that. Parts: who reads, writes or
+    // checks it. Begin comes before the meshes, Pools before their pools.
+    static constexpr const char* kVersion3 = "oa03";
+    template <class Parts, class V> static bool Fields_v03(Parts& p, V& v) {
+        return v.template Count<FXMeshRecord>("meshes", p.count) && v.String("the library", p.library) &&
+               p.Begin() && v.Each(p.count, [&](int m) { return p.PackedMesh(m); }) && p.Pools() &&
+               v.Each(p.count, [&](int m) { return p.Pool(m); }) &&
+               v.Each(p.frames, [&](int f) { return p.Map(f); });
+    }
+    static bool IsVersion3(const FXPackageData& d); // the record at which it stands
+
     // Files (morph_file.cpp). False when there is no entry or file of 8 bytes at least; one that lies gives
     // empty key frames. What is beyond the budget is left out: all meshes (version 3), or the key frames from
     // the one that does not fit on (version 2); without a budget given, that is said in the trace.
@@ -31,8 +48,7 @@ public:
     // Version 3: all key frames in the layout of the first. False when they do not agree, or not all of it
     // got to the disk.
     bool Save(const char* path);
-    bool
-    Save_v02(std::FILE* file) const; // names, times and settings alone; the models are files of their own
+    bool Save_v02(std::FILE* file) const; // the models are files of their own
     bool Save_v03(std::FILE* file);
     // Adds the key frames' libraries to a package in the making (FXModel::Compile). A key frame whose name is
     // that of a file (version 2) is stored there too, as a model, and gets its number for a name.
@@ -79,7 +95,7 @@ public:
     double frameDuration = 0;
     bool paused = false;
     bool frameChanged = false;
-    FXArray<FXModel*> models; // entries may be null
+    FXOwnerArray<FXModel> models; // entries may be null
     FXStrArray frameNames;
     FXArray<int> frameTimes; // milliseconds; 0 and less mean 500
     bool interpolate = false;
@@ -93,13 +109,14 @@ public:
     float phase = 0;
 
 private:
-    void LoadHead(FXPackageData* d);
+    struct Loader;
+    struct Saver;
+
     // Without a package they are Load_v02 and Load_v03, of a file.
     int Load_v02CN(FXPackage* pck, FXLoadBudget* budget);
     int Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
     void LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
-    bool SaveHead(std::FILE* file) const;
-    bool PackFirstFrame(FXVectorMap* map, std::FILE* file, FXArray<int>* redirects);
+    bool FramesAreAlike() const;
     void FinishLoading();
     void FitAll(int i, void (FXModel::*fit)(const float*), bool halfHoriz = false);
     void Advance(double time);

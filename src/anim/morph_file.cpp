@@ -4,32 +4,20 @@
 #include "geometry/load_budget.h"
 #include "geometry/mesh.h"
 #include "geometry/num_pool.h"
-#include "package/file_block.h"
 #include "package/package.h"
+#include "package/record.h"
 #include "platform/trace.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <memory>
+#include <new>
 #include <utility>
-#include <vector>
 
 namespace {
 
-constexpr const char* kVersion3 = "oa03";
 constexpr int kSmallestEntry = 8;
 constexpr int kPoolStep = 800000;
-bool localIsVersion3(const FXPackageData& d) {
-    return d.left >= kSmallestEntry && d.cur[0] == 4 && std::memcmp(d.cur + 4, kVersion3, 4) == 0;
-}
-
-bool localSaveFlags(const FXAnim& a, std::FILE* file) {
-    const unsigned char flags[4] = {a.playing, a.backwards, a.loop, a.pingPong};
-    return std::fwrite(&a.storedParam, sizeof a.storedParam, 1, file) == 1 &&
-           std::fwrite(flags, sizeof flags, 1, file) == 1;
-}
 
 bool localSameLayout(const FXMesh* a, const FXMesh* b) {
     return a != nullptr && b != nullptr && a->vertexCount == b->vertexCount &&
@@ -37,6 +25,10 @@ bool localSameLayout(const FXMesh* a, const FXMesh* b) {
 }
 
 } // namespace
+
+bool FXAnim::IsVersion3(const FXPackageData& d) {
+    return d.left >= kSmallestEntry && d.cur[0] == 4 && std::memcmp(d.cur + 4, kVersion3, 4) == 0;
+}
 
 bool FXAnim::LoadCN(FXPackage* pck, int id, FXLoadBudget* budget) {
     Destroy();
@@ -61,88 +53,109 @@ void FXAnim::LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* given) {
     FXLoadBudget own;
     FXLoadBudget* budget = given != nullptr ? given : &own;
     budget->TakeRecord(d->size);
-    const bool isVersion3 = localIsVersion3(*d);
+    const bool isVersion3 = IsVersion3(*d);
     if (isVersion3)
         d->ReadBlc(kSmallestEntry);
-    LoadHead(d);
+    FXRecordReader reader(d);
+    Fields_v02(*this, reader);
     const int whole = isVersion3 ? Load_v03CN(pck, d, budget) : Load_v02CN(pck, budget);
     FinishLoading();
     if (own.IsExceeded())
         err("animation of %d key frames is left with %d: %s\n", frameNames.count, whole, own.Describe().text);
 }
 
-void FXAnim::LoadHead(FXPackageData* d) {
-    d->ReadStringArray(&frameNames);
-    d->ReadArray(&frameTimes);
-    graph.LoadC(d);
-    storedParam = d->ReadFloat();
-    for (bool* flag : {&playing, &backwards, &loop, &pingPong})
-        *flag = d->ReadBool();
-}
-
-// Both versions give how many key frames, from the first on, the budget had room for.
+// Both versions give how many key frames, from the first on, there was room for.
 int FXAnim::Load_v02CN(FXPackage* pck, FXLoadBudget* budget) {
     if (!models.Realloc(frameNames.count))
         return 0;
     while (models.count < frameNames.count)
-        models.Push(nullptr);
+        models.PushNull();
     for (int f = 0; f < frameNames.count; ++f) {
         int id = 0;
-        auto model = std::make_unique<FXModel>();
+        FXModel* model = fxNew<FXModel>();
+        if (model == nullptr)
+            return f;
         const bool isThere =
             pck == nullptr ? model->Load(frameNames.Get(f), budget)
                            : std::sscanf(frameNames.Get(f), "%d", &id) == 1 && model->LoadCN(pck, id, budget);
-        if (isThere && !budget->TakeFrames(1))
+        if (isThere && budget->TakeFrames(1))
+            models[f] = model;
+        else
+            delete model;
+        if (budget->IsExceeded())
             return f;
-        if (isThere)
-            models[f] = model.release();
     }
     return frameNames.count;
 }
 
-int FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
-    const int frames = frameNames.count;
-    const int meshes = d->ReadCount();
-    if (!budget->TakeFrames(frames) || !models.Realloc(frames))
-        return 0;
-    for (int f = 0; f < frames; ++f) {
-        models.Push(new FXModel);
-        models[f]->name.Set(frameNames.Get(f));
-    }
-    if (frames == 0)
-        return 0;
-    FXModel& first = *models[0];
-    first.LoadMatlib(pck, d, budget);
-    if (!first.loadedMeshes.Realloc(std::min(meshes, FXLoadBudget::kMostMeshes)))
-        return 0;
-    for (int m = 0; m < meshes; ++m) {
-        auto mesh = std::make_unique<FXMesh>();
-        mesh->LoadMeshIC(pck, d, first.matlib, budget);
-        if (budget->IsExceeded()) {
-            first.Destroy();
-            return 0;
+struct FXAnim::Loader {
+    bool Begin() const {
+        if (frames == 0 || !budget->TakeFrames(frames) || !models.Realloc(frames))
+            return false;
+        for (int f = 0; f < frames; ++f) {
+            FXModel* model = models.PushNew();
+            if (model == nullptr)
+                return false;
+            model->name.Set(anim.frameNames.Get(f));
         }
-        first.loadedMeshes.Push(mesh.release());
+        models[0]->matlibName = library;
+        models[0]->LoadMatlib(pck, budget);
+        return models[0]->loadedMeshes.Realloc(std::min(count, FXLoadBudget::kMostMeshes));
     }
-    for (int f = 1; f < frames; ++f) {
-        models[f]->ShareMatlib(first.matlib);
-        if (!models[f]->loadedMeshes.Realloc(meshes))
-            return 0;
-        for (int m = 0; m < meshes; ++m) {
-            models[f]->loadedMeshes.Push(new FXMesh);
-            models[f]->loadedMeshes[m]->CopyMeshI(first.loadedMeshes[m]);
+    bool PackedMesh(int) const {
+        FXMesh* mesh = models[0]->loadedMeshes.PushNew();
+        if (mesh != nullptr)
+            mesh->LoadMeshIC(pck, d, models[0]->matlib, budget);
+        return mesh != nullptr && !budget->IsExceeded();
+    }
+    // All key frames have the meshes of the first.
+    bool Pools() {
+        for (int f = 1; f < frames; ++f) {
+            models[f]->ShareMatlib(models[0]->matlib);
+            if (!models[f]->loadedMeshes.Realloc(count))
+                return false;
+            for (const FXMesh* mesh : models[0]->loadedMeshes) {
+                FXMesh* copy = models[f]->loadedMeshes.PushNew();
+                if (copy == nullptr)
+                    return false;
+                copy->CopyMeshI(mesh);
+            }
         }
+        return pools.Realloc(count);
     }
-    std::vector<FXNumPool> pools(static_cast<std::size_t>(meshes));
-    for (FXNumPool& pool : pools)
-        pool.LoadC(pck, d);
-    FXVectorMap map;
-    for (FXModel* model : models) {
+    bool Pool(int) {
+        FXNumPool* pool = pools.PushNew();
+        if (pool != nullptr)
+            pool->LoadC(pck, d);
+        return pool != nullptr;
+    }
+    bool Map(int f) {
         map.LoadC(pck, d);
-        for (int m = 0; m < meshes; ++m)
-            model->loadedMeshes[m]->FromVMap(&map, &pools[static_cast<std::size_t>(m)]);
+        for (int m = 0; m < count; ++m)
+            models[f]->loadedMeshes[m]->FromVMap(&map, pools[m]);
+        return true;
     }
-    return frames;
+
+    FXAnim& anim;
+    FXPackage* pck;
+    FXPackageData* d;
+    FXLoadBudget* budget;
+    FXOwnerArray<FXModel>& models = anim.models;
+    int frames = anim.frameNames.count;
+    int count = 0; // of meshes
+    FXStr library = FXStr();
+    FXVectorMap map = {};
+    FXOwnerArray<FXNumPool> pools = FXOwnerArray<FXNumPool>(1);
+};
+
+int FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
+    Loader loader = {*this, pck, d, budget};
+    FXRecordReader reader(d);
+    if (Fields_v03(loader, reader))
+        return frameNames.count;
+    for (FXModel* model : models) // the meshes that there are have nothing in them yet
+        model->Destroy();
+    return 0;
 }
 
 void FXAnim::FinishLoading() {
@@ -153,69 +166,71 @@ void FXAnim::FinishLoading() {
         }
 }
 
-bool FXAnim::SaveHead(std::FILE* file) const {
-    return frameNames.Save(file) && frameTimes.Save(file) && graph.Save(file) && localSaveFlags(*this, file);
-}
-
 bool FXAnim::Save(const char* path) {
     FXFile file = fxOpenFile(path, "wb");
     return file && Save_v03(file.get()) && fxCloseWritten(std::move(file));
 }
 
 bool FXAnim::Save_v02(std::FILE* file) const {
-    return SaveHead(file);
+    FXRecordWriter writer(file);
+    return Fields_v02(*this, writer);
 }
 
-// Writes the headers and the pools that all key frames share.
-bool FXAnim::PackFirstFrame(FXVectorMap* map, std::FILE* file, FXArray<int>* redirects) {
-    const FXModel& first = *models[0];
-    std::vector<std::unique_ptr<FXNumPool>> pools;
-    for (int m = 0; m < first.meshes.count; ++m) {
-        FXArray<int>* const redirect[3] = {&redirects[3 * m], &redirects[3 * m + 1], &redirects[3 * m + 2]};
-        for (FXArray<int>* numbers : redirect)
-            numbers->Realloc(first.meshes[m]->indexCount);
-        pools.push_back(std::make_unique<FXNumPool>(kPoolStep));
-        first.meshes[m]->ToVMap(map, pools.back().get(), this, m, redirect);
+struct FXAnim::Saver {
+    // Packs the first key frame, whose headers and pools all others share.
+    bool Begin() {
+        for (int m = 0; m < count; ++m) {
+            FXMesh* mesh = anim.models[0]->meshes[m];
+            FXNumPool* pool = pools.Push(new (std::nothrow) FXNumPool(kPoolStep));
+            for (int kind = 0; kind < 3; ++kind) {
+                FXArray<int>* numbers = redirects.PushNew();
+                if (pool == nullptr || numbers == nullptr || !numbers->Realloc(mesh->indexCount))
+                    return false;
+            }
+            mesh->ToVMap(&map, pool, &anim, m, redirects.items + 3 * m);
+        }
+        return true;
     }
-    bool ok = true;
-    for (const FXMesh* mesh : first.meshes)
-        ok = ok && mesh->SaveMeshI(file);
-    for (const auto& pool : pools)
-        ok = ok && pool->Save(file);
-    return ok;
+    bool PackedMesh(int m) const { return anim.models[0]->meshes[m]->SaveMeshI(file); }
+    bool Pools() const { return true; }
+    bool Pool(int m) const { return pools[m]->Save(file); }
+    bool Map(int f) {
+        for (int m = 0; m < count && f > 0; ++m)
+            anim.models[f]->meshes[m]->ApplyRedir(&map, redirects.items + 3 * m);
+        return map.Save(file);
+    }
+
+    FXAnim& anim;
+    std::FILE* file;
+    int frames = anim.models.count;
+    int count = frames > 0 ? anim.models[0]->meshes.count : 0; // of meshes
+    FXStr library = frames > 0 ? anim.models[0]->matlibName : FXStr();
+    FXVectorMap map = {};
+    FXOwnerArray<FXNumPool> pools = FXOwnerArray<FXNumPool>(1);
+    FXOwnerArray<FXArray<int>> redirects = FXOwnerArray<FXArray<int>>(1); // three for each mesh
+};
+
+// As many names, and key frames of one layout?
+bool FXAnim::FramesAreAlike() const {
+    const FXModel* first = EnumModels(0);
+    return frameNames.count == models.count &&
+           std::all_of(models.begin(), models.end(), [first](const FXModel* model) {
+               return first != nullptr && model != nullptr &&
+                      std::equal(first->meshes.begin(), first->meshes.end(), model->meshes.begin(),
+                                 model->meshes.end(), localSameLayout);
+           });
 }
 
 bool FXAnim::Save_v03(std::FILE* file) {
-    const FXModel* first = EnumModels(0);
-    const std::int32_t meshes = first != nullptr ? first->meshes.count : 0;
-    for (FXModel* model : models) {
-        if (first == nullptr || model == nullptr || model->meshes.count != meshes)
-            return false;
-        for (int m = 0; m < meshes; ++m) {
-            if (!localSameLayout(first->meshes[m], model->meshes[m]))
-                return false;
-        }
-    }
+    if (!FramesAreAlike())
+        return false;
     // Before the vertices of different key frames are compared by their numbers.
     for (FXModel* model : models)
         for (FXMesh* mesh : model->meshes)
             mesh->DiscardVertices();
-
-    FXVectorMap map;
-    std::vector<FXArray<int>> redirects(static_cast<std::size_t>(meshes) * 3);
-    bool ok = frameNames.count == models.count && FXStr(kVersion3).Save(file) && SaveHead(file) &&
-              std::fwrite(&meshes, sizeof meshes, 1, file) == 1 &&
-              (first ? first->matlibName : FXStr()).Save(file);
-    ok = ok && (first == nullptr || PackFirstFrame(&map, file, redirects.data()));
-    for (int f = 0; f < models.count && ok; ++f) {
-        const FXArray<int>* numbers = redirects.data();
-        for (int m = 0; m < meshes && f > 0; ++m, numbers += 3) {
-            const FXArray<int>* const redirect[3] = {numbers, numbers + 1, numbers + 2};
-            models[f]->meshes[m]->ApplyRedir(&map, redirect);
-        }
-        ok = map.Save(file);
-    }
-    return ok;
+    Saver saver = {*this, file};
+    FXRecordWriter writer(file);
+    return FXStr(kVersion3).Save(file) && Fields_v02(*this, writer) && Fields_v03(saver, writer);
 }
 
 bool FXAnim::Compile(FXPackage* pck) {

@@ -16,6 +16,7 @@ class FXPackage;
 class FXPackageData;
 class FXVectorMap;
 class PMeshSaveClb;
+struct FXMeshRecord;
 
 // Owns its vertices and indices; the material and the second mesh are owned elsewhere. Every index is below
 // vertexCount: loaders leave a mesh empty whose record breaks that, or does not fit into the bytes there are.
@@ -46,7 +47,7 @@ public:
     // The packed form (mesh_packing.cpp). ToVMap also drops the vertices that nothing uses; redirect, when
     // given, is three arrays that get the number of position, normal and texture coordinate of every corner.
     // FromVMap leaves the mesh empty when the stream ends early, names a vector that is not there, or makes
-    // more vertices than the header said.
+    // more vertices than the header said; and when there is no memory.
     void ToVMap(FXVectorMap* map, FXNumPool* pool, PMeshSaveClb* clb, int meshKey,
                 FXArray<int>* const* redirect);
     bool FromVMap(FXVectorMap* map, FXNumPool* pool);
@@ -105,8 +106,8 @@ public:
 private:
     void ScaleTexCoords(float su, float sv);
     void Fit(const float* box, const float* scale);
-    void LoadHeadC(FXPackageData* d, FXMatlib* lib);
-    bool SaveHead(std::FILE* file, float u, float v) const;
+    void TakeHead(const FXMeshRecord& record, FXMatlib* lib);
+    FXMeshRecord Record() const;
     bool IndicesFit() const;
     bool ReallocWithin(FXLoadBudget* budget, int newVertexCount, int newIndexCount);
 };

@@ -131,9 +131,8 @@ bool FXMesh::FromVMap(FXVectorMap* map, FXNumPool* pool) {
         if (localReadCorner(pool, counts, &corner)) {
             const auto [p, n, t] = corner.number;
             at = map->GetUsed(p, n, t);
-            if (at < 0 && vertexCount < room) {
+            if (at < 0 && vertexCount < room && map->PushUsed(p, n, t, vertexCount)) {
                 at = vertexCount++;
-                map->PushUsed(p, n, t, at);
                 vertices[at] = {};
                 map->GetVecPos(p, vertices[at].pos);
                 map->GetVecNorm(n, vertices[at].normal);

@@ -7,30 +7,25 @@
 
 namespace {
 
-void localDeleteAll(FXArray<FXMesh*>& meshes) {
-    for (FXMesh* mesh : meshes)
-        delete mesh;
-    meshes.DestroyBuf();
-}
-
 // Calls the operation for every mesh there is.
-template <class Operation> void localForEach(const FXArray<FXMesh*>& meshes, Operation operation) {
+template <class Operation> void localForEach(const FXOwnerArray<FXMesh>& meshes, Operation operation) {
     for (FXMesh* mesh : meshes)
         if (mesh != nullptr)
             operation(*mesh);
 }
 
-void localCopyMeshes(const FXArray<FXMesh*>& from, FXArray<FXMesh*>& to) {
-    localDeleteAll(to);
+// As far as there is memory.
+void localCopyMeshes(const FXOwnerArray<FXMesh>& from, FXOwnerArray<FXMesh>& to) {
+    to.DestroyBuf();
     if (!to.Realloc(from.count))
         return;
     for (const FXMesh* mesh : from) {
-        FXMesh* copy = nullptr;
-        if (mesh != nullptr) {
-            copy = new FXMesh;
+        if (mesh == nullptr)
+            to.PushNull();
+        else if (FXMesh* copy = to.PushNew())
             copy->Copy(mesh);
-        }
-        to.Push(copy);
+        else
+            return;
     }
 }
 
@@ -41,8 +36,8 @@ void FXModel::Destroy() {
     matlibName.Clear();
     flipV = false;
     ShareMatlib(nullptr);
-    localDeleteAll(loadedMeshes);
-    localDeleteAll(meshes);
+    loadedMeshes.DestroyBuf();
+    meshes.DestroyBuf();
 }
 
 void FXModel::ShareMatlib(FXMatlib* library) {
@@ -87,8 +82,9 @@ void FXModel::DisableMesh(int i, bool disable) {
 }
 
 void FXModel::RemoveMesh(FXMesh* mesh) {
-    FXArray<FXMesh*>& group = meshes.Findpos(mesh) >= 0 ? meshes : loadedMeshes;
-    group.Remove(mesh);
+    FXOwnerArray<FXMesh>& group = meshes.Findpos(mesh) >= 0 ? meshes : loadedMeshes;
+    if (const int at = group.Findpos(mesh); at >= 0)
+        group.Release(at);
 }
 
 FXMesh* FXModel::DoubleMesh(const char* newName, const char* srcName) {
@@ -99,17 +95,16 @@ FXMesh* FXModel::DoubleMesh(const char* newName, const char* srcName) {
     if (target != nullptr)
         RemoveMesh(target);
     else
-        target = new FXMesh;
+        target = fxNew<FXMesh>();
     FXMaterial* material = matlib != nullptr ? matlib->FindMaterial(newName) : nullptr;
-    if (material == nullptr) {
+    if (target == nullptr || material == nullptr) {
         delete target;
         return nullptr;
     }
     target->Copy(src);
     target->material = material;
     target->materialName.Set(newName);
-    meshes.Push(target);
-    return target;
+    return meshes.Push(target);
 }
 
 int FXModel::GetTotalVertices() const {

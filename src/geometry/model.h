@@ -1,15 +1,15 @@
 // A set of meshes that share a material library: a layer of the sun, the medallion, a key frame of the morph.
 #pragma once
 
-#include "base/arrays.h"
+#include "base/owner_array.h"
 #include "base/str.h"
+#include "geometry/mesh.h"
 #include "render/environment.h"
 
 #include <cstdio>
 
 class FXLoadBudget;
 class FXMatlib;
-class FXMesh;
 class FXPackage;
 class FXPackageData;
 struct FXObjFile;
@@ -26,6 +26,18 @@ public:
     FXModel& operator=(const FXModel&) = delete;
 
     void Destroy();
+    // The record, behind its magic word. Parts: who reads, writes or checks it. Begin comes before the
+    // meshes, Map before the packed ones.
+    static constexpr const char* kVersion2 = "om02";
+    static constexpr const char* kVersion3 = "om03";
+    template <class Parts, class V> static bool Fields_v02(Parts& p, V& v) {
+        return HeadFields(p, v) && v.Each(p.count, [&](int i) { return p.Mesh(i); });
+    }
+    template <class Parts, class V> static bool Fields_v03(Parts& p, V& v) {
+        return HeadFields(p, v) && p.Map() &&
+               v.Each(p.count, [&](int i) { return p.PackedMesh(i) && p.Pool(i); });
+    }
+
     // From an entry, in either version of the format. False when there is no such entry; one that is no
     // model, or lies, gives a model that is empty or holds empty meshes. Meshes beyond the budget are left
     // out; without one given, that is said in the trace.
@@ -35,9 +47,9 @@ public:
     void UpdateMeshes();
     // The source's working meshes, library and flipV.
     void Copy(FXModel* src);
-    // Reads the library's name and loads it, from the package or, without one, a material file; for loaders,
-    // of a model that has none yet.
-    void LoadMatlib(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
+    // Loads the library matlibName, from the package or, without one, a material file; for loaders, of a
+    // model that has none yet.
+    void LoadMatlib(FXPackage* pck, FXLoadBudget* budget);
     // Takes a reference of its own; null gives up the one held.
     void ShareMatlib(FXMatlib* library);
 
@@ -98,10 +110,17 @@ public:
     FXStr matlibName;
     FXMatlib* matlib = nullptr;
     bool flipV = false;
-    FXArray<FXMesh*> loadedMeshes;
-    FXArray<FXMesh*> meshes; // entries may be null
+    FXOwnerArray<FXMesh> loadedMeshes;
+    FXOwnerArray<FXMesh> meshes; // entries may be null
 
 private:
+    struct Loader;
+    struct Saver;
+
+    template <class Parts, class V> static bool HeadFields(Parts& p, V& v) {
+        return v.String("the name", p.name) && v.String("the library", p.library) &&
+               v.template Count<FXMeshRecord>("meshes", p.count) && p.Begin();
+    }
     void LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);
     // Without a package they are Load_v02 and Load_v03, of a file.
     void Load_v02CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget);

@@ -2,45 +2,24 @@
 #include "base/file_handle.h"
 #include "geometry/load_budget.h"
 #include "geometry/mesh.h"
+#include "geometry/mesh_record.h"
 #include "geometry/model.h"
 #include "geometry/num_pool.h"
 #include "geometry/vector_map.h"
 #include "image/material_library.h"
-#include "package/file_block.h"
 #include "package/package.h"
+#include "package/record.h"
 #include "platform/trace.h"
 #include "render/environment.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdio>
-#include <memory>
+#include <new>
 #include <utility>
-#include <vector>
 
 namespace {
 
-constexpr const char* kVersion2 = "om02";
-constexpr const char* kVersion3 = "om03";
 constexpr int kPoolStep = 800000;
-
-// As many meshes as the count says and the budget holds.
-template <class Read>
-void localLoadMeshes(int count, FXLoadBudget* budget, FXArray<FXMesh*>* meshes, Read read) {
-    if (!meshes->Realloc(std::min(count, FXLoadBudget::kMostMeshes)))
-        return;
-    for (int i = 0; i < count; ++i) {
-        auto mesh = std::make_unique<FXMesh>();
-        read(mesh.get());
-        if (budget->IsExceeded())
-            return;
-        meshes->Push(mesh.release());
-    }
-}
-
-bool localWriteInt(std::FILE* file, std::int32_t value) {
-    return std::fwrite(&value, sizeof value, 1, file) == 1;
-}
 
 } // namespace
 
@@ -77,8 +56,7 @@ void FXModel::LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* given) {
         err("model '%s' is left with %d meshes: %s\n", name.text, loadedMeshes.count, own.Describe().text);
 }
 
-void FXModel::LoadMatlib(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
-    d->ReadString(&matlibName);
+void FXModel::LoadMatlib(FXPackage* pck, FXLoadBudget* budget) {
     if (fxglobalEnv == nullptr)
         return;
     matlib = pck != nullptr ? fxglobalEnv->LoadMatlibC(pck, matlibName.text)
@@ -87,26 +65,72 @@ void FXModel::LoadMatlib(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget)
         budget->TakeMaterials(matlib->materials.count);
 }
 
+// Takes as many meshes as the budget and the memory hold.
+struct FXModel::Loader {
+    bool Begin() const {
+        model.LoadMatlib(pck, budget);
+        return model.loadedMeshes.Realloc(std::min(count, FXLoadBudget::kMostMeshes));
+    }
+    bool Mesh(int) const { return Add(&FXMesh::LoadMeshC); }
+    bool Map() {
+        map.LoadC(pck, d);
+        return true;
+    }
+    bool PackedMesh(int) const { return Add(&FXMesh::LoadMeshIC); }
+    bool Pool(int i) {
+        pool.LoadC(pck, d);
+        model.loadedMeshes[i]->FromVMap(&map, &pool);
+        return true;
+    }
+    bool Add(void (FXMesh::*load)(FXPackage*, FXPackageData*, FXMatlib*, FXLoadBudget*)) const {
+        FXMesh* mesh = model.loadedMeshes.PushNew();
+        if (mesh == nullptr)
+            return false;
+        (mesh->*load)(pck, d, model.matlib, budget);
+        if (budget->IsExceeded())
+            delete model.loadedMeshes.Release(model.loadedMeshes.count - 1);
+        return !budget->IsExceeded();
+    }
+
+    FXModel& model;
+    FXPackage* pck;
+    FXPackageData* d;
+    FXLoadBudget* budget;
+    FXStr& name = model.name;
+    FXStr& library = model.matlibName;
+    int count = 0;
+    FXVectorMap map = {};
+    FXNumPool pool = {};
+};
+
 void FXModel::Load_v02CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
-    d->ReadString(&name);
-    LoadMatlib(pck, d, budget);
-    localLoadMeshes(d->ReadCount(), budget, &loadedMeshes,
-                    [&](FXMesh* mesh) { mesh->LoadMeshC(pck, d, matlib, budget); });
+    Loader loader = {*this, pck, d, budget};
+    FXRecordReader reader(d);
+    Fields_v02(loader, reader);
 }
 
 void FXModel::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
-    d->ReadString(&name);
-    LoadMatlib(pck, d, budget);
-    const int count = d->ReadCount();
-    FXVectorMap map;
-    FXNumPool pool;
-    map.LoadC(pck, d);
-    localLoadMeshes(count, budget, &loadedMeshes, [&](FXMesh* mesh) {
-        mesh->LoadMeshIC(pck, d, matlib, budget);
-        pool.LoadC(pck, d);
-        mesh->FromVMap(&map, &pool);
-    });
+    Loader loader = {*this, pck, d, budget};
+    FXRecordReader reader(d);
+    Fields_v03(loader, reader);
 }
+
+// Writes the meshes that it is given.
+struct FXModel::Saver {
+    bool Begin() const { return true; }
+    bool Mesh(int i) const { return meshes[i]->SaveMesh(file); }
+    bool Map() const { return map.Save(file); }
+    bool PackedMesh(int i) const { return meshes[i]->SaveMeshI(file); }
+    bool Pool(int i) const { return pools[i]->Save(file); }
+
+    const FXStr& name;
+    const FXStr& library;
+    std::FILE* file;
+    FXArray<FXMesh*> meshes = FXArray<FXMesh*>(1);
+    int count = 0; // of them
+    FXVectorMap map = {};
+    FXOwnerArray<FXNumPool> pools = FXOwnerArray<FXNumPool>(1);
+};
 
 bool FXModel::Save(const char* path) {
     FXFile file = fxOpenFile(path, "wb");
@@ -114,31 +138,28 @@ bool FXModel::Save(const char* path) {
 }
 
 bool FXModel::Save_v02(std::FILE* file) const {
-    bool ok = FXStr(kVersion2).Save(file) && name.Save(file) && matlibName.Save(file);
-    const auto there = [](const FXMesh* mesh) { return mesh != nullptr; };
-    ok = ok &&
-         localWriteInt(file, static_cast<std::int32_t>(std::count_if(meshes.begin(), meshes.end(), there)));
-    for (const FXMesh* mesh : meshes)
-        ok = ok && (mesh == nullptr || mesh->SaveMesh(file));
-    return ok;
+    Saver saver = {name, matlibName, file};
+    for (FXMesh* mesh : meshes)
+        if (mesh != nullptr && !saver.meshes.Push(mesh))
+            return false;
+    saver.count = saver.meshes.count;
+    FXRecordWriter writer(file);
+    return FXStr(kVersion2).Save(file) && Fields_v02(saver, writer);
 }
 
 bool FXModel::Save_v03(std::FILE* file) {
-    FXVectorMap map;
-    std::vector<FXMesh*> stored;
-    std::vector<std::unique_ptr<FXNumPool>> pools;
+    Saver saver = {name, matlibName, file};
     for (FXMesh* mesh : meshes) {
         if (mesh == nullptr || mesh->disabled)
             continue;
-        stored.push_back(mesh);
-        pools.push_back(std::make_unique<FXNumPool>(kPoolStep));
-        mesh->ToVMap(&map, pools.back().get(), nullptr, 0, nullptr);
+        FXNumPool* pool = saver.pools.Push(new (std::nothrow) FXNumPool(kPoolStep));
+        if (pool == nullptr || !saver.meshes.Push(mesh))
+            return false;
+        mesh->ToVMap(&saver.map, pool, nullptr, 0, nullptr);
     }
-    bool ok = FXStr(kVersion3).Save(file) && name.Save(file) && matlibName.Save(file) &&
-              localWriteInt(file, static_cast<std::int32_t>(stored.size())) && map.Save(file);
-    for (std::size_t i = 0; i < stored.size(); ++i)
-        ok = ok && stored[i]->SaveMeshI(file) && pools[i]->Save(file);
-    return ok;
+    saver.count = saver.meshes.count;
+    FXRecordWriter writer(file);
+    return FXStr(kVersion3).Save(file) && Fields_v03(saver, writer);
 }
 
 bool FXModel::Compile(FXPackage* pck) {

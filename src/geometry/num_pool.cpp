@@ -1,9 +1,7 @@
 #include "geometry/num_pool.h"
 
-#include "base/file_handle.h"
 #include "base/memory.h"
-#include "package/file_block.h"
-#include "package/package_data.h"
+#include "package/record.h"
 
 #include <climits>
 #include <cstdint>
@@ -66,8 +64,9 @@ bool FXNumPool::GetNextInt(int* value) {
 }
 
 bool FXNumPool::Save(std::FILE* file) const {
-    const std::int32_t n = size;
-    return fxWrite(&n, sizeof n, 1, file) && fxWrite(buffer, 1, static_cast<std::size_t>(n), file);
+    const FXStored<unsigned char> stored = {buffer, size};
+    FXRecordWriter writer(file);
+    return Fields(stored, writer);
 }
 
 void FXNumPool::Load(std::FILE* file) {
@@ -76,11 +75,12 @@ void FXNumPool::Load(std::FILE* file) {
 }
 
 void FXNumPool::LoadC(FXPackage*, FXPackageData* d) {
+    FXStored<unsigned char> stored;
+    FXRecordReader reader(d);
+    Fields(stored, reader);
     size = 0;
-    const int n = d->ReadInt();
-    const void* bytes = d->ReadBlc(n);
-    if (bytes != nullptr && n > 0)
-        PushBytes(bytes, n);
+    if (stored.count > 0)
+        PushBytes(stored.bytes, stored.count);
 }
 
 void FXNumPool::DestroyBuf() {

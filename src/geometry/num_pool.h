@@ -25,6 +25,10 @@ public:
     bool GetNextByte(unsigned char* value);
     bool GetNextWord(unsigned short* value);
     bool GetNextInt(int* value);
+    // The record, of the stored bytes.
+    template <class Stored, class V> static bool Fields(Stored& bytes, V& v) {
+        return v.Elements("byte", "bytes in the pool of", bytes);
+    }
     bool Save(std::FILE* file) const;
     // A size beyond the bytes there are leaves the pool empty.
     void LoadC(FXPackage* pck, FXPackageData* d);

@@ -1,7 +1,6 @@
 #include "geometry/vector_map.h"
 
-#include "package/file_block.h"
-#include "package/package_data.h"
+#include "package/record.h"
 
 #include <algorithm>
 #include <bit>
@@ -34,21 +33,13 @@ void localPushKey(FXArray<int>* keys, int vectorsBefore, int key) {
     keys->Push(key);
 }
 
-bool localSave(const FXFloatArray& values, int count, int width, std::FILE* file) {
-    const std::int32_t floats = count * width;
-    return fxWrite(&floats, sizeof floats, 1, file) &&
-           fxWrite(values.items, sizeof(float), static_cast<std::size_t>(floats), file);
-}
-
-int localLoad(FXFloatArray* values, int width, FXPackageData* d) {
-    values->DestroyBuf();
-    const int floats = d->ReadInt();
-    constexpr int kFloat = sizeof(float);
-    if (floats <= 0 || floats > d->left / kFloat || !values->Realloc(floats))
-        return 0;
-    d->ReadCopyBlc(values->items, floats * kFloat);
-    values->count = floats;
-    return floats / width;
+// Elements from the end to n get the value. False, with fewer of them, when there is no memory.
+template <class T> bool localExtend(FXArray<T>* list, int n, T value) {
+    if (n > list->capacity && !list->Realloc(std::max(n, list->capacity <= n / 2 ? n : 2 * list->capacity)))
+        return false;
+    while (list->count < n)
+        list->Push(value);
+    return true;
 }
 
 void localGet(const FXFloatArray& values, int width, int i, float* out) {
@@ -87,7 +78,7 @@ void localMangle(FXFloatArray& values, int vectors, int width, bool forward) {
 
 void FXVectorMap::Destroy() {
     ClearUsed();
-    firstUser_.clear();
+    firstUser_.DestroyBuf();
     for (FXFloatArray* values : {&positions, &normals, &texCoords})
         values->DestroyBuf();
     for (FXArray<int>* keys : {&posMesh, &posVertex, &normMesh, &normVertex, &texMesh, &texVertex})
@@ -195,8 +186,7 @@ void FXVectorMap::MangleTex(bool forward) {
 }
 
 bool FXVectorMap::Save(std::FILE* file) const {
-    return localSave(positions, posCount, 3, file) && localSave(normals, normCount, 3, file) &&
-           localSave(texCoords, texCount, 2, file);
+    return fxSaveRecord(*this, file);
 }
 
 void FXVectorMap::Load(std::FILE* file) {
@@ -206,75 +196,81 @@ void FXVectorMap::Load(std::FILE* file) {
 
 void FXVectorMap::LoadC(FXPackage*, FXPackageData* d) {
     Destroy();
-    posCount = localLoad(&positions, 3, d);
-    normCount = localLoad(&normals, 3, d);
-    texCount = localLoad(&texCoords, 2, d);
+    fxLoadRecord(*this, d);
 }
 
 // Where the triple stands in the slots, or the free one where it would.
-std::size_t FXVectorMap::SlotOf(const Triple& triple) const {
+int FXVectorMap::SlotOf(const Triple& triple) const {
     std::uint64_t hash = static_cast<std::uint32_t>(triple.p);
     for (const int number : {triple.n, triple.t})
         hash = hash * 0x9E3779B97F4A7C15u + static_cast<std::uint32_t>(number);
     hash *= 0x9E3779B97F4A7C15u;
-    const std::size_t mask = slots_.size() - 1;
-    std::size_t slot = static_cast<std::size_t>(hash >> 32) & mask;
-    while (slots_[slot] != kFree && triples_[static_cast<std::size_t>(slots_[slot])] != triple)
+    const int mask = slots_.count - 1;
+    int slot = static_cast<int>(hash >> 33) & mask;
+    while (slots_[slot] != kFree && triples_[slots_[slot]] != triple)
         slot = (slot + 1) & mask;
     return slot;
 }
 
-void FXVectorMap::GrowSlots() {
-    const std::vector<int> before = std::move(slots_);
-    slots_.assign(std::max<std::size_t>(64, before.size() * 2), kFree);
+bool FXVectorMap::GrowSlots() {
+    FXArray<int> before;
+    if (!before.Realloc(slots_.count))
+        return false;
+    for (const int vertex : slots_)
+        before.Push(vertex);
+    const int wanted = std::max(64, 2 * slots_.count);
+    if (!slots_.Realloc(wanted))
+        return false;
+    slots_.RemoveAll();
+    localExtend(&slots_, wanted, kFree);
     for (const int vertex : before)
         if (vertex != kFree)
-            slots_[SlotOf(triples_[static_cast<std::size_t>(vertex)])] = vertex;
+            slots_[SlotOf(triples_[vertex])] = vertex;
+    return true;
 }
 
-void FXVectorMap::PushShared(int vertex) {
-    if (2 * (shared_ + 1) > slots_.size())
-        GrowSlots();
-    int& slot = slots_[SlotOf(triples_[static_cast<std::size_t>(vertex)])];
-    if (slot != kFree)
-        return; // the first of equals stays
-    slot = vertex;
-    ++shared_;
+bool FXVectorMap::PushShared(int vertex) {
+    if (2 * (shared_ + 1) > slots_.count && !GrowSlots())
+        return false;
+    int& slot = slots_[SlotOf(triples_[vertex])];
+    if (slot == kFree) { // the first of equals stays
+        slot = vertex;
+        ++shared_;
+    }
+    return true;
 }
 
-void FXVectorMap::PushUsed(int p, int n, int t, int vertex) {
-    const auto place = static_cast<std::size_t>(vertex);
-    const auto position = static_cast<std::size_t>(p);
-    if (triples_.size() <= place)
-        triples_.resize(place + 1, {-1, -1, -1});
-    if (firstUser_.size() <= position)
-        firstUser_.resize(std::max(position + 1, static_cast<std::size_t>(posCount)), kNoUser);
-    triples_[place] = {p, n, t};
-    int& user = firstUser_[position];
+bool FXVectorMap::PushUsed(int p, int n, int t, int vertex) {
+    if (!localExtend(&triples_, vertex + 1, {-1, -1, -1}) ||
+        !localExtend(&firstUser_, std::max(p + 1, posCount), kNoUser))
+        return false;
+    triples_[vertex] = {p, n, t};
+    int& user = firstUser_[p];
     if (user == kNoUser) {
         user = vertex;
-        return;
+        return true;
     }
     if (user >= 0) {
-        PushShared(user);
+        if (!PushShared(user))
+            return false;
         user = ~user;
     }
-    PushShared(vertex);
+    return PushShared(vertex);
 }
 
 int FXVectorMap::GetUsed(int p, int n, int t) const {
-    if (p < 0 || static_cast<std::size_t>(p) >= firstUser_.size())
+    if (p < 0 || p >= firstUser_.count)
         return -1;
-    const int user = firstUser_[static_cast<std::size_t>(p)];
+    const int user = firstUser_[p];
     if (user >= 0)
         return GetUsed1(user, n, t);
     return user == kNoUser ? -1 : slots_[SlotOf({p, n, t})];
 }
 
 int FXVectorMap::GetUsed1(int vertex, int n, int t) const {
-    if (vertex < 0 || static_cast<std::size_t>(vertex) >= triples_.size())
+    if (vertex < 0 || vertex >= triples_.count)
         return -1;
-    const Triple& triple = triples_[static_cast<std::size_t>(vertex)];
+    const Triple& triple = triples_[vertex];
     return triple.n == n && triple.t == t ? vertex : -1;
 }
 
@@ -282,8 +278,8 @@ int FXVectorMap::GetUsed1(int vertex, int n, int t) const {
 void FXVectorMap::ClearUsed() {
     for (const Triple& triple : triples_)
         if (triple.p >= 0)
-            firstUser_[static_cast<std::size_t>(triple.p)] = kNoUser;
-    triples_.clear();
-    slots_.clear();
+            firstUser_[triple.p] = kNoUser;
+    triples_.RemoveAll();
+    slots_.RemoveAll();
     shared_ = 0;
 }

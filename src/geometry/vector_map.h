@@ -49,6 +49,12 @@ public:
     void SetVecNorm(const tagFXVertex* v, int i);
     void SetVecTex(const tagFXVertex* v, int i);
 
+    // The record.
+    template <class Self, class V> static bool Fields(Self& self, V& v) {
+        return v.Vectors("position", 3, self.positions, self.posCount) &&
+               v.Vectors("normal", 3, self.normals, self.normCount) &&
+               v.Vectors("texture coordinate", 2, self.texCoords, self.texCount);
+    }
     bool Save(std::FILE* file) const;
     // Replaces the contents. A count beyond the bytes there are leaves that kind of vector empty.
     void LoadC(FXPackage* pck, FXPackageData* d);
@@ -61,8 +67,9 @@ public:
     void MangleNorm(bool forward);
     void MangleTex(bool forward);
 
-    // Unpacking: which vertex (0 and up, each made once) was built from a triple of numbers.
-    void PushUsed(int p, int n, int t, int vertex);
+    // Unpacking: which vertex (0 and up, each made once) was built from a triple of numbers. A push gives
+    // false when there is no memory; the triple may then not be found.
+    bool PushUsed(int p, int n, int t, int vertex);
     int GetUsed(int p, int n, int t) const;       // -1: none yet
     int GetUsed1(int vertex, int n, int t) const; // the vertex itself if it was built from both; else -1
     void ClearUsed();
@@ -107,17 +114,17 @@ private:
                     int vertexKey);
     static int Push(Index* index, Kind kind, const float* value, PMeshSaveClb* clb, int meshKey,
                     int vertexKey);
-    std::size_t SlotOf(const Triple& triple) const;
-    void PushShared(int vertex);
-    void GrowSlots();
+    int SlotOf(const Triple& triple) const;
+    bool PushShared(int vertex);
+    bool GrowSlots();
 
     Index posIndex_, normIndex_, texIndex_;
     // The users of the stored vectors (posUser, posUsers, normUser, normUsers, texUser, texUsers) are not
     // listed for each kind: there is one vertex per distinct triple, so a triple finds its vertex. Most
     // positions have one user only: it is looked up by the number of the position. The users of the others
     // stand in a hash, so that a corner costs the same however many vertices share its position.
-    std::vector<Triple> triples_; // by vertex
-    std::vector<int> firstUser_;  // by position: none, the one user, or ~user when there are more
-    std::vector<int> slots_;      // open hash of vertices, a power of two, at most half full
-    std::size_t shared_ = 0;      // vertices in it
+    FXArray<Triple> triples_; // by vertex
+    FXArray<int> firstUser_;  // by position: none, the one user, or ~user when there are more
+    FXArray<int> slots_;      // open hash of vertices, a power of two, at most half full
+    int shared_ = 0;          // vertices in it
 };

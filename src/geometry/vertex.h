@@ -4,6 +4,12 @@
 #include <cstdint>
 
 struct tagFXVertex {
+    template <class Self, class V> static bool Fields(Self& self, V& v) {
+        return v.Floats("position of", self.pos, 3) && v.Floats("normal of", self.normal, 3) &&
+               v.Floats("texture coordinate of", self.tex, 2) && v.Floats("colour of", self.color, 4) &&
+               v.Unused("not drawn", sizeof self.normalSum + sizeof self.touched + sizeof self.objIndex);
+    }
+
     float pos[3];
     float normal[3];
     float tex[2];

@@ -1,12 +1,12 @@
 #include "image/material.h"
 
 #include "package/package.h"
+#include "package/record.h"
 #include "render/environment.h"
 #include "render/vectors.h"
 
 #include <cstdio>
 #include <cstring>
-#include <initializer_list>
 
 // Ambient, diffuse, specular, emission, each as grey and alpha.
 void FXMaterial::SetColors(const float (&colors)[4][2]) {
@@ -110,35 +110,22 @@ bool FXMaterial::SetTexture(FXCanvas* c) {
 
 bool FXMaterial::LoadC(FXPackage* pkg, FXPackageData* d) {
     SetDefSpecular(1);
-    d->ReadString(&name);
-    d->ReadString(&texRef);
-    for (float* color : {ambient, diffuse, specular, emission})
-        d->ReadFloat4(color);
-    shininess = d->ReadFloat();
+    const int before = d->left;
+    fxLoadRecord(*this, d);
     ownedByLibrary = true;
-    return texRef.IsEmpty() || LoadTextureC(pkg, texRef.text);
+    const bool isWhole = before - d->left >= fxLeastSize<FXMaterial>() + name.len + texRef.len;
+    if (pkg == nullptr && !isWhole)
+        shininess = 0; // not half a colour, at the end of a file
+    return texRef.IsEmpty() || (pkg != nullptr ? LoadTextureC(pkg, texRef.text) : LoadTexture(texRef.text));
 }
 
 bool FXMaterial::Load(std::FILE* file) {
-    SetDefSpecular(1);
-    name.Load(file);
-    texRef.Load(file);
-    for (float* color : {ambient, diffuse, specular, emission}) {
-        float read[4];
-        if (std::fread(read, sizeof read, 1, file) == 1)
-            std::memcpy(color, read, sizeof read);
-    }
-    if (std::fread(&shininess, sizeof shininess, 1, file) != 1)
-        shininess = 0;
-    ownedByLibrary = true;
-    return texRef.IsEmpty() || LoadTexture(texRef.text);
+    FXFileRest rest(file);
+    return LoadC(nullptr, &rest.data);
 }
 
 bool FXMaterial::Save(std::FILE* file) const {
-    bool ok = name.Save(file) && texRef.Save(file);
-    for (const float* color : {ambient, diffuse, specular, emission})
-        ok = ok && std::fwrite(color, 4 * sizeof(float), 1, file) == 1;
-    return ok && std::fwrite(&shininess, sizeof shininess, 1, file) == 1;
+    return fxSaveRecord(*this, file);
 }
 
 void FXMaterial::Destroy() {

@@ -45,8 +45,17 @@ public:
     float GetWidthF() const { return static_cast<float>(GetWidth()); }
     float GetHeightF() const { return static_cast<float>(GetHeight()); }
 
-    // The material record. False when the picture it names cannot be loaded; a record that ends early keeps
-    // the preset SetDefSpecular(1) for the colours it lacks.
+    // The record.
+    template <class Self, class V> static bool Fields(Self& self, V& v) {
+        return v.String("the name of", self.name) && v.String("the picture of", self.texRef) &&
+               v.Floats("the ambient colour of", self.ambient, 4) &&
+               v.Floats("the diffuse colour of", self.diffuse, 4) &&
+               v.Floats("the specular colour of", self.specular, 4) &&
+               v.Floats("the emission colour of", self.emission, 4) &&
+               v.Float("the shininess of", self.shininess);
+    }
+    // False when the picture it names cannot be loaded; a record that ends early keeps the preset
+    // SetDefSpecular(1) for the colours it lacks. Without a package, the picture is a file.
     bool LoadC(FXPackage* pkg, FXPackageData* d);
     bool Load(std::FILE* file);
     bool Save(std::FILE* file) const;

@@ -1,21 +1,21 @@
 #include "image/material_library.h"
 
 #include "base/file_handle.h"
-#include "image/material.h"
 #include "package/package.h"
+#include "package/record.h"
 #include "render/environment.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <utility>
 
 void FXMatlib::AddMaterial(FXMaterial* m) {
-    if (materials.Findpos(m) < 0)
+    if (materials.Findpos(m) < 0 && materials.Realloc(materials.count + 1))
         materials.Push(m);
 }
 
 void FXMatlib::RemoveMaterial(FXMaterial* m) {
-    materials.Remove(m);
+    if (const int at = materials.Findpos(m); at >= 0)
+        materials.Release(at);
 }
 
 FXMaterial* FXMatlib::FindMaterial(const char* materialName) {
@@ -29,49 +29,57 @@ FXMaterial* FXMatlib::FindMaterial(const char* materialName) {
 }
 
 FXMaterial* FXMatlib::AppendOwned() {
-    if (!materials.Realloc(materials.count + 1))
-        return nullptr;
-    materials.Push(new FXMaterial);
-    materials.Last()->ownedByLibrary = true;
-    return materials.Last();
+    FXMaterial* material = materials.PushNew();
+    if (material != nullptr)
+        material->ownedByLibrary = true;
+    return material;
 }
+
+// Appends the materials of a record, from a file when there is no package.
+struct FXMatlib::Loader {
+    bool Begin() const {
+        const bool isWhole = data.size - data.left >= 8 + name.len; // name and count were there
+        return (package != nullptr || isWhole) &&
+               library.materials.Realloc(library.materials.count +
+                                         std::min(count, FXPackageData::kSureCount));
+    }
+    bool Material(int) {
+        if (package == nullptr && data.left == 0)
+            return false;
+        FXMaterial* material = library.AppendOwned();
+        if (material != nullptr)
+            material->LoadC(package, &data);
+        return material != nullptr;
+    }
+
+    FXMatlib& library;
+    FXPackage* package;
+    FXPackageData
+        data; // its own: a material's picture is read through the cursor of its entry, which may be this
+    FXStr& name = library.name;
+    int count = 0;
+};
 
 bool FXMatlib::LoadC(FXPackage* pkg, const char* text) {
     int entry = 0;
     if (std::sscanf(text, "%d", &entry) != 1)
         return false;
-    FXPackageData* data = pkg->GetDataPtr(entry);
+    const FXPackageData* data = pkg->GetDataPtr(entry);
     if (data == nullptr)
         return false;
-    // A material's picture is read through the cursor of its entry, which may be this one's.
-    FXPackageData record = *data;
-    record.ReadString(&name);
-    const int count = record.ReadCount();
-    if (!materials.Realloc(materials.count + std::min(count, FXPackageData::kSureCount)))
-        return true;
-    for (int i = 0; i < count; ++i) {
-        FXMaterial* material = AppendOwned();
-        if (material == nullptr)
-            break;
-        material->LoadC(pkg, &record);
-    }
+    Loader loader = {*this, pkg, *data};
+    FXRecordReader reader(&loader.data);
+    Fields(loader, reader);
     return true;
 }
 
 bool FXMatlib::Load(const char* path) {
-    const FXFile file = fxOpenFile(path, "rb");
-    std::int32_t count = 0;
-    if (!file || !name.Load(file.get()) || std::fread(&count, sizeof count, 1, file.get()) != 1)
+    FXFileBlock file;
+    if (!file.Load(path))
         return false;
-    for (; count > 0; --count) {
-        const int next = std::fgetc(file.get());
-        FXMaterial* material = next != EOF ? AppendOwned() : nullptr;
-        if (material == nullptr)
-            return false;
-        std::ungetc(next, file.get());
-        material->Load(file.get());
-    }
-    return true;
+    Loader loader = {*this, nullptr, file.data};
+    FXRecordReader reader(&loader.data);
+    return Fields(loader, reader);
 }
 
 bool FXMatlib::Save(const char* path) const {
@@ -80,10 +88,17 @@ bool FXMatlib::Save(const char* path) const {
 }
 
 bool FXMatlib::Save(std::FILE* file) const {
-    const std::int32_t count = materials.count;
-    return name.Save(file) && fxWrite(&count, sizeof count, 1, file) &&
-           std::all_of(materials.begin(), materials.end(),
-                       [&](const FXMaterial* material) { return material->Save(file); });
+    struct Saver {
+        bool Begin() const { return true; }
+        bool Material(int i) const { return library.materials[i]->Save(file); }
+
+        const FXMatlib& library;
+        std::FILE* file;
+        const FXStr& name = library.name;
+        int count = library.materials.count;
+    } saver = {*this, file};
+    FXRecordWriter writer(file);
+    return Fields(saver, writer);
 }
 
 void FXMatlib::Compile(FXPackage* pkg) {
@@ -101,8 +116,8 @@ void FXMatlib::Release() {
 }
 
 void FXMatlib::Destroy() {
-    for (FXMaterial* material : materials)
-        if (material != nullptr && material->ownedByLibrary)
-            delete material;
+    for (FXMaterial*& material : materials)
+        if (material != nullptr && !material->ownedByLibrary)
+            material = nullptr;
     materials.DestroyBuf();
 }

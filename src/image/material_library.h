@@ -1,12 +1,12 @@
 // A named list of materials with another library to ask first.
 #pragma once
 
-#include "base/arrays.h"
+#include "base/owner_array.h"
 #include "base/str.h"
+#include "image/material.h"
 
 #include <cstdio>
 
-class FXMaterial;
 class FXPackage;
 
 // Shared through the environment and counted: each holder calls Release once. Owns the materials that it
@@ -22,11 +22,18 @@ public:
     void RemoveMaterial(FXMaterial* m);
     // By exact name, in the parent first: what the scene registers takes precedence. Null when there is none.
     FXMaterial* FindMaterial(const char* materialName);
+    // The record. Parts: who reads, writes or checks it. Begin comes before the materials.
+    template <class Parts, class V> static bool Fields(Parts& p, V& v) {
+        return v.String("the name", p.name) && v.template Count<FXMaterial>("materials", p.count) &&
+               p.Begin() && v.Each(p.count, [&](int i) { return p.Material(i); });
+    }
     // From the package entry whose number stands in the text; false when there is none. Materials are
     // appended, as many as the count says (FXPackageData), default-coloured where the record has ended; one
     // whose picture failed stays, untextured.
     bool LoadC(FXPackage* pkg, const char* text);
-    bool Load(const char* path); // the same record in a file, pictures by file name
+    // The record in a file, pictures by file name. False, with the materials that are there, when it ends
+    // first.
+    bool Load(const char* path);
     bool Save(const char* path) const;
     bool Save(std::FILE* file) const;
     bool LoadFromMtl(const char* path); // a Wavefront MTL file
@@ -38,10 +45,11 @@ public:
 
     FXStr name;
     FXMatlib* parent = nullptr;
-    FXArray<FXMaterial*> materials;
+    FXOwnerArray<FXMaterial> materials; // entries may be null
     bool autoDelete = true;
     int refCount = 1;
 
 private:
-    FXMaterial* AppendOwned(); // a new one; null when there is no memory for the list
+    struct Loader;
+    FXMaterial* AppendOwned(); // a new one; null when there is no memory
 };

@@ -1,6 +1,6 @@
 #include "render/matrix.h"
 
-#include "package/package_data.h"
+#include "package/record.h"
 
 #include <algorithm>
 #include <cmath>
@@ -99,18 +99,15 @@ void FXMatrix::Multiply(const FXMatrix* a, const FXMatrix* b) {
 }
 
 bool FXMatrix::Save(std::FILE* file) const {
-    return std::fwrite(m, sizeof m, 1, file) == 1;
+    return fxSaveRecord(*this, file);
 }
 
 bool FXMatrix::Load(std::FILE* file) {
-    FXMatrix read;
-    if (std::fread(read.m, sizeof read.m, 1, file) != 1)
-        return false;
-    *this = read;
-    return true;
+    return fxLoadRecord(*this, file);
 }
 
 void FXMatrix::LoadC(FXPackage*, FXPackageData* d) {
-    if (d->ReadCopyBlc(m, sizeof m) == nullptr)
-        SetIdentity();
+    if (d->left < static_cast<int>(sizeof m))
+        return SetIdentity();
+    fxLoadRecord(*this, d);
 }

@@ -31,6 +31,11 @@ public:
     // this = a * b: b acts first. This must be neither a nor b.
     void Multiply(const FXMatrix* a, const FXMatrix* b);
 
+    // The record.
+    template <class Self, class V> static bool Fields(Self& self, V& v) {
+        return v.Floats("column 0", self.M(0, 0), 4) && v.Floats("column 1", self.M(1, 0), 4) &&
+               v.Floats("column 2", self.M(2, 0), 4) && v.Floats("column 3", self.M(3, 0), 4);
+    }
     bool Save(std::FILE* file) const;
     bool Load(std::FILE* file); // false, with nothing changed, when the file ends first
     // The next 64 bytes of the entry; with fewer left, identity, and nothing consumed.

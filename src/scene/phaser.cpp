@@ -1,12 +1,8 @@
 #include "scene/phaser.h"
 
-#include "package/package_data.h"
-
-#include <initializer_list>
+#include "package/record.h"
 
 namespace {
-
-constexpr int kRecord = 18;
 
 float localSmooth(float p) {
     return 2 * p * (1 - p) * p + p * p;
@@ -86,25 +82,13 @@ float FXPhaser::GetOnOff(float a, float b) const {
 }
 
 bool FXPhaser::Save(std::FILE* file) const {
-    const unsigned char flags[6] = {running, reverse, loop, pingPong, smooth, smoothHalf};
-    return std::fwrite(&phase, sizeof phase, 1, file) == 1 &&
-           std::fwrite(&duration, sizeof duration, 1, file) == 1 &&
-           std::fwrite(flags, sizeof flags, 1, file) == 1;
+    return fxSaveRecord(*this, file);
 }
 
 bool FXPhaser::Load(std::FILE* file) {
-    unsigned char record[kRecord];
-    if (std::fread(record, sizeof record, 1, file) != 1)
-        return false;
-    FXPackageData d;
-    d.InitData(record, kRecord);
-    LoadC(nullptr, &d);
-    return true;
+    return fxLoadRecord(*this, file);
 }
 
 void FXPhaser::LoadC(FXPackage*, FXPackageData* d) {
-    phase = d->ReadFloat();
-    duration = d->ReadDouble();
-    for (bool* flag : {&running, &reverse, &loop, &pingPong, &smooth, &smoothHalf})
-        *flag = d->ReadBool();
+    fxLoadRecord(*this, d);
 }

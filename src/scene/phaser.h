@@ -19,7 +19,13 @@ public:
     // 1 up to phase a, 0 from phase b, falling between.
     float GetOnOff(float a, float b) const;
 
-    // The phaser record, 18 bytes: phase, duration and the first six flags below.
+    // The record, 18 bytes.
+    template <class Self, class V> static bool Fields(Self& self, V& v) {
+        return v.Float("the phase", self.phase) && v.Double("the duration", self.duration) &&
+               v.Flag("the flag running", self.running) && v.Flag("the flag reverse", self.reverse) &&
+               v.Flag("the flag loop", self.loop) && v.Flag("the flag ping-pong", self.pingPong) &&
+               v.Flag("the flag smooth", self.smooth) && v.Flag("the flag half smooth", self.smoothHalf);
+    }
     bool Save(std::FILE* file) const;
     bool Load(std::FILE* file); // false, with nothing changed, when the file ends first
     void LoadC(FXPackage* pck, FXPackageData* d);

@@ -7,6 +7,7 @@
 #include "unit/test_package.h"
 #include "unit/trace_lines.h"
 
+#include <algorithm>
 #include <climits>
 #include <memory>
 
@@ -111,7 +112,8 @@ TEST_F(Model, GoesThroughBothFormatsInPackageAndFile) {
 TEST_F(Model, Version3LeavesOutWhatIsDisabled) {
     FXModel model, read;
     Make(&model);
-    model.meshes.Insert(0, nullptr);
+    model.meshes.PushNull();
+    std::rotate(model.meshes.begin(), model.meshes.end() - 1, model.meshes.end());
     model.DisableMesh(2, true);
     for (const int version : {2, 3}) {
         LoadPackage(Saved(&model, version));

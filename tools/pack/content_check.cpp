@@ -157,7 +157,7 @@ private:
         return Text("key frame %d and what follows", animation.models.Findpos(nullptr));
     }
 
-    void CheckMeshes(int id, const FXArray<FXMesh*>& meshes, const std::string& where) {
+    void CheckMeshes(int id, const FXOwnerArray<FXMesh>& meshes, const std::string& where) {
         Row& row = rows_[id];
         for (std::size_t m = 0; m < row.facts.meshes.size(); ++m) {
             const auto i = static_cast<int>(m);
