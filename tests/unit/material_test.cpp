@@ -148,8 +148,7 @@ TEST_F(MaterialPicture, IsNamedByTheRecord) {
                                                          {"tex", false, 0}};
     for (const auto& [picture, loads, textures] : kCases) {
         const std::string record = MaterialRecord("Metal", picture) + "rest";
-        FXPackageData data;
-        data.InitData(record.data(), static_cast<int>(record.size()));
+        FXPackageData data = CursorOf(record);
         FXMaterial m;
         EXPECT_EQ(m.LoadC(&package_, &data), loads) << picture;
         EXPECT_EQ(data.left, 4);
@@ -167,8 +166,7 @@ TEST_F(MaterialPicture, RecordThatEndsEarlyKeepsThePreset) {
                                                           {77, "1/1.5 2/2.5 3/3.5 4/4.5 0"}};
     for (const auto& [length, expected] : kCases) {
         const std::string record = MaterialRecord("Metal", "").substr(0, length);
-        FXPackageData data;
-        data.InitData(record.data(), static_cast<int>(length));
+        FXPackageData data = CursorOf(record);
         FXMaterial fromEntry, fromFile;
         EXPECT_TRUE(fromEntry.LoadC(&package_, &data));
         EXPECT_TRUE(fromFile.Load(fxOpenFile(folder_.Write("record", record).c_str(), "rb").get()));

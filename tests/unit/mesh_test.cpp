@@ -29,8 +29,7 @@ TEST(MeshRecord, ThatIsMalformedGivesAMeshWithoutTriangles) {
                                    (c.packed ? "" : std::string(3 * sizeof(tagFXVertex), '\1')) +
                                    Ints({c.corners}) +
                                    (c.packed ? std::string(6, '\0') : Ints({0, c.index, 2}));
-        FXPackageData data;
-        data.InitData(record.data(), static_cast<int>(record.size()));
+        FXPackageData data = CursorOf(record);
         MakeMesh(&mesh, {{}, {}, {}}, {0, 1, 2}); // what was there before
         c.packed ? mesh.LoadMeshIC(nullptr, &data, nullptr) : mesh.LoadMeshC(nullptr, &data, nullptr);
         EXPECT_EQ(mesh.indexCount, c.expected) << &c - kCases;
@@ -68,23 +67,6 @@ TEST(Mesh, IsGivenUpByTheDeviceOnceAndUsableAgain) {
     mesh.Destroy();
     EXPECT_EQ(device.gl.unprepared, 1);
     EXPECT_TRUE(mesh.Realloc(3, 3));
-}
-
-TEST(Mesh, CopyIsEnabledAndAlone) {
-    FXMaterial material;
-    FXMesh mesh, copy;
-    MakeMesh(&mesh, {{{1, 2, 3}, {0, 0, 1}, {0.5f, 0.25f}}, {{4, 5, 6}}}, {0, 1, 1});
-    mesh.disabled = mesh.flipV = true;
-    mesh.secondMesh = &copy;
-    mesh.transparent = 2;
-    mesh.colorMode = 1;
-    mesh.material = &material;
-    mesh.loadedU = mesh.loadedV = 0.5f;
-    copy.Copy(&mesh);
-    EXPECT_FALSE(copy.disabled || copy.flipV || copy.secondMesh != nullptr);
-    EXPECT_TRUE(copy.transparent == 2 && copy.colorMode == 1 && copy.material == &material);
-    EXPECT_TRUE(copy.loadedU == 0.5f && copy.loadedV == 0.5f);
-    EXPECT_EQ(CornersOf(copy), CornersOf(mesh));
 }
 
 TEST(MeshNormals, AreTheSumOfTheFacesAroundAVertex) {

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <climits>
 #include <memory>
+#include <tuple>
 
 namespace {
 
@@ -52,16 +53,14 @@ protected:
         for (const char* name : {"glass", "nowhere", "wood"}) {
             const int i = model->meshes.count;
             const auto f = static_cast<float>(i);
-            model->meshes.Push(new FXMesh);
-            FXMesh* mesh = model->meshes.Last();
-            MakeMesh(
-                mesh,
+            FXMesh& mesh = AddMesh(
+                model,
                 {{{f, 0, 0}, {0, 0, 1}, {0, f}}, {{f, 1, 0}, {0, f, 0}, {1, f}}, {{0, 0, f}}, {{8, 8, 8}}},
                 {0, 1, 2, 2, 1, 0});
-            mesh->materialName.Set(name);
-            mesh->material = model->matlib->FindMaterial(name);
-            mesh->transparent = i;
-            mesh->colorMode = i & 1;
+            mesh.materialName.Set(name);
+            mesh.material = model->matlib->FindMaterial(name);
+            mesh.transparent = i;
+            mesh.colorMode = i & 1;
         }
     }
     std::string Saved(FXModel* model, int version) {
@@ -134,7 +133,7 @@ TEST_F(Model, ThatIsMalformedHoldsEmptyMeshes) {
         const std::string whole = Saved(&model, version);
         for (std::size_t length = 0; length < whole.size(); ++length) {
             const std::string cut = whole.substr(0, length); // in a block of its own, for the sanitizer
-            package_.GetDataPtr(3)->InitData(cut.data(), static_cast<int>(length));
+            *package_.GetDataPtr(3) = CursorOf(cut);
             ASSERT_TRUE(model.LoadCN(&package_, 3));
             EXPECT_LE(model.loadedMeshes.count, 3);
             int complete = 0;
@@ -181,11 +180,9 @@ TEST_F(Model, DrawsOpaqueMeshesThenThoseSeenThrough) {
         {{1, 0, 1, 2, 2, 1, 7, -1}, "1 front 5 2 0 back 0 2 5 none no-write 3 4 write 3 4 "}};
     for (const auto& [classes, drawn] : cases) {
         FXModel model;
-        for (const int transparent : classes) {
-            model.meshes.Push(new FXMesh);
-            MakeMesh(model.meshes.Last(), {{{static_cast<float>(model.meshes.count - 1), 0, 0}}}, {0, 0, 0});
-            model.meshes.Last()->transparent = transparent;
-        }
+        for (const int transparent : classes)
+            AddMesh(&model, {{{static_cast<float>(model.meshes.count), 0, 0}}}, {0, 0, 0}).transparent =
+                transparent;
         model.meshes.Push(nullptr);
         device_.gl.drawn.clear();
         model.OnRender(&device_.gl, 1);
@@ -224,51 +221,51 @@ TEST_F(Model, DoublesAMeshUnderAnotherMaterial) {
     EXPECT_EQ(model.meshes.count, 3);
 }
 
-TEST_F(Model, CopyHoldsAReferenceOfItsOwn) {
+TEST_F(Model, CopyIsEnabledAndHoldsAReferenceOfItsOwn) {
     FXModel model, copy;
     Make(&model);
     model.meshes.Push(nullptr);
-    model.flipV = true;
+    FXMesh& mesh = *model.meshes[1];
+    model.flipV = mesh.disabled = mesh.flipV = true;
+    mesh.secondMesh = model.meshes[0];
+    mesh.loadedU = mesh.loadedV = 0.5f;
     copy.name.Set("old");
     copy.Copy(&model);
     EXPECT_TRUE(copy.name.IsEmpty() && copy.flipV && copy.matlibName.Compare("5"));
     EXPECT_EQ(copy.matlib->refCount, 2);
     ASSERT_TRUE(copy.meshes.count == 4 && copy.meshes[3] == nullptr);
-    EXPECT_EQ(CornersOf(*copy.meshes[2]), CornersOf(*model.meshes[2]));
+    const FXMesh& copied = *copy.meshes[1];
+    EXPECT_FALSE(copied.disabled || copied.flipV || copied.secondMesh != nullptr);
+    EXPECT_TRUE(copied.transparent == 1 && copied.colorMode == 1 && copied.loadedU == 0.5f &&
+                copied.loadedV == 0.5f);
+    EXPECT_EQ(CornersOf(copied), CornersOf(mesh));
     copy.Destroy();
-    EXPECT_EQ(model.matlib->refCount, 1);
-    EXPECT_FALSE(copy.flipV);
+    EXPECT_TRUE(model.matlib->refCount == 1 && !copy.flipV);
 }
 
 TEST_F(Model, IsFittedAsAWhole) {
     using Box = std::array<float, 6>;
     using Point = std::array<float, 3>;
-    const struct {
-        const char* what;
-        void (FXModel::*fit)();
-        Point a, b; // a vertex in each of two meshes
-        Box box;
-    } kCases[] = {
-        {"in proportion", &FXModel::Unitize, {-2, 0, 0}, {6, 4, 2}, {-1, 1, -0.5f, 0.5f, -0.25f, 0.25f}},
-        {"a point", &FXModel::Unitize, {5, 6, 7}, {5, 6, 7}, {}},
-        {"each axis", &FXModel::UnitizeStretch, {6, 0, 0}, {-2, 4, 8}, {-1, 1, -1, 1, -1, 1}},
-        {"flat in x and z", &FXModel::UnitizeStretch, {5, 0, 3}, {5, 2, 3}, {0, 0, -1, 1, 0, 0}},
-        {"x and y", &FXModel::UnitizeStretch1, {-2, 0, 0}, {6, 4, 8}, {-1, 1, -1, 1, -4, 4}},
-        {"turned over", &FXModel::FlipHoriz, {-2, 0, 0}, {6, 4, 8}, {-6, 2, 0, 4, 0, 8}}};
-    for (const auto& c : kCases) {
+    const std::tuple<void (FXModel::*)(), Point, Point, Box> kCases[] = {
+        // a vertex in each of two meshes
+        {&FXModel::Unitize, {-2, 0, 0}, {6, 4, 2}, {-1, 1, -0.5f, 0.5f, -0.25f, 0.25f}},
+        {&FXModel::Unitize, {5, 6, 7}, {5, 6, 7}, {}},
+        {&FXModel::UnitizeStretch, {6, 0, 0}, {-2, 4, 8}, {-1, 1, -1, 1, -1, 1}},
+        {&FXModel::UnitizeStretch, {5, 0, 3}, {5, 2, 3}, {0, 0, -1, 1, 0, 0}}, // flat in x and z
+        {&FXModel::UnitizeStretch1, {-2, 0, 0}, {6, 4, 8}, {-1, 1, -1, 1, -4, 4}},
+        {&FXModel::FlipHoriz, {-2, 0, 0}, {6, 4, 8}, {-6, 2, 0, 4, 0, 8}}};
+    for (const auto& [fit, a, b, fitted] : kCases) {
         FXModel model;
         Box box = {3, 1, 4, 1, 5, 9};
         const Box before = box;
         model.FindMaxims(box.data());
         EXPECT_EQ(box, before) << "without vertices";
-        for (const Point& point : {c.a, c.b}) {
-            model.meshes.Push(new FXMesh);
-            MakeMesh(model.meshes.Last(), {{point}}, {});
-            model.meshes.Push(nullptr);
-        }
-        (model.*c.fit)();
+        AddMesh(&model, {{a}});
+        model.meshes.Push(nullptr);
+        AddMesh(&model, {{b}});
+        (model.*fit)();
         model.FindMaxims(box.data());
-        EXPECT_EQ(box, c.box) << c.what;
+        EXPECT_EQ(box, fitted);
     }
 }
 
@@ -289,11 +286,10 @@ TEST_F(Model, FollowsTheExtentsOfItsPictures) {
             material.extentU = c.extentU;
             material.extentV = c.extentV;
             for (FXMaterial* m : {&material, static_cast<FXMaterial*>(nullptr)}) {
-                model.meshes.Push(new FXMesh);
-                MakeMesh(model.meshes.Last(), {{{}, {}, {0.5f, 0.25f}}}, {});
-                model.meshes.Last()->material = m;
-                model.meshes.Last()->loadedU = c.loadedU;
-                model.meshes.Last()->loadedV = c.loadedV;
+                FXMesh& mesh = AddMesh(&model, {{{}, {}, {0.5f, 0.25f}}});
+                mesh.material = m;
+                mesh.loadedU = c.loadedU;
+                mesh.loadedV = c.loadedV;
             }
             model.flipV = c.flip;
             one ? model.ResizeTextCoords1() : model.ResizeTextCoords();

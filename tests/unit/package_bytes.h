@@ -11,6 +11,13 @@ inline std::string Header(const std::string& text) {
     return Ints({static_cast<std::int32_t>(text.size())}) + text;
 }
 
+// A cursor at the first byte; the text must outlive it.
+inline FXPackageData CursorOf(const std::string& record) {
+    FXPackageData data;
+    data.InitData(record.data(), static_cast<int>(record.size()));
+    return data;
+}
+
 // The bytes of an entry; "none" when there is no such entry.
 inline std::string Entry(FXPackage& package, int id) {
     FXPackageData* data = package.GetDataPtr(id);

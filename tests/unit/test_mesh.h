@@ -2,6 +2,7 @@
 #pragma once
 
 #include "geometry/mesh.h"
+#include "geometry/model.h"
 
 #include <gtest/gtest.h>
 
@@ -27,6 +28,13 @@ inline void MakeMesh(FXMesh* mesh, const std::vector<TestVertex>& vertices, cons
         std::ranges::copy(vertices[i].tex, v.tex);
     }
     std::ranges::copy(indices, mesh->indices);
+}
+
+inline FXMesh& AddMesh(FXModel* model, const std::vector<TestVertex>& vertices,
+                       const std::vector<int>& indices = {}) {
+    model->meshes.Push(new FXMesh);
+    MakeMesh(model->meshes.Last(), vertices, indices);
+    return *model->meshes.Last();
 }
 
 inline TestVertex VertexOf(const FXMesh& mesh, int i) {

@@ -12,8 +12,7 @@
 namespace {
 
 void Load(FXVectorMap* map, const std::string& record) {
-    FXPackageData data;
-    data.InitData(record.data(), static_cast<int>(record.size()));
+    FXPackageData data = CursorOf(record);
     map->LoadC(nullptr, &data);
 }
 
