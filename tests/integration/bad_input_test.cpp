@@ -1,87 +1,53 @@
 // Broken packages, machines that lack something: the show goes on with what there is, or ends quietly.
 #include "integration/saver_command.h"
-#include "integration/saver_process.h"
-#include "package/package.h"
+#include "integration/show_fixture.h"
+#include "unit/package_bytes.h"
 
-#include <gtest/gtest.h>
-
-#include <X11/keysym.h>
-
-#include <fstream>
-#include <sstream>
 #include <tuple>
+
+namespace fs = std::filesystem;
 
 namespace {
 
-std::string Int(std::int32_t value) {
-    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
-}
-
-constexpr int kWidth = 320;
-constexpr int kHeight = 240;
-
-class BadInput : public testing::Test {
+class BadInput : public ShowFixture {
 protected:
-    void SetUp() override { ASSERT_TRUE(display.Ok()); }
+    BadInput() : ShowFixture(320, 240) {}
 
     // The show runs (the desktop fades as it should) and ends with a key.
-    void ExpectAShow(SaverProcess& saver, const std::string& what) {
-        saver.Start(&display, {"/s"});
-        ASSERT_TRUE(saver.WaitUntilShown(display)) << what;
-        EXPECT_TRUE(saver.SeeFrames(display)) << what;
-        EXPECT_TRUE(saver.Running()) << what;
+    void ExpectAShow(SaverProcess& one, const std::string& what) {
+        one.Start(&display, {"/s"});
+        ASSERT_TRUE(one.WaitUntilShown(display)) << what;
+        EXPECT_TRUE(one.SeeFrames(display)) << what;
         display.PressKey(XK_space);
-        EXPECT_EQ(saver.WaitForExit(), 0) << what;
+        EXPECT_EQ(one.WaitForExit(), 0) << what;
     }
-
-    static std::string Name(const SaverProcess& saver, const char* file) {
-        return SaverName((saver.Data() / file).string());
-    }
-
     // They are all that it said, and in the trace they are an error.
-    static void ExpectWords(const SaverProcess& saver, const std::string& words,
-                            const std::filesystem::path& trace) {
-        std::ostringstream log;
-        log << std::ifstream(trace).rdbuf();
-        EXPECT_EQ(saver.Errors(), words.empty() ? "" : "tamblor: " + words + "\n");
-        EXPECT_NE(log.str().find("loading ok"), std::string::npos) << trace;
-        EXPECT_EQ(log.str().find("#ERROR: ") != std::string::npos, !words.empty()) << log.str();
-        EXPECT_NE(log.str().find("] " + words.substr(0, words.find('\n'))), std::string::npos) << log.str();
+    static void ExpectWords(const SaverProcess& one, const std::string& words, const std::string& trace) {
+        const std::string log = one.Data().Read(trace);
+        EXPECT_EQ(one.Errors(), words.empty() ? "" : "tamblor: " + words + "\n");
+        EXPECT_NE(log.find("loading ok"), std::string::npos) << trace;
+        EXPECT_EQ(log.find("#ERROR: ") != std::string::npos, !words.empty()) << log;
+        EXPECT_NE(log.find("] " + words.substr(0, words.find('\n'))), std::string::npos) << log;
     }
-
-    VirtualDisplay display{kWidth, kHeight};
+    static std::string Name(const SaverProcess& one, const char* file) {
+        return SaverName(one.Data().File(file));
+    }
 };
 
 TEST_F(BadInput, AnyPackageWillDo) {
-    const std::string header = Int(5) + "pck01";
-    const std::string cut = " is damaged or ends too early: some of its entries are missing";
+    const std::string one = Header("pck01") + Table({18});
     const std::tuple<const char*, std::string, std::string> packages[] = {
-        {"an empty file", "", " is empty"},
-        {"a wrong header", Int(5) + "zip01" + Int(0), " is not a Tamblor package"},
         {"some text", "This was never meant to be a package.", " is not a Tamblor package"},
-        {"a header alone", header, " has no entries"},
-        {"a header that never ends", Int(0x7FFFFFFF) + "pck01", " is not a Tamblor package"},
-        {"counts near 2^31", header + Int(0x7FFFFFFF) + Int(18) + Int(0x7FFFFFFF) + Int(0x7FFFFFFF), cut},
-        {"negative counts", header + Int(-1) + Int(-2) + Int(-3) + Int(-4), " has no entries"},
-        {"an entry beyond the file",
-         header + Int(1) + Int(18) + Int(1) + Int(0x7FFFFFF0) + Int(1) + Int(0x7FFFFFF0) + Int(1) + Int(1066),
-         cut},
-        {"a negative entry",
-         header + Int(1) + Int(18) + Int(1) + Int(-40) + Int(1) + Int(400) + Int(1) + Int(1066) +
-             std::string(64, 'x'),
-         cut},
-        {"a picture that is none",
-         header + Int(1) + Int(18) + Int(1) + Int(0) + Int(1) + Int(64) + Int(1) + Int(1066) +
-             std::string(64, 'x'),
-         ""},
+        {"counts near 2^31", Header("pck01") + Ints({INT_MAX, 18, INT_MAX, INT_MAX}),
+         " is damaged or ends too early: some of its entries are missing"},
+        {"a picture that is none", one + Table({0}) + Table({64}) + Table({kPng}) + std::string(64, 'x'), ""},
     };
     for (const auto& [what, bytes, problem] : packages) {
-        SaverProcess saver;
-        std::filesystem::remove(saver.Data() / "tamb.dat");
-        saver.Data().Write("tamb.dat", bytes);
-        ExpectAShow(saver, what);
-        ExpectWords(saver, problem.empty() ? "" : "package " + Name(saver, "tamb.dat") + problem,
-                    saver.Data() / "tamb.log");
+        SaverProcess other;
+        fs::remove(other.Data().File("tamb.dat"));
+        other.Data().Write("tamb.dat", bytes);
+        ExpectAShow(other, what);
+        ExpectWords(other, problem.empty() ? "" : "package " + Name(other, "tamb.dat") + problem, "tamb.log");
     }
 }
 
@@ -89,38 +55,34 @@ TEST_F(BadInput, WhatIsMissingIsNamedAndNothingIsWrittenElsewhere) {
     const std::string home = ".local/state/tamblor/tamb.log"; // the home folder is the data folder
     struct Case {
         const char* what;
-        std::map<std::string, std::string> environment;
+        Environment environment;
         std::vector<const char*> missing, folders; // taken from the data folder, and made there
         std::string words;                         // $ stands for the data folder, @ for the current one
         std::string trace;
     };
+    const std::string unopened = "tamb.dat cannot be opened: No such file or directory";
+    const char* const data = "tamb.dat";
     const Case cases[] = {
-        {"no package",
-         {},
-         {"tamb.dat"},
-         {},
-         "package $/tamb.dat cannot be opened: No such file or directory",
-         "tamb.log"},
+        {"no package", {}, {data}, {}, "package $/" + unopened, "tamb.log"},
         {"a folder for a package",
          {},
-         {"tamb.dat"},
-         {"tamb.dat"},
+         {data},
+         {data},
          "package $/tamb.dat cannot be read: Is a directory",
          "tamb.log"},
         {"no data folder",
          {{"TAMBLOR_DATA", "/no/such/folder"}},
          {},
          {},
-         "data folder /no/such/folder: there is no such folder\n"
-         "tamblor: package @/tamb.dat cannot be opened: No such file or directory",
+         "data folder /no/such/folder: there is no such folder\ntamblor: package @/" + unopened,
          home},
-        {"a data folder where nothing can be written",
+        {"nothing can be written there",
          {{"TAMBLOR_DATA", "/proc"}},
          {},
          {},
-         "package /proc/tamb.dat cannot be opened: No such file or directory",
+         "package /proc/" + unopened,
          home},
-        {"a trace that cannot be written", {}, {}, {"tamb.log"}, "", home},
+        {"no trace can be written", {}, {}, {"tamb.log"}, "", home},
         {"a state folder of the user's",
          {{"XDG_STATE_HOME", "$/my/state"}},
          {},
@@ -135,79 +97,68 @@ TEST_F(BadInput, WhatIsMissingIsNamedAndNothingIsWrittenElsewhere) {
          home},
     };
     for (const Case& c : cases) {
-        const ScratchFolder current;
-        SaverProcess saver;
+        const TempFolder current;
+        SaverProcess one;
         const auto whole = [&](std::string text) {
             const std::size_t at = text.find_first_of("$@");
             return at == std::string::npos
                        ? text
-                       : text.replace(at, 1, (text[at] == '$' ? saver.Data() : current).Path().string());
+                       : text.replace(at, 1, (text[at] == '$' ? one.Data() : current).Path().string());
         };
         for (const auto& [name, value] : c.environment)
-            saver.environment[name] = whole(value);
+            one.environment[name] = whole(value);
         for (const char* name : c.missing)
-            std::filesystem::remove(saver.Data() / name);
+            fs::remove(one.Data().File(name));
         for (const char* name : c.folders)
-            std::filesystem::create_directories(saver.Data() / name);
-        saver.folder = current.Path();
-        const std::filesystem::path trace = saver.Data() / c.trace.c_str();
-        const bool old = c.trace == "tamb.log" || std::filesystem::exists(trace.parent_path());
+            fs::create_directories(one.Data().File(name));
+        one.folder = current.Path();
+        const fs::path folder = fs::path(one.Data().File(c.trace)).parent_path();
+        const bool old = fs::exists(folder);
         if (old)
-            saver.Data().Write(c.trace.c_str(), "#ERROR: of another day\n");
-        ExpectAShow(saver, c.what);
-        ExpectWords(saver, whole(c.words), trace);
-        EXPECT_TRUE(std::filesystem::is_empty(current.Path())) << c.what;
-        const auto folder = std::filesystem::status(trace.parent_path()).permissions();
-        EXPECT_TRUE(old || folder == std::filesystem::perms::owner_all) << c.what;
+            one.Data().Write(c.trace, "#ERROR: of another day\n");
+        ExpectAShow(one, c.what);
+        ExpectWords(one, whole(c.words), c.trace);
+        EXPECT_TRUE(fs::is_empty(current.Path())) << c.what;
+        EXPECT_TRUE(old || fs::status(folder).permissions() == fs::perms::owner_all) << c.what;
     }
 }
 
-TEST_F(BadInput, ABadConfigurationFileIsNamed) {
-    SaverProcess saver;
-    std::filesystem::create_directories(saver.Data() / "config/tamblor");
-    saver.Data().Write("config/tamblor/tamblor.conf", "path = relative/folder\n\x01garbage\n");
-    ExpectAShow(saver, "a bad configuration file");
-    ExpectWords(saver,
-                "configuration: " + Name(saver, "config/tamblor/tamblor.conf") +
-                    ":1: path must be a whole path, beginning with / or ~/",
-                saver.Data() / "tamb.log");
-}
-
-TEST_F(BadInput, TheConfigurationFileNamesTheDataFolder) {
-    SaverProcess saver;
-    saver.environment.erase("TAMBLOR_DATA");
-    std::filesystem::create_directories(saver.Data() / "config/tamblor");
-    saver.Data().Write("config/tamblor/tamblor.conf",
-                       "# mine\npath = " + saver.Data().Path().string() + "\n");
-    ExpectAShow(saver, "the configuration file");
-    EXPECT_NE(saver.Data().Read("tamb.log").find("loading ok"), std::string::npos);
+TEST_F(BadInput, TheConfigurationFileNamesTheDataFolderAndAMistakeInItIsNamed) {
+    for (const bool good : {true, false}) {
+        SaverProcess one;
+        if (good)
+            one.environment.erase("TAMBLOR_DATA");
+        fs::create_directories(one.Data().File("config/tamblor"));
+        one.Data().Write("config/tamblor/tamblor.conf",
+                         good ? "# mine\npath = " + one.Data().Path().string() + "\n"
+                              : "path = relative/folder\n\x01garbage\n");
+        ExpectAShow(one, good ? "good" : "bad");
+        ExpectWords(one,
+                    good ? ""
+                         : "configuration: " + Name(one, "config/tamblor/tamblor.conf") +
+                               ":1: path must be a whole path, beginning with / or ~/",
+                    "tamb.log");
+    }
 }
 
 TEST_F(BadInput, OpenGLWithoutMultitextureShowsTheErrorPictureOverTheShow) {
-    SaverProcess saver;
     saver.environment["MESA_EXTENSION_OVERRIDE"] = "-GL_ARB_multitexture";
-    saver.Start(&display, {"/s"});
-    ASSERT_TRUE(saver.WaitUntilShown(display));
+    Start();
     // At a standing clock all is desktop but for the picture at the top left.
     EXPECT_TRUE(display.WaitForPixel(40, 40, display.DesktopPixel(40, 40), 40, true));
-    const ScreenPicture picture = display.Photograph();
-    EXPECT_LE(ChannelDistance(picture.At(4, 4), display.DesktopPixel(4, 4)), 3);
-    display.PressKey(XK_space);
-    EXPECT_EQ(saver.WaitForExit(), 0);
-    EXPECT_EQ(saver.Data().Read("tamb.log").find("ARB_multitexture"), std::string::npos);
+    EXPECT_LE(ChannelDistance(display.PixelAt(4, 4), display.DesktopPixel(4, 4)), 3);
+    ExpectAKeyEndsIt();
+    EXPECT_EQ(saver.Trace().find("ARB_multitexture"), std::string::npos);
 }
 
 TEST_F(BadInput, WithoutADisplayItSaysSoAndEnds) {
-    SaverProcess saver;
     saver.Start(nullptr, {"/s"});
     EXPECT_EQ(saver.WaitForExit(), 0);
-    EXPECT_NE(saver.Data().Read("stderr").find("display"), std::string::npos);
+    EXPECT_NE(saver.Errors().find("display"), std::string::npos);
 }
 
 TEST_F(BadInput, TheServerGoingAwayEndsItCleanly) {
-    SaverProcess saver;
-    saver.Start(&display, {"/s"});
-    ASSERT_TRUE(saver.WaitUntilShown(display));
+    Start();
     display.Kill();
     EXPECT_EQ(saver.WaitForExit(), 0);
 }

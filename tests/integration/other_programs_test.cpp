@@ -1,10 +1,7 @@
-// The show among other programs: they hold the keyboard, take the focus, come to the front.
-#include "integration/other_program.h"
+// The show among other programs: they hold the keyboard, take the focus, come to the front, ask it to end.
 #include "integration/show_fixture.h"
 
-#include <X11/keysym.h>
-
-#include <unistd.h>
+#include <csignal>
 
 namespace {
 
@@ -17,61 +14,86 @@ protected:
     OtherPrograms() : ShowFixture(kWidth, kHeight) {}
 
     // As small as one must be that the display does not take for the saver's.
-    void ShowAWindowThatNobodySees() { other.ShowWindow(0, 0, 1, 1, kWhite); }
-    // Longer than any time after which the saver might give up. The program that held the input has the focus
-    // when it lets go, as one has whose menu closes.
-    void HoldInputForAWhile() {
-        usleep(3000000);
+    unsigned long ShowAWindowThatNobodySees() { return display.ShowWindow(0, 0, 1, 1, kWhite); }
+    bool SaverTakesTheFocus() const {
+        return Eventually([this] { return display.HasFocus(display.WaitForWindow()); });
+    }
+    // The program that held the input has the focus when it lets go, as one has whose menu closes.
+    void ExpectAKeyEndsItWhen(unsigned long otherLetsGo) {
         EXPECT_TRUE(saver.Running());
-        other.TakeFocus();
-        other.ReleaseInput();
+        display.TakeFocus(otherLetsGo);
+        display.ReleaseInput();
+        EXPECT_TRUE(display.WaitUntilInputIsGrabbed());
+        ExpectAKeyEndsIt();
+        EXPECT_FALSE(display.ReceivedAKey());
     }
-    void ExpectAKeyEndsIt() {
-        EXPECT_TRUE(other.WaitUntilInputIsGrabbed());
-        display.PressKey(XK_a);
-        EXPECT_EQ(saver.WaitForExit(), 0);
-        EXPECT_FALSE(other.ReceivedAKey());
-    }
-
-    OtherProgram other{display};
 };
 
 TEST_F(OtherPrograms, AKeyEndsItAfterTheInputWasHeldAtItsStart) {
-    ShowAWindowThatNobodySees();
-    ASSERT_TRUE(other.GrabInput());
+    const unsigned long other = ShowAWindowThatNobodySees();
+    ASSERT_TRUE(display.GrabInput());
     Start();
-    HoldInputForAWhile();
-    ExpectAKeyEndsIt();
+    // It gives up asking soon, takes the focus instead, and goes on asking.
+    EXPECT_TRUE(SaverTakesTheFocus());
+    ExpectAKeyEndsItWhen(other);
 }
 
 TEST_F(OtherPrograms, AKeyEndsItAfterItsInputWasTakenAway) {
-    ShowAWindowThatNobodySees();
+    const unsigned long other = ShowAWindowThatNobodySees();
     Start();
-    ASSERT_TRUE(other.WaitUntilInputIsGrabbed());
-    ASSERT_TRUE(other.UnmapAndGrabInput(display.VisibleWindows().back()));
-    HoldInputForAWhile();
-    ExpectAKeyEndsIt();
+    ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
+    ASSERT_TRUE(display.UnmapAndGrabInput(display.WaitForWindow()));
+    EXPECT_TRUE(SaverTakesTheFocus());
+    ExpectAKeyEndsItWhen(other);
 }
 
 TEST_F(OtherPrograms, AKeyEndsItWhoeverHasTheFocus) {
     Start();
-    ASSERT_TRUE(other.WaitUntilInputIsGrabbed());
-    other.ShowWindow(0, 0, kWidth, kHeight, kWhite);
-    other.TakeFocus();
-    ExpectAKeyEndsIt();
+    ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
+    ExpectAKeyEndsItWhen(display.ShowWindow(0, 0, kWidth, kHeight, kWhite));
+}
+
+TEST_F(OtherPrograms, AKeyHeldForAnotherOneMayBeReleased) {
+    display.HoldKey(XK_Return);
+    Start();
+    display.ReleaseKey(XK_Return);
+    ExpectItGoesOn();
+    ExpectAKeyEndsIt(XK_Return);
+}
+
+TEST_F(OtherPrograms, LosingTheFocusEndsItOnceThePointerHasMoved) {
+    const unsigned long other = ShowAWindowThatNobodySees();
+    ASSERT_TRUE(display.GrabInput());
+    Start();
+    EXPECT_TRUE(SaverTakesTheFocus());
+    saver.SetClock(SaverProcess::kStartMs + 4001);
+    display.MovePointer(20, 20); // which the holder of the pointer alone is told
+    display.TakeFocus(other);
+    EXPECT_EQ(saver.WaitForExit(), 0);
 }
 
 TEST_F(OtherPrograms, ItComesUpAboveNewWindowsOnceEach) {
-    other.SetMonitor({"left", 0, 0, kWidth / 2, kHeight, true});
-    other.SetMonitor({"right", kWidth / 2, 0, kWidth / 2, kHeight, false});
+    display.SetMonitor("left", 0, 0, kWidth / 2, kHeight, true);
+    display.SetMonitor("right", kWidth / 2, 0, kWidth / 2, kHeight, false);
     Start();
     for (const unsigned long colour : {0xFFFFFFul, 0xFFFF00ul}) {
-        other.ShowWindow(40, 40, kWidth - 80, kHeight - 80, colour);
+        display.ShowWindow(40, 40, kWidth - 80, kHeight - 80, colour);
         EXPECT_TRUE(display.WaitForPixel(60, 60, display.DesktopPixel(60, 60), 12)) << "the show";
         EXPECT_TRUE(display.WaitForPixel(kWidth - 60, 60, 0x000000, 0)) << "the black window";
     }
-    EXPECT_EQ(other.CountChangesOfWindows(1200), 0) << "it does not fight against itself";
+    EXPECT_EQ(display.CountChangesOfWindows(1200), 0) << "it does not fight against itself";
     EXPECT_TRUE(saver.Running());
+}
+
+TEST_F(OtherPrograms, ASignalTakesItDownInGoodOrder) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        SaverProcess one;
+        one.Start(&display, {"/s"});
+        ASSERT_TRUE(one.WaitUntilShown(display));
+        one.Signal(number);
+        EXPECT_EQ(one.WaitForExit(), 0);
+        EXPECT_TRUE(one.Trace().ends_with("unload devil\n")) << one.Trace();
+    }
 }
 
 } // namespace

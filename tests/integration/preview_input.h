@@ -2,16 +2,12 @@
 #pragma once
 
 #include "integration/saver_process.h"
-#include "integration/virtual_display.h"
-
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 // The pointer passes over the preview and clicks, long after all times of grace; it must go on, with nothing
 // written.
 inline void ExpectInputIsIgnored(SaverProcess& saver, VirtualDisplay& display) {
     EXPECT_FALSE(display.CursorIsHidden());
-    EXPECT_EQ(saver.Data().Read("tamb.log"), "") << "the preview writes no trace";
+    EXPECT_EQ(saver.Trace(), "") << "the preview writes no trace";
     saver.SetClock(SaverProcess::kStartMs + 60000);
     display.MovePointer(150, 120);
     display.ClickButton(1);

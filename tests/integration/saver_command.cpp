@@ -1,6 +1,6 @@
 #include "integration/saver_command.h"
 
-std::vector<std::string> SaverCommand(const ScratchFolder&, std::map<std::string, std::string>*) {
+std::vector<std::string> SaverCommand(const TempFolder&, Environment*) {
     return {TAMBLOR_EXE};
 }
 

@@ -2,17 +2,11 @@
 // the one for Windows under Wine.
 #pragma once
 
-#include <cstdint>
-#include <map>
-#include <string>
-#include <vector>
-
-class ScratchFolder;
+#include "integration/saver_process.h"
 
 // The program (its whole path) and what comes before the saver's own arguments. `data` is the folder in which
 // the saver is to find its package; what is needed besides is prepared there and put into the environment.
-std::vector<std::string> SaverCommand(const ScratchFolder& data,
-                                      std::map<std::string, std::string>* environment);
+std::vector<std::string> SaverCommand(const TempFolder& data, Environment* environment);
 
 // The name by which the saver knows a file, which it says where something is wrong with that.
 std::string SaverName(const std::string& file);

@@ -4,44 +4,41 @@
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/extensions/Xfixes.h>
+#include <X11/extensions/Xrandr.h>
 
 #include <csignal>
 #include <cstdlib>
-#include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <utility>
 
 namespace {
 
-// Generous, for a busy machine under sanitizers; a passing test never waits this long.
-constexpr int kPatienceMs = 40000;
-constexpr int kPollMs = 10;
+RRMode FindOrMakeMode(Display* display, XRRScreenResources* resources, int width, int height) {
+    const unsigned w = static_cast<unsigned>(width);
+    const unsigned h = static_cast<unsigned>(height);
+    for (int i = 0; i < resources->nmode; ++i)
+        if (resources->modes[i].width == w && resources->modes[i].height == h)
+            return resources->modes[i].id;
+    std::string name = std::to_string(width) + "x" + std::to_string(height) + " of the test";
+    XRRModeInfo mode = {};
+    mode.width = mode.hTotal = w;
+    mode.height = mode.vTotal = h;
+    mode.dotClock = 60ul * w * h;
+    mode.name = name.data();
+    mode.nameLength = static_cast<unsigned>(name.size());
+    const RRMode made = XRRCreateMode(display, DefaultRootWindow(display), &mode);
+    XRRAddOutputMode(display, resources->outputs[0], made);
+    return made;
+}
 
-// Xvfb picks a free number itself and writes it to the pipe once it listens: no race between tests.
-int StartServer(int width, int height, const char* lacks, int* number) {
-    int ends[2];
-    if (pipe(ends) != 0)
-        return -1;
-    const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
-    const std::string fd = std::to_string(ends[1]);
-    const pid_t pid = fork();
-    if (pid == 0) {
-        close(ends[0]);
-        if (freopen("/dev/null", "w", stderr) == nullptr || freopen("/dev/null", "w", stdout) == nullptr)
-            _exit(126);
-        execl(XVFB_EXE, "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", screen.c_str(), "-nolisten", "tcp",
-              lacks ? "-extension" : nullptr, lacks, nullptr);
-        _exit(127);
-    }
-    close(ends[1]);
-    std::string text;
-    pollfd ready{ends[0], POLLIN, 0};
-    char c = 0;
-    while (poll(&ready, 1, kPatienceMs) > 0 && read(ends[0], &c, 1) == 1 && c != '\n')
-        text += c;
-    close(ends[0]);
-    *number = std::atoi(text.c_str());
-    return text.empty() ? -1 : pid;
+// Keyboard and pointer, each with the server's answer.
+std::pair<int, int> Grab(Display* display) {
+    const Window root = DefaultRootWindow(display);
+    return {XGrabKeyboard(display, root, False, GrabModeAsync, GrabModeAsync, CurrentTime),
+            XGrabPointer(display, root, False, 0, GrabModeAsync, GrabModeAsync, None, None, CurrentTime)};
+}
+
+std::pair<unsigned, unsigned> Size(int width, int height) {
+    return {static_cast<unsigned>(width), static_cast<unsigned>(height)};
 }
 
 } // namespace
@@ -63,11 +60,24 @@ int ChannelDistance(std::uint32_t a, std::uint32_t b) {
     return worst;
 }
 
+// Xvfb picks a free number itself and writes it to the pipe once it listens: no race between tests.
 VirtualDisplay::VirtualDisplay(int width, int height, const char* lacks) : width_(width), height_(height) {
-    server_ = StartServer(width, height, lacks, &number_);
-    if (server_ < 0)
+    int ends[2];
+    if (pipe(ends) != 0)
         return;
-    display_ = XOpenDisplay(Name().c_str());
+    const std::string size = std::to_string(width) + "x" + std::to_string(height) + "x24";
+    std::vector<std::string> words = {
+        XVFB_EXE, "-displayfd", std::to_string(ends[1]), "-screen", "0", size, "-nolisten", "tcp"};
+    if (lacks != nullptr)
+        words.insert(words.end(), {"-extension", lacks});
+    server_.Start(words, {}, "/", "/dev/null");
+    close(ends[1]);
+    std::string number;
+    for (char c = 0; read(ends[0], &c, 1) == 1 && c != '\n';)
+        number += c;
+    close(ends[0]);
+    name_ = ":" + number;
+    display_ = number.empty() ? nullptr : XOpenDisplay(name_.c_str());
     if (display_ == nullptr)
         return;
     XSetErrorHandler(
@@ -76,19 +86,16 @@ VirtualDisplay::VirtualDisplay(int width, int height, const char* lacks) : width
     PaintDesktop();
 }
 
-VirtualDisplay::~VirtualDisplay() {
-    Kill();
-}
-
 void VirtualDisplay::Kill() {
     if (display_ != nullptr)
         XCloseDisplay(display_);
     display_ = nullptr;
-    if (server_ < 0)
-        return;
-    kill(server_, SIGTERM);
-    waitpid(server_, nullptr, 0);
-    server_ = -1;
+    server_.Signal(SIGTERM); // it has a file to remove
+    server_.WaitForExit();
+}
+
+unsigned long VirtualDisplay::Root() const {
+    return DefaultRootWindow(display_);
 }
 
 std::uint32_t VirtualDisplay::DesktopPixel(int x, int y) const {
@@ -99,29 +106,27 @@ std::uint32_t VirtualDisplay::DesktopPixel(int x, int y) const {
 
 void VirtualDisplay::PaintDesktop() {
     const int screen = DefaultScreen(display_);
-    const Window root = RootWindow(display_, screen);
     std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width_) * height_);
     for (int y = 0; y < height_; ++y)
         for (int x = 0; x < width_; ++x)
             pixels[static_cast<std::size_t>(y) * width_ + x] = DesktopPixel(x, y);
-    const unsigned w = static_cast<unsigned>(width_);
-    const unsigned h = static_cast<unsigned>(height_);
-    const Pixmap pixmap = XCreatePixmap(display_, root, w, h, 24);
+    const auto [w, h] = Size(width_, height_);
+    const Pixmap pixmap = XCreatePixmap(display_, Root(), w, h, 24);
     XImage* image = XCreateImage(display_, DefaultVisual(display_, screen), 24, ZPixmap, 0,
                                  reinterpret_cast<char*>(pixels.data()), w, h, 32, 0);
     XPutImage(display_, pixmap, DefaultGC(display_, screen), image, 0, 0, 0, 0, w, h);
     image->data = nullptr; // the vector's
     XDestroyImage(image);
-    XSetWindowBackgroundPixmap(display_, root, pixmap);
-    XClearWindow(display_, root);
+    XSetWindowBackgroundPixmap(display_, Root(), pixmap);
+    XClearWindow(display_, Root());
     XFreePixmap(display_, pixmap);
     XSync(display_, False);
 }
 
 ScreenPicture VirtualDisplay::Photograph() const {
     ScreenPicture picture;
-    XImage* image = XGetImage(display_, DefaultRootWindow(display_), 0, 0, static_cast<unsigned>(width_),
-                              static_cast<unsigned>(height_), AllPlanes, ZPixmap);
+    const auto [w, h] = Size(width_, height_);
+    XImage* image = XGetImage(display_, Root(), 0, 0, w, h, AllPlanes, ZPixmap);
     if (image == nullptr)
         return picture;
     picture.width = width_;
@@ -135,7 +140,7 @@ ScreenPicture VirtualDisplay::Photograph() const {
 }
 
 std::uint32_t VirtualDisplay::PixelAt(int x, int y) const {
-    return PixelIn(DefaultRootWindow(display_), x, y);
+    return PixelIn(Root(), x, y);
 }
 
 std::uint32_t VirtualDisplay::PixelIn(unsigned long window, int x, int y) const {
@@ -148,18 +153,11 @@ std::uint32_t VirtualDisplay::PixelIn(unsigned long window, int x, int y) const 
 }
 
 bool VirtualDisplay::WaitForPixel(int x, int y, std::uint32_t colour, int tolerance, bool differ) const {
-    for (int waited = 0; waited < kPatienceMs; waited += kPollMs) {
-        if ((ChannelDistance(PixelAt(x, y), colour) <= tolerance) != differ)
-            return true;
-        usleep(kPollMs * 1000);
-    }
-    return false;
+    return Eventually([&] { return (ChannelDistance(PixelAt(x, y), colour) <= tolerance) != differ; });
 }
 
 std::vector<unsigned long> VirtualDisplay::ChildrenOf(unsigned long window) const {
-    Window root = 0;
-    Window parent = 0;
-    Window* children = nullptr;
+    Window root = 0, parent = 0, *children = nullptr;
     unsigned count = 0;
     std::vector<unsigned long> found;
     if (XQueryTree(display_, window, &root, &parent, &children, &count) == 0)
@@ -176,7 +174,7 @@ std::vector<unsigned long> VirtualDisplay::ChildrenOf(unsigned long window) cons
 }
 
 std::vector<unsigned long> VirtualDisplay::VisibleWindows() const {
-    std::vector<unsigned long> windows = ChildrenOf(DefaultRootWindow(display_));
+    std::vector<unsigned long> windows = ChildrenOf(Root());
     std::erase_if(windows, [this](Window window) {
         XWindowAttributes attributes = {};
         return XGetWindowAttributes(display_, window, &attributes) == 0 || attributes.width <= 1;
@@ -185,7 +183,7 @@ std::vector<unsigned long> VirtualDisplay::VisibleWindows() const {
 }
 
 unsigned long VirtualDisplay::WindowOfSize(int width, int height) const {
-    for (const Window outer : ChildrenOf(DefaultRootWindow(display_))) {
+    for (const Window outer : ChildrenOf(Root())) {
         std::vector<unsigned long> windows = ChildrenOf(outer);
         windows.push_back(outer);
         for (const Window window : windows) {
@@ -199,27 +197,16 @@ unsigned long VirtualDisplay::WindowOfSize(int width, int height) const {
 }
 
 unsigned long VirtualDisplay::WaitForWindow() const {
-    for (int waited = 0; waited < kPatienceMs; waited += kPollMs) {
-        const std::vector<unsigned long> windows = VisibleWindows();
-        if (!windows.empty())
-            return windows.back();
-        usleep(kPollMs * 1000);
-    }
-    return 0;
+    std::vector<unsigned long> windows;
+    Eventually([&] { return !(windows = VisibleWindows()).empty(); });
+    return windows.empty() ? 0 : windows.back();
 }
 
-unsigned long VirtualDisplay::CreateParent(int x, int y, int width, int height, unsigned long colour) {
-    const Window window =
-        XCreateSimpleWindow(display_, DefaultRootWindow(display_), x, y, static_cast<unsigned>(width),
-                            static_cast<unsigned>(height), 0, 0, colour);
-    XMapWindow(display_, window);
-    XSync(display_, False);
-    return window;
-}
-
-void VirtualDisplay::DestroyParent(unsigned long window) {
-    XDestroyWindow(display_, window);
-    XSync(display_, False);
+bool VirtualDisplay::HasFocus(unsigned long window) const {
+    Window focus = None;
+    int revert = 0;
+    XGetInputFocus(display_, &focus, &revert);
+    return focus == window;
 }
 
 bool VirtualDisplay::CursorIsHidden() const {
@@ -232,18 +219,16 @@ bool VirtualDisplay::CursorIsHidden() const {
 }
 
 bool VirtualDisplay::WaitForHiddenCursor() const {
-    for (int waited = 0; waited < kPatienceMs; waited += kPollMs) {
-        if (CursorIsHidden())
-            return true;
-        usleep(kPollMs * 1000);
-    }
-    return false;
+    return Eventually([this] { return CursorIsHidden(); });
 }
 
-void VirtualDisplay::PressKey(unsigned long keysym) {
-    const unsigned code = XKeysymToKeycode(display_, keysym);
-    XTestFakeKeyEvent(display_, code, True, CurrentTime);
-    XTestFakeKeyEvent(display_, code, False, CurrentTime);
+void VirtualDisplay::HoldKey(unsigned long keysym) {
+    XTestFakeKeyEvent(display_, XKeysymToKeycode(display_, keysym), True, CurrentTime);
+    XSync(display_, False);
+}
+
+void VirtualDisplay::ReleaseKey(unsigned long keysym) {
+    XTestFakeKeyEvent(display_, XKeysymToKeycode(display_, keysym), False, CurrentTime);
     XSync(display_, False);
 }
 
@@ -255,5 +240,110 @@ void VirtualDisplay::MovePointer(int x, int y) {
 void VirtualDisplay::ClickButton(unsigned button) {
     XTestFakeButtonEvent(display_, button, True, CurrentTime);
     XTestFakeButtonEvent(display_, button, False, CurrentTime);
+    XSync(display_, False);
+}
+
+unsigned long VirtualDisplay::ShowWindow(int x, int y, int width, int height, unsigned long colour) {
+    const auto [w, h] = Size(width, height);
+    const Window window = XCreateSimpleWindow(display_, Root(), x, y, w, h, 0, 0, colour);
+    XSelectInput(display_, window, KeyPressMask);
+    XMapRaised(display_, window);
+    XSync(display_, False);
+    return window;
+}
+
+void VirtualDisplay::ResizeWindow(unsigned long window, int width, int height) {
+    const auto [w, h] = Size(width, height);
+    XResizeWindow(display_, window, w, h);
+    XSync(display_, False);
+}
+
+void VirtualDisplay::DestroyWindow(unsigned long window) {
+    XDestroyWindow(display_, window);
+    XSync(display_, False);
+}
+
+void VirtualDisplay::TakeFocus(unsigned long window) {
+    XSetInputFocus(display_, window, RevertToPointerRoot, CurrentTime);
+    XSync(display_, False);
+}
+
+bool VirtualDisplay::ReceivedAKey() {
+    XSync(display_, False);
+    XEvent event;
+    return XCheckTypedEvent(display_, KeyPress, &event) != False;
+}
+
+bool VirtualDisplay::GrabInput() {
+    const auto [keys, moves] = Grab(display_);
+    return keys == GrabSuccess && moves == GrabSuccess;
+}
+
+void VirtualDisplay::ReleaseInput() {
+    XUngrabKeyboard(display_, CurrentTime);
+    XUngrabPointer(display_, CurrentTime);
+    XSync(display_, False);
+}
+
+bool VirtualDisplay::WaitUntilInputIsGrabbed() {
+    return Eventually([this] {
+        const auto [keys, moves] = Grab(display_);
+        ReleaseInput();
+        return keys == AlreadyGrabbed && moves == AlreadyGrabbed;
+    });
+}
+
+bool VirtualDisplay::UnmapAndGrabInput(unsigned long window) {
+    XGrabServer(display_);
+    XUnmapWindow(display_, window);
+    const bool grabbed = GrabInput();
+    XUngrabServer(display_);
+    XSync(display_, False);
+    return grabbed;
+}
+
+int VirtualDisplay::CountChangesOfWindows(int milliseconds) {
+    XSelectInput(display_, DefaultRootWindow(display_), SubstructureNotifyMask);
+    XSync(display_, True);
+    usleep(static_cast<unsigned>(milliseconds) * 1000);
+    XSync(display_, False);
+    return XPending(display_);
+}
+
+void VirtualDisplay::SetMonitor(const char* name, int x, int y, int width, int height, bool primary) {
+    DeleteMonitor(name);
+    int count = 0;
+    XRRMonitorInfo* before = XRRGetMonitors(display_, Root(), True, &count);
+    const RROutput output = before != nullptr && before->automatic != 0 ? before->outputs[0] : None;
+    XRRFreeMonitors(before);
+    XRRMonitorInfo* info = XRRAllocateMonitor(display_, output != None ? 1 : 0);
+    if (output != None)
+        info->outputs[0] = output;
+    info->name = XInternAtom(display_, name, False);
+    info->primary = primary;
+    info->x = x;
+    info->y = y;
+    info->width = width;
+    info->height = height;
+    info->mwidth = info->mheight = 100;
+    XRRSetMonitor(display_, Root(), info);
+    XRRFreeMonitors(info);
+    XSync(display_, False);
+}
+
+void VirtualDisplay::DeleteMonitor(const char* name) {
+    XRRDeleteMonitor(display_, Root(), XInternAtom(display_, name, False));
+    XSync(display_, False);
+}
+
+void VirtualDisplay::SetScreenSize(int width, int height) {
+    XRRScreenResources* resources = XRRGetScreenResourcesCurrent(display_, Root());
+    const RRMode mode = FindOrMakeMode(display_, resources, width, height);
+    XRRSetCrtcConfig(display_, resources, resources->crtcs[0], CurrentTime, 0, 0, None, RR_Rotate_0, nullptr,
+                     0);
+    XRRSetScreenSize(display_, Root(), width, height, width, height);
+    XRRSetCrtcConfig(display_, resources, resources->crtcs[0], CurrentTime, 0, 0, mode, RR_Rotate_0,
+                     resources->outputs, 1);
+    XRRFreeScreenResources(resources);
     XSync(display_, False);
 }

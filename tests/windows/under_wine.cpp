@@ -1,16 +1,6 @@
 #include "windows/under_wine.h"
 
 #include "integration/saver_command.h"
-#include "integration/saver_process.h"
-
-#include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
-#include <filesystem>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -24,50 +14,24 @@ std::string Prefix() {
     return WindowsBuild("wine-prefix");
 }
 
-// It gets no pipe of ours that it could keep open.
-pid_t Start(const std::vector<std::string>& words, const Environment& environment,
-            const std::string& folder) {
-    const pid_t pid = fork();
-    if (pid != 0)
-        return pid;
-    for (const auto& [name, value] : environment)
-        setenv(name.c_str(), value.c_str(), 1);
-    if (environment.count("DISPLAY") == 0)
-        unsetenv("DISPLAY");
-    const int nothing = open("/dev/null", O_RDWR);
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        dup2(nothing, stream);
-    std::vector<char*> argv;
-    for (const std::string& word : words)
-        argv.push_back(const_cast<char*>(word.c_str()));
-    argv.push_back(nullptr);
-    if (chdir(folder.c_str()) == 0)
-        execv(argv[0], argv.data());
-    _exit(127);
-}
-
-// The exit code; -1 when it has to be killed, and for what never started.
-int Finish(pid_t pid, int patienceMs) {
-    if (pid <= 0)
-        return -1;
-    int status = 0;
-    for (int waited = 0; waited < patienceMs; waited += 10) {
-        if (waitpid(pid, &status, WNOHANG) == pid)
-            return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        usleep(10000);
+// With what else the tests' own environment has.
+void StartUnderWine(Program* program, const std::vector<std::string>& words, Environment environment,
+                    const std::string& folder) {
+    AddWineSettings(&environment);
+    for (char** setting = environ; *setting != nullptr; ++setting) {
+        const std::string text = *setting;
+        const std::size_t equals = text.find('=');
+        if (equals != std::string::npos && text.substr(0, equals) != "DISPLAY")
+            environment.emplace(text.substr(0, equals), text.substr(equals + 1));
     }
-    kill(pid, SIGKILL);
-    waitpid(pid, nullptr, 0);
-    return -1;
+    program->Start(words, environment, folder, "/dev/null");
 }
-
-constexpr int kPatienceMs = 120000;
 
 int Run(const std::vector<std::string>& words, const std::string& prefix) {
+    Program program;
     // With the codec, a new prefix would get it into its system folder.
-    Environment environment = {{"WINEPREFIX", prefix}, {"WINEDLLPATH", ""}};
-    AddWineSettings(&environment);
-    return Finish(Start(words, environment, "/"), kPatienceMs);
+    StartUnderWine(&program, words, {{"WINEPREFIX", prefix}, {"WINEDLLPATH", ""}}, "/");
+    return program.WaitForExit();
 }
 
 void LinkInto(const fs::path& folder, const char* built) {
@@ -131,26 +95,15 @@ WineProgram::WineProgram(const std::string& display, const std::string& folder,
                          const std::vector<std::string>& words) {
     std::vector<std::string> command = {wineProgram};
     command.insert(command.end(), words.begin(), words.end());
-    Environment environment;
-    AddWineSettings(&environment);
-    if (!display.empty())
-        environment["DISPLAY"] = display;
-    pid_ = Start(command, environment, folder);
-}
-
-WineProgram::~WineProgram() {
-    Finish(pid_, 0);
-}
-
-int WineProgram::WaitForExit() {
-    return Finish(std::exchange(pid_, -1), kPatienceMs);
+    StartUnderWine(this, command, display.empty() ? Environment() : Environment{{"DISPLAY", display}},
+                   folder);
 }
 
 // As it lies with a user, in a folder with what it needs, but for the clock that the test turns. The registry
 // names the package's folder, which is another one.
-std::vector<std::string> SaverCommand(const ScratchFolder& data, Environment* environment) {
+std::vector<std::string> SaverCommand(const TempFolder& data, Environment* environment) {
     AddWineSettings(environment);
-    const fs::path folder = data / "saver";
+    const fs::path folder = data.Path() / "saver";
     std::error_code problem;
     fs::create_directories(folder, problem);
     fs::copy_file(WindowsBuild("bin/tamb.scr"), folder / "tamb.scr", fs::copy_options::skip_existing,

@@ -1,11 +1,7 @@
 // The machine for the tests of the Windows saver: a Wine of the build's own, and programs that run in it.
 #pragma once
 
-#include <map>
-#include <string>
-#include <vector>
-
-using Environment = std::map<std::string, std::string>;
+#include "integration/program.h"
 
 // What the build for Windows is (a folder), and which Wine runs it (two programs). Comes before all others
 // here. False when there is no such Wine.
@@ -22,18 +18,9 @@ std::string WindowsPath(const std::string& file);
 // A file that the build for Windows has made, by its name within that build's folder.
 std::string WindowsBuild(const std::string& name);
 
-// A program of Windows or Wine, running; killed when this goes.
-class WineProgram {
+// A program of Windows or Wine, running. `display` may be empty. The program sees `folder` as the current
+// one.
+class WineProgram : public Program {
 public:
-    // `display` may be empty. The program sees `folder` as the current one.
     WineProgram(const std::string& display, const std::string& folder, const std::vector<std::string>& words);
-    ~WineProgram();
-    WineProgram(const WineProgram&) = delete;
-    WineProgram& operator=(const WineProgram&) = delete;
-
-    // Its exit code, or -1 when it does not end in a generous while.
-    int WaitForExit();
-
-private:
-    int pid_;
 };

@@ -4,25 +4,11 @@
 #include "picture/comparison.h"
 #include "windows/under_wine.h"
 
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 namespace {
 
 constexpr int kWidth = 320;
 constexpr int kHeight = 180;
 constexpr double kStep = 0.1;
-
-bool WaitForFile(const std::filesystem::path& file) {
-    constexpr int kPatienceMs = 120000;
-    for (int waited = 0; waited < kPatienceMs; waited += 10) {
-        if (std::filesystem::exists(file))
-            return true;
-        usleep(10000);
-    }
-    return false;
-}
 
 Picture Shown(const VirtualDisplay& display) {
     const ScreenPicture screen = display.Photograph();
@@ -62,11 +48,11 @@ TEST(Frames, LookOnWindowsAsTheyDoOnLinux) {
     settings.desktop = Desktop(display);
     ASSERT_TRUE(linux_show.Open(settings, &error)) << error;
 
-    const ScratchFolder folder;
+    const TempFolder folder;
     for (const char* file : {"tests/frames.exe", "tests/codec/devil.dll", "tests/codec/ilu.dll"})
         std::filesystem::copy(WindowsBuild(file), folder.Path());
     std::filesystem::copy(std::filesystem::path(TAMBLOR_DATA_DIR) / "tamb.dat", folder.Path());
-    std::vector<std::string> words = {(folder / "frames.exe").string(), WindowsPath(folder.Path().string()),
+    std::vector<std::string> words = {folder.File("frames.exe"), WindowsPath(folder.Path().string()),
                                       std::to_string(kStep)};
     for (const auto& moment : moments)
         words.push_back(std::to_string(moment.second));
@@ -74,17 +60,15 @@ TEST(Frames, LookOnWindowsAsTheyDoOnLinux) {
     for (std::size_t i = 0; i < moments.size(); ++i) {
         const std::string number = std::to_string(i + 1);
         const auto& [name, seconds] = moments[i];
-        ASSERT_TRUE(WaitForFile(folder / ("shown-" + number).c_str())) << name;
+        ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(folder.File("shown-" + number)); }))
+            << name;
         const Picture expected = linux_show.FrameAt(seconds);
-        Picture shown = Shown(display);
-        for (int tries = 0; tries < 50 && !Alike(Compare(shown, expected));
-             ++tries) { // the server may still be painting
-            usleep(100000);
-            shown = Shown(display);
-        }
+        Picture shown;
+        Eventually(
+            [&] { return Alike(Compare(shown = Shown(display), expected)); }); // it may still be painting
         EXPECT_EQ(DiffersFrom(expected, std::string("windows-") + name, shown), "");
         EXPECT_LE(WorstPixel(shown, expected), 12) << name; // 5 is usual: other rounding in the mathematics
-        folder.Write(("seen-" + number).c_str(), "");
+        folder.Write("seen-" + number, "");
     }
     EXPECT_EQ(windows_show.WaitForExit(), 0);
 }

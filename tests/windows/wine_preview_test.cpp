@@ -2,10 +2,6 @@
 #include "integration/preview_input.h"
 #include "windows/under_wine.h"
 
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include <memory>
 
 namespace {
@@ -27,33 +23,26 @@ protected:
         ASSERT_TRUE(display.WaitForPixel(kLeft + 5, kTop + 5, 0x000000, 0)) << "the pane is black";
     }
 
-    // The first line of a file that the panel writes; empty when it does not come.
+    // The line of a file that the panel writes; empty when it does not come.
     std::string WaitForLine(const char* name) const {
-        for (int waited = 0; waited < 60000; waited += 20) {
-            const std::string text = files.Read(name);
-            if (text.find('\n') != std::string::npos)
-                return text.substr(0, text.find('\n'));
-            usleep(20000);
-        }
-        return "";
+        std::string text;
+        Eventually([&] { return (text = files.Read(name)).ends_with('\n'); });
+        return text.substr(0, text.find_first_of("\r\n"));
     }
 
     // Wine 8 draws a window within a window into an X window outside of the screen, and does not copy that
     // into the pane, whichever program draws it: so the picture is looked at there.
     bool StillIsDrawn() const {
-        for (int waited = 0; waited < 40000; waited += 20) {
+        return Eventually([this] {
             const unsigned long drawn = display.WindowOfSize(kWidth, kHeight);
             // The sun of the still stands at the lower left, space at the upper right of it.
-            if (drawn != 0 && ChannelDistance(display.PixelIn(drawn, 30, 90), 0xC86414) < 90 &&
-                ChannelDistance(display.PixelIn(drawn, 30, 90), display.PixelIn(drawn, 90, 60)) > 60)
-                return true;
-            usleep(20000);
-        }
-        return false;
+            return drawn != 0 && ChannelDistance(display.PixelIn(drawn, 30, 90), 0xC86414) < 90 &&
+                   ChannelDistance(display.PixelIn(drawn, 30, 90), display.PixelIn(drawn, 90, 60)) > 60;
+        });
     }
 
     VirtualDisplay display{400, 300};
-    ScratchFolder files;
+    TempFolder files;
     std::string number;
     std::unique_ptr<WineProgram> panel;
 };
