@@ -1,4 +1,10 @@
-// A curve of whole values over frame positions. Stored with an animation, not evaluated by the show.
+// A curve of whole values over frame positions. It is stored with an animation and not evaluated by the show:
+// what is loaded is kept and saved as it is, whatever the numbers.
+//
+// The record holds the fields in their order. Where it has ended the rest is 0, and counts are believed as
+// far as FXPackageData does; Save is false when not all of it got to the disk; Destroy brings the values
+// below back. Point i lies at positions[i] and has the value values[i]; there may be more of the one than of
+// the other.
 #pragma once
 
 #include "base/arrays.h"

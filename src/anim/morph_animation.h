@@ -12,6 +12,10 @@
 // Owns the key frames. Timing follows frameTimes, drawing the models; a file may disagree. With
 // UpdateInterpolation(true, ...) it draws imodel, a copy of key frame 0 whose positions and normals are
 // rewritten every frame; without, the key frames themselves. The environment must be set while it loads.
+//
+// Load, prepare, UpdateInterpolation, StartAnim, then OnRender for every frame; nothing is allocated from
+// UpdateInterpolation on. Loading and preparing belong before the render loop, the rest to its thread. Key
+// frames are numbered from 0; where the one that is named is missing, nothing happens.
 class FXAnim : public PRender, public PMeshSaveClb {
 public:
     FXAnim() = default;
@@ -56,22 +60,24 @@ public:
     // May the two vertices share stored vectors: are they alike in every key frame?
     bool TestRedirect(int meshA, int vertexA, int meshB, int vertexB) override;
 
-    // Playing. Times are seconds.
-    void StartAnim(double time); // from the first key frame; without frame times there is nothing to play
-    void ContinueAnim(double time);
-    void ComputeFrameDuration();
-    // Draws, moving on by one key frame at most.
+    // Playing. Times are seconds on one clock; without frame times there is nothing to play or draw.
+    void StartAnim(double time);    // from key frame 0
+    void ContinueAnim(double time); // from the start of the key frame where it stands
+    void ComputeFrameDuration();    // from frameTimes, for `frame`
+    // Draws, moving on by one key frame at most. What a key frame ran over its time counts for the next one,
+    // unless it is more than the whole of it. Without loop, `playing` ends with the last key frame's arrival
+    // when it is interpolated, with the end of its time when not.
     void OnRender(PEnv* env, double time) override;
 
-    // Interpolation (morph_interpolation.cpp). Key frames that do not agree in meshes and vertices are not
-    // interpolated: the first one is shown.
-    void UpdateInterpolation(bool on, bool second);
-    void UpdateIFrame();
-    void UpdateIPos(double time);
+    // Interpolation (morph_interpolation.cpp). Key frames that do not agree in meshes and vertices, or for
+    // whose curves there is no memory, are not interpolated: the first one is shown.
+    void UpdateInterpolation(bool on, bool second); // makes imodel and the curves anew; second is kept only
+    void UpdateIFrame();             // aims at the segment from `frame` to the next one, by the flags
+    void UpdateIPos(double time);    // moves imodel's vertices to where they are at that time
     void SetActFrames(int a, int b); // by hand: the segment,
     void SetActPhase(float p);       // and where on it, 0..1
 
-    // Preparation: every key frame by the box of key frame i, which must be there.
+    // Preparation: what FXMesh does, to every key frame by the box of key frame i.
     void Unitize(int i);
     void UnitizeStretch(int i);
     void UnitizeStretch1(int i);
@@ -85,28 +91,28 @@ public:
     void MoveFrame(int dest, int src); // with its name and time
 
     FXBezierGraph graph;
-    float storedParam = 0;
-    bool playing = true;
-    bool backwards = false;
-    bool loop = true;
-    bool pingPong = false; // with loop: turns at the ends
-    double startTime = 0;  // of the current key frame
-    int frame = 0;
-    double frameDuration = 0;
-    bool paused = false;
+    float storedParam = 0;    // stored with the animation and not used
+    bool playing = true;      // the key frames move on
+    bool backwards = false;   // from the last one to the first
+    bool loop = true;         // goes on from the other end
+    bool pingPong = false;    // with loop: turns at the ends
+    double startTime = 0;     // of the current key frame
+    int frame = 0;            // the current key frame
+    double frameDuration = 0; // of the current key frame
+    bool paused = false;      // drawn where it stands
     bool frameChanged = false;
     FXOwnerArray<FXModel> models; // entries may be null
     FXStrArray frameNames;
     FXArray<int> frameTimes; // milliseconds; 0 and less mean 500
     bool interpolate = false;
-    bool secondFlag = false;
-    bool linear = false; // straight lines between key frames
+    bool secondFlag = false; // kept and not used
+    bool linear = false;     // straight lines between key frames instead of curves through them
     FXModel imodel;
     FXSplineSet posSplines; // one per vertex of imodel, in mesh and vertex order
     FXSplineSet normSplines;
-    bool segmentReversed = false;
-    float tension = 1.0f;
-    float phase = 0;
+    bool segmentReversed = false; // the segment is run from its end: at 1 - phase
+    float tension = 1.0f;         // of the curves; 0: straight
+    float phase = 0;              // within the current key frame, 0..1
 
 private:
     struct Loader;

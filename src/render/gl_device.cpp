@@ -21,7 +21,7 @@ void localSwitch(bool on, GLenum what) {
         glDisable(what);
 }
 
-// 24 bits of colour, 16 of depth and stencil, two buffers; nothing else matters.
+// 24 bits of colour, 16 of depth and stencil, two buffers; the rest stays 0.
 PIXELFORMATDESCRIPTOR localPixelFormat() {
     PIXELFORMATDESCRIPTOR format = {};
     format.nSize = 40;
@@ -125,11 +125,11 @@ bool FXGL::CreateChild(void* window) {
     return clamps;
 }
 
-// Makes the new context current. One that cannot be is none.
+// Makes the new context current; false, with the context deleted, when that fails.
 bool FXGL::TryContext() {
     if (wglMakeCurrent(dc, rc))
         return true;
-    const DWORD reason = GetLastError(); // the caller's to ask for
+    const DWORD reason = GetLastError(); // which deleting may replace
     wglDeleteContext(rc);
     rc = nullptr;
     SetLastError(reason);
@@ -166,7 +166,7 @@ void FXGL::ClrParams() {
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
     glEnable(GL_ALPHA_TEST);
-    glAlphaFunc(GL_GREATER, 2.0f / 255.0f); // what one hardly sees need not be drawn
+    glAlphaFunc(GL_GREATER, 2.0f / 255.0f); // an alpha up to that is hardly seen
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glTexEnvf(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
@@ -474,8 +474,8 @@ void localRawRender(const FXGL* env, const FXMesh* mesh) {
     localRawRender2(env, mesh, nullptr);
 }
 
-// Has the second mesh room for every vertex that the first one's triangles name? What it draws itself is its
-// own business.
+// Has the second mesh room for every vertex that the first one's triangles name? How many of them its own
+// triangles use does not matter here.
 bool localHoldsCorners(const FXMesh* second, const FXMesh* mesh) {
     return *std::max_element(mesh->indices, mesh->indices + mesh->indexCount) < second->vertexCapacity;
 }

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <cstdint>
 
-// Binds OpenGL to a window that somebody else made and owns the context. Draws in immediate mode with the
+// Binds OpenGL to a window, which stays its maker's, and owns the context. Draws in immediate mode with the
 // fixed function pipeline into the cube -1..1 x -1..1 x -2..2; a larger z lies farther away. All drawing
 // operations need the context current on the calling thread (SetAct). Without a context (rc is null) there is
 // no loop to draw, and the texture operations do nothing: a show is built and taken down all the same.
@@ -68,7 +68,7 @@ public:
     bool InitExtensions();
     // Is the name, with or without what stands before its "GL_", in the driver's list?
     static bool TestExtensionString(const char* extensions, const char* name);
-    // Does the driver suffice for the show? May tell the user.
+    // Does the driver suffice for the show? With showMessage, a message box says when it does not.
     bool TestGL(bool showMessage);
 
     HWND glWindow = nullptr;

@@ -63,7 +63,7 @@ void FXEnv::StopLoop(double timeout) {
         thread = nullptr;
         running = false;
         if (!ended)
-            mutex = fxCreateMutex(); // the old one may stay locked for ever
+            mutex = fxCreateMutex(); // the old one may be locked still
     }
     render = nullptr;
 }
@@ -120,7 +120,7 @@ FXMatlib* FXEnv::FindShared(const char* name) const {
     return nullptr;
 }
 
-// Under the name that was asked for until it is loaded, and for good when it cannot be.
+// An empty library under the name that was asked for, which loading may replace. Null without memory.
 FXMatlib* FXEnv::NewShared(const char* name) {
     FXMatlib* library = matlibs.PushNew();
     if (library != nullptr) {

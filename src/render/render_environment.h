@@ -28,7 +28,7 @@ public:
 
     // The target's OnRender is called on a thread of its own, from a tenth of a second later, as often as a
     // millisecond's pause between frames allows, with the device current and the frame locked. A loop that
-    // runs already changes its target. False when no thread can be had.
+    // runs already changes its target. False when there is no thread to be had, or nothing to draw with.
     bool StartLoop(PRender* target) override;
     // Whether a loop would have anything to draw with; none is started otherwise.
     virtual bool CanDraw() const { return true; }
@@ -42,7 +42,8 @@ public:
 
     FXMaterial* GetDefaultMaterial() override { return &defaultMaterial; }
     FXMatlib* GetDefaultMatlib() override { return &defaultMatlib; }
-    // A library that cannot be loaded is kept all the same, empty: it is not tried again.
+    // A library that cannot be loaded is kept all the same, empty: it is not tried again. Null when there is
+    // no memory for it.
     FXMatlib* LoadMatlib(const char* name) override;
     FXMatlib* LoadMatlibC(FXPackage* pck, const char* name) override;
     FXMatlib* LoadMatlibCN(FXPackage* pck, int id) override;
@@ -59,7 +60,7 @@ public:
     FXMatlib defaultMatlib; // asked first by every library loaded here
     FXOwnerArray<FXMatlib> matlibs;
     bool testingMaterial = false;
-    // What the device was last told.
+    // The device's state as it was last set.
     bool lightsOn = false;
     bool textureUnit0Bound = false;
     bool textureUnit1Bound = false;

@@ -154,7 +154,8 @@ void FXFireDesk::AdvanceRings(float k) {
         Dists(0)[i] = Dists(1)[i] - gap;
 }
 
-// A ring that lags is pushed out, one that runs ahead is held back; either way the next one follows.
+// From the inside outwards: a ring that lags is moved to its least distance, one that is ahead to its
+// greatest.
 void FXFireDesk::KeepBands() {
     for (int r = 0; r + 1 < kMovingRings; ++r) {
         const float least = gap * kBands[r].least;

@@ -36,7 +36,7 @@ void FXDemoGadget::CreatePath() {
     path.Destroy();
     fxResetRandom();
     if (!path.points.Realloc(3 * kPathPoints))
-        return; // a cube that stays where it is
+        return; // no memory: the cube stays at the origin
     for (int i = 0; i < kPathPoints; ++i) {
         path.points.Push(localRandomPlace());
         path.points.Push(localRandomPlace());

@@ -9,15 +9,18 @@
 
 class FXPackage;
 
-// Shows itself 15 seconds after its first OnRender, fading in over 2. Draws with lighting and depth testing
-// as the caller has set them; calls OpenGL directly for the reflection, so its context must be current.
-// Leaves the last face's matrix in force.
+// Comes 15 seconds after its first OnRender, fading in over 2. Moves through points within 0.7 of the origin
+// in x and y, on top of the matrix in force, and leaves the last face's matrix. Draws with lighting and depth
+// testing as the caller has set them; calls OpenGL directly for the reflection, so its context must be
+// current. Where a picture is missing, its faces are plain; without memory for the path it stays at the
+// origin.
 class FXDemoGadget : public PRender {
 public:
     static constexpr int kFaces = 6;
 
     virtual ~FXDemoGadget() = default;
 
+    // From the package entries of the reflection and the skin. Uploads them: the device must be current.
     void CreateCN(FXPackage* pck, int envId, int skinId);
     void Create(const char* envFile, const char* skinFile); // the same with pictures from files
     void Destroy();
@@ -27,13 +30,13 @@ public:
     FXDesk skins[kFaces];
     FXMaterial envMat;
     FXMaterial skinMat;
-    FXMatrix faceMats[kFaces];
-    FXPhaser spinX;
-    FXPhaser spinY;
-    FXBezierSpline path;
-    FXPhaser travel;
-    bool needStart = true;
-    bool waiting = true;
+    FXMatrix faceMats[kFaces]; // from the face -1..1 at z = 0 to its side of the cube -1..1
+    FXPhaser spinX;            // a turn in 56 seconds
+    FXPhaser spinY;            // a turn in 72
+    FXBezierSpline path;       // twenty points and back to the first
+    FXPhaser travel;           // once along it
+    bool needStart = true;     // OnRender has not been called since Create
+    bool waiting = true;       // not to be seen yet
     bool fading = true;
     FXPhaser delay;
     FXPhaser fade;

@@ -7,13 +7,16 @@
 
 class FXPackage;
 
-// Built whether or not there is an error; the owner sets `visible`.
+// Built whether or not there is an error; the owner sets `visible`. Its corner is 10 pixels from the
+// screen's, by the screen's size at Create. Draws over everything: without depth test and lights, which it
+// leaves off, with its own matrix in force. A picture that does not load fills the screen plain white.
 class FXErrGadget : public PRender {
 public:
     virtual ~FXErrGadget() = default;
 
-    void CreateCN(FXPackage* pck, int id); // needs the global environment's screen size
-    void Create();                         // the same with the file "error_message.png"
+    // From a package entry; needs the global environment, with its device current.
+    void CreateCN(FXPackage* pck, int id);
+    void Create(); // the same with the file "error_message.png"
     void Destroy();
     void OnRender(PEnv* env, double time) override;
 

@@ -8,10 +8,14 @@
 
 extern double rotate_dur; // seconds per turn
 
+// The medallion, a model in -1..1, is 0.18 of the screen's height wide, or of a portrait screen's width; its
+// right edge lies at 0.9, its lower one at -0.85. A model that does not load is not drawn, a label without
+// its picture is plain.
 class FXOrinGadget : public PRender {
 public:
     virtual ~FXOrinGadget() = default;
 
+    // From the package entries of the label's picture and the medallion. The device must be current.
     void CreateCN(FXPackage* pck, int pictureId, int modelId);
     // The same with the files "orin_medallion.om" and "label.png"; the medallion is as faint as the label.
     void Create();

@@ -133,14 +133,14 @@ void localLoadPackage() {
         fxReport("no data folder is known: %s", configSearch.text);
 }
 
-// The picture lives on as a texture; what remains of a desktop that cannot be photographed is black.
+// The picture is kept as a texture alone. A desktop that cannot be photographed is black.
 void localTakeDesktop(FXScrShot* shot) {
     if (shot->pixels == nullptr && shot->Realloc(1, 1)) {
         const float black[4] = {0, 0, 0, 1};
         shot->Clear(black);
     }
     scr_mat.SetTexture(shot);
-    scr_mat.picture = nullptr; // the photograph does not outlive the building
+    scr_mat.picture = nullptr; // the photograph goes when the show is built
     scr_mat.SetDefDiffuse(1.0f);
     scr_mat.name.Set("Material001");
     gr.AddMaterial(&scr_mat);
@@ -290,7 +290,7 @@ void DestroyScene() {
     fxUnloadDevil();
 }
 
-// One frame of the show, and the cycle that never ends.
+// One frame of the show, and the cycle of its stages.
 
 namespace {
 
@@ -417,7 +417,7 @@ void localRebuild(PEnv* env, double t) {
 
 void localReturn(PEnv* env, double t) {
     localDrawMorph(env, t);
-    localUnlit(); // the fade does it again by itself
+    localUnlit(); // localAdvanceFade does so again
     localAdvanceFade(env, t);
     localDrawDesktop(env, t, scr_phaser.phase);
     if (scr_phaser.phase >= 1) {

@@ -11,13 +11,14 @@ public:
     void OnRender(PEnv* env, double time) override;
 };
 
-// Builds the show for a window and starts the render loop. What cannot be had (package, entries, codec,
-// desktop picture, a sufficient OpenGL) is missing from the show, and the trace says so.
+// Builds the show for a window, its still for the preview pane or all of it, and starts the render loop. What
+// cannot be had (package, entries, codec, desktop picture, a sufficient OpenGL) is missing from the show, and
+// the trace says so. These four belong to the window's thread.
 void InitScene(HWND window, bool preview);
 // The window's client area has a new size, in pixels: the next frame fills it.
 void ResizeScene(int width, int height);
 // Waits for the frame that is being drawn, then releases everything.
 void DestroyScene();
 
-// InitScene without the loop: for whoever draws the frames by himself.
+// InitScene without the loop, for programs that draw the frames themselves.
 void BuildScene(HWND window, bool preview);

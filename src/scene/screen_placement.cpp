@@ -56,7 +56,7 @@ void FXScrPos01::UpdateSize() {
 
 void FXScrPos01::UpdateAspectH1(int mode, float w, float h) {
     const float r = (h / screenH) / (w / screenW);
-    if (!(r > 0 && r < 1)) // nor for what is no size
+    if (!(r > 0 && r < 1)) // nor where a size is 0, when r is not a number
         return;
     FXMatrix step;
     if (mode != 0) {

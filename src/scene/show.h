@@ -36,7 +36,8 @@ enum Entry : int {
     kCubeSkin = 74,
 };
 
-// The cycle.
+// The cycle, in this order: the desktop dissolves over the burning desk, the desk burns out, nothing, the
+// morph, the morph under the returning desktop.
 enum Stage : int { kDissolving, kBurning, kPause, kRebuilding, kReturning };
 
 extern FXPackage pck;
@@ -49,10 +50,10 @@ extern FXDesk preview;
 extern FXMaterial preview_mat;
 extern FXMaterial scr_mat; // the desktop picture
 extern FXFireDesk fire;
-extern FXAnim reopen; // the morph that brings the desktop back
-extern FXPhaser delay_phaser;
-extern FXPlanet planet;
-extern FXDesk desk0; // space
+extern FXAnim reopen;         // the morph that brings the desktop back
+extern FXPhaser delay_phaser; // the pause after the burn
+extern FXPlanet planet;       // the sun
+extern FXDesk desk0;          // space
 extern FXMaterial desk0_mat;
 extern FXDesk desk1; // halo
 extern FXMaterial desk1_mat;
@@ -60,18 +61,18 @@ extern FXDesk desk2; // rays
 extern FXMaterial desk2_mat;
 extern FXDesk desk_lens;
 extern FXMaterial desk_lens_mat;
-extern FXDesk scr_desk; // the desktop picture as it fades out and in
-extern FXPhaser scr_phaser;
+extern FXDesk scr_desk;     // the desktop picture as it fades out and in
+extern FXPhaser scr_phaser; // its fading
 extern FXOrinGadget gad;
 extern FXErrGadget err_gad;
-extern FXPhaser phase_sun_rot;
+extern FXPhaser phase_sun_rot; // the turn of the rays, and twice that of the sun
 extern FXDemoGadget demo;
 
 extern bool isPreview;
-extern bool hasError; // the OpenGL test failed
-extern int stage;     // a Stage
-extern bool first;    // the next full-screen frame is the first one
-extern int fire_num;  // directions of the burning desk
-extern const char* logsFile;
+extern bool hasError;        // the OpenGL test failed
+extern int stage;            // a Stage
+extern bool first;           // the next full-screen frame is the first one
+extern int fire_num;         // directions of the burning desk
+extern const char* logsFile; // the trace's name; empty: none
 
 } // namespace show
