@@ -1,10 +1,14 @@
 #include "show_folder.h"
 
+#include "win32/product.h"
+
 #include <filesystem>
 
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr const char* kDesktop = "desktop.png";
 
 fs::path localPrefix() {
     std::error_code failed;
@@ -14,12 +18,11 @@ fs::path localPrefix() {
 } // namespace
 
 std::string ShowFolder() {
-    return (localPrefix() / "share" / "tamblor").string();
+    return (localPrefix() / "share" / kProductFolder).string();
 }
 
 std::string GeneratedDesktop() {
     std::error_code failed;
-    const fs::path built = localPrefix() / "assets" / "desktop.png";
-    return fs::exists(built, failed) ? built.string()
-                                     : (localPrefix() / "share" / "tamblor" / "desktop.png").string();
+    const fs::path built = localPrefix() / "assets" / kDesktop;
+    return fs::exists(built, failed) ? built.string() : (fs::path(ShowFolder()) / kDesktop).string();
 }

@@ -1,6 +1,7 @@
 // The score of the morph: what the bird does when, and its key frames.
 #include "anim/morph_animation.h"
 #include "geometry/mesh.h"
+#include "image/material_library.h"
 #include "models/mesh_builder.h"
 #include "models/models.h"
 #include "models/morph_curve.h"
@@ -13,8 +14,7 @@
 namespace {
 
 constexpr const char* kLibrary = "42";
-constexpr const char* kDesktop = "Material001"; // the scene registers the desktop picture under this name
-constexpr int kGlowing = 2;                     // embers do not hide each other
+constexpr int kGlowing = 2; // embers do not hide each other
 
 // All over seconds. The shards have come together at about 4, the wings open at 5, beat twice, and at 10.5
 // the bird, seen from above, begins to unfold.
@@ -85,7 +85,7 @@ void localAddBirdFrame(FXAnim* anim, float seconds, float next) {
     for (int i = 0; i < kPatches * kPatchCorners; ++i)
         corners.push_back(BirdPoint(PlaceOf(i / kPatchCorners, i % kPatchCorners), pose));
     ScatterShards(&corners, seconds, centre);
-    MeshBuilder sheet(kDesktop);
+    MeshBuilder sheet(kDesktopMaterial);
     MeshBuilder embers("Ember", kGlowing);
     AddSheet(&sheet, corners);
     AddEmbers(&embers, seconds, centre);
@@ -93,7 +93,7 @@ void localAddBirdFrame(FXAnim* anim, float seconds, float next) {
 }
 
 void localAddFlatFrame(FXAnim* anim, void (*addEmbers)(MeshBuilder*)) {
-    MeshBuilder sheet(kDesktop);
+    MeshBuilder sheet(kDesktopMaterial);
     MeshBuilder embers("Ember", kGlowing);
     AddFlatSheet(&sheet);
     addEmbers(&embers);

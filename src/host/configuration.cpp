@@ -1,6 +1,8 @@
 #include "host/configuration.h"
 
+#include "win32/product.h"
+
 char orinPath[520] = "";
-const char* const scrRegName = "Software\\OrinLab\\Screensavers\\Tamblor";
+const char* const scrRegName = kSaverKey;
 FXStr configProblem;
 FXStr configSearch;

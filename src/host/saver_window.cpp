@@ -7,6 +7,7 @@
 #include "platform/clock.h"
 #include "platform/report.h"
 #include "scene/scene.h"
+#include "win32/product.h"
 
 #include <cstring>
 #include <string>
@@ -33,7 +34,7 @@ LSTATUS localReadConfig() {
     char value[sizeof orinPath] = "";
     DWORD size = sizeof value;
     const LSTATUS read =
-        RegQueryValueExA(key, "path", nullptr, nullptr, reinterpret_cast<BYTE*>(value), &size);
+        RegQueryValueExA(key, kDataFolderValue, nullptr, nullptr, reinterpret_cast<BYTE*>(value), &size);
     value[sizeof value - 1] = '\0'; // a stored value need not be terminated
     if (read == ERROR_SUCCESS || (read != ERROR_MORE_DATA && value[0] != '\0'))
         std::memcpy(orinPath, value, sizeof orinPath);

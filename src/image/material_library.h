@@ -9,6 +9,9 @@
 
 class FXPackage;
 
+// The name under which the scene registers the desktop picture: meshes that name it show the desktop.
+inline constexpr char kDesktopMaterial[] = "Material001";
+
 // Shared through the environment and counted: each holder calls Release once. Owns the materials that it
 // loaded (ownedByLibrary); those added stay their giver's.
 class FXMatlib {

@@ -1,6 +1,7 @@
 #include "platform/paths.h"
 
 #include "base/path_text.h"
+#include "win32/product.h"
 #include "win32/win32.h"
 
 #include <cstring>
@@ -12,7 +13,6 @@ constexpr std::size_t kPathLength = 259;
 char localStartPath[288] = "";
 char localSysFontsPath[288] = "";
 char localGetPath[288] = "";
-constexpr const char* kStateFolder = "tamblor";
 
 // "\" unless the path separates with "/" already.
 void localAddPathEnding(char* path) {
@@ -84,7 +84,7 @@ FXStr fxStateFile(const char* name) {
         return file;
     localAddPathEnding(folder);
     file.Set(folder);
-    file.Append(kStateFolder);
+    file.Append(kProductFolder);
     CreateDirectoryA(file.text, nullptr);
     file.AppendChar(folder[std::strlen(folder) - 1]);
     file.Append(name);

@@ -10,6 +10,7 @@
 #include "platform/trace.h"
 #include "render/gl.h"
 #include "scene/show.h"
+#include "win32/product.h"
 
 #include <algorithm>
 
@@ -59,7 +60,6 @@ using namespace show;
 
 namespace {
 
-constexpr const char* kPackageFile = "tamb.dat";
 constexpr double kNoLimit = 100000; // seconds
 constexpr double kSunTurn = 90;
 constexpr double kPauseSeconds = 20;
@@ -142,7 +142,7 @@ void localTakeDesktop(FXScrShot* shot) {
     scr_mat.SetTexture(shot);
     scr_mat.picture = nullptr; // the photograph goes when the show is built
     scr_mat.SetDefDiffuse(1.0f);
-    scr_mat.name.Set("Material001");
+    scr_mat.name.Set(kDesktopMaterial);
     gr.AddMaterial(&scr_mat);
 }
 

@@ -5,6 +5,7 @@
 #include "film/video.h"
 #include "progress.h"
 #include "show_folder.h"
+#include "win32/product.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -110,8 +111,8 @@ int main(int argc, char** argv) {
     if (options.dataFolder.empty())
         options.dataFolder = ShowFolder();
     std::error_code failed;
-    if (!fs::exists(fs::path(options.dataFolder) / "tamb.dat", failed))
-        return localFail("no tamb.dat in '" + options.dataFolder +
+    if (!fs::exists(fs::path(options.dataFolder) / kPackageFile, failed))
+        return localFail(std::string("no ") + kPackageFile + " in '" + options.dataFolder +
                          "'; --data names the folder that holds the show's package");
     if (options.desktop.empty() && fs::exists(GeneratedDesktop(), failed))
         options.desktop = GeneratedDesktop();

@@ -4,6 +4,7 @@
 #include "geometry/mesh.h"
 #include "image/canvas.h"
 #include "image/codec.h"
+#include "image/material_library.h"
 #include "image/picture_header.h"
 #include "pack/command.h"
 #include "pack/entry_kind.h"
@@ -22,8 +23,6 @@
 #include <vector>
 
 namespace {
-
-constexpr const char* kDesktopMaterial = "Material001"; // the scene's own
 
 const char* localEndingOf(int type) {
     const PictureType* known = FindPictureType(type);

@@ -4,6 +4,7 @@
 //   3. the folder that the package was installed or built into, beside the executable
 #include "win32/posix/last_error.h"
 #include "win32/posix/settings_file.h"
+#include "win32/product.h"
 #include "win32/win32.h"
 
 #include <cstdlib>
@@ -17,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kSaverKey = "Software\\OrinLab\\Screensavers\\Tamblor";
+constexpr const char* kDataVariable = "TAMBLOR_DATA";
 int theKey; // the address stands for the opened key
 
 std::string Variable(const char* name, const std::string& otherwise) {
@@ -38,14 +39,14 @@ std::vector<std::string> ConfigurationFolders() {
 struct Search {
     std::string folder;  // empty: there is none
     std::string problem; // of the first bad file
-    std::string tried = "TAMBLOR_DATA";
+    std::string tried = kDataVariable;
 };
 
 void SearchInstalled(Search* search) {
     std::error_code failed;
     const fs::path prefix = fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
-    for (const fs::path& folder : {prefix / "share" / "tamblor", fs::path(TAMBLOR_INSTALLED_DATA)}) {
-        const fs::path package = folder / "tamb.dat";
+    for (const fs::path& folder : {prefix / "share" / kProductFolder, fs::path(TAMBLOR_INSTALLED_DATA)}) {
+        const fs::path package = folder / kPackageFile;
         search->tried += ", " + package.string();
         if (search->folder.empty() && folder.is_absolute() && fs::exists(package, failed))
             search->folder = folder.string();
@@ -55,9 +56,9 @@ void SearchInstalled(Search* search) {
 // The first folder that somebody names; bad files are passed over.
 Search SearchDataFolder() {
     Search search;
-    search.folder = Variable("TAMBLOR_DATA", "");
+    search.folder = Variable(kDataVariable, "");
     for (const std::string& place : ConfigurationFolders()) {
-        const std::string name = place + "/tamblor/tamblor.conf";
+        const std::string name = place + "/" + kProductFolder + "/" + kSettingsFile;
         search.tried += ", " + name;
         SettingsFile file;
         if (!ReadSettingsFile(name, &file))
@@ -65,7 +66,7 @@ Search SearchDataFolder() {
         if (search.problem.empty())
             search.problem = file.problem;
         if (search.folder.empty())
-            search.folder = file.values["path"];
+            search.folder = file.values[kDataFolderValue];
     }
     if (search.folder.empty())
         SearchInstalled(&search);
@@ -79,7 +80,7 @@ LSTATUS RegOpenKeyA(HKEY root, const char* name, HKEY* key) {
 }
 
 LSTATUS RegOpenKeyExA(HKEY root, const char* name, DWORD, DWORD, HKEY* key) {
-    if (root != HKEY_CURRENT_USER || name != kSaverKey)
+    if (root != HKEY_CURRENT_USER || std::string_view(name) != kSaverKey)
         return ERROR_FILE_NOT_FOUND;
     *key = reinterpret_cast<HKEY>(&theKey);
     return ERROR_SUCCESS;
@@ -87,7 +88,7 @@ LSTATUS RegOpenKeyExA(HKEY root, const char* name, DWORD, DWORD, HKEY* key) {
 
 // A bad file is reported even when another place supplied the value: the data is then there all the same.
 LSTATUS RegQueryValueExA(HKEY, const char* name, DWORD*, DWORD*, BYTE* data, DWORD* size) {
-    if (std::strcmp(name, "path") != 0)
+    if (std::strcmp(name, kDataFolderValue) != 0)
         return ERROR_FILE_NOT_FOUND;
     const Search search = SearchDataFolder();
     SetErrorWords(ERROR_BAD_CONFIGURATION, search.problem);

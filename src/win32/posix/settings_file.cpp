@@ -1,5 +1,7 @@
 #include "win32/posix/settings_file.h"
 
+#include "win32/product.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -37,7 +39,7 @@ std::string ReadLine(const std::string& line, std::map<std::string, std::string>
         return "expected a line of the form: path = /folder";
     const std::string name = Trimmed(text.substr(0, equals));
     const std::string value = WithHome(Unquoted(Trimmed(text.substr(equals + 1))));
-    if (name != "path")
+    if (name != kDataFolderValue)
         return "unknown setting '" + name + "' (there is one: path)";
     if (!value.starts_with('/'))
         return "path must be a whole path, beginning with / or ~/";
