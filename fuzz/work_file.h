@@ -13,8 +13,8 @@ inline void Expect(bool good) {
         std::abort();
 }
 
-// While this lives, seven inputs of eight find no memory for the 65536 elements that a count that lies is
-// given: making them takes all the time there is.
+// While this lives, seven inputs of eight find no memory for the 65536 elements that a malformed count is
+// given: making them would take most of the fuzzing time.
 class FewElements {
 public:
     explicit FewElements(std::size_t inputSize) { fxSetAllocLimit(inputSize % 8 == 0 ? 0 : 1 << 16); }
