@@ -110,3 +110,10 @@ DefAction RouteDefMessage(UINT message, WPARAM wParam, bool preview, bool closin
     }
     return DefAction::Default;
 }
+
+bool SaverMayClose(bool preview, bool escapeHit, bool started, double now, double startTime) {
+    constexpr double kGraceSeconds = 4.0;
+    if (preview || escapeHit)
+        return true;
+    return started && now - startTime > kGraceSeconds;
+}

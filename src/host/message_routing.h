@@ -1,5 +1,5 @@
-// Which message goes where: three tables, one for each window procedure that a message may pass. They decide
-// over plain values; the procedures act.
+// Which message goes where, one table for each window procedure that a message may pass, and when the saver
+// may close. These decide over plain values; the procedures act.
 #pragma once
 
 #include "win32/win32.h"
@@ -41,3 +41,9 @@ enum class DefAction {
     Swallow,      // answer 0
 };
 DefAction RouteDefMessage(UINT message, WPARAM wParam, bool preview, bool closing, bool checkingPassword);
+
+// The answer to a request to close the window (WM_CLOSE). A preview, and a saver that saw a key, close at
+// once. Else the scene must have been built (`started`, at `startTime`) and more than 4 seconds have passed:
+// the user may still be moving the mouse after starting the saver. Times in seconds; one that is not a number
+// does not close.
+bool SaverMayClose(bool preview, bool escapeHit, bool started, double now, double startTime);

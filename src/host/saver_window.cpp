@@ -1,6 +1,5 @@
 #include "host/saver_window.h"
 
-#include "host/close_rule.h"
 #include "host/configuration.h"
 #include "host/default_procedure.h"
 #include "host/message_routing.h"

@@ -1,7 +1,6 @@
 // The host over a scripted platform: modes, the window's life, what every message leads to, and the password
 // protocol.
 #include "fakes/fake_win32.h"
-#include "host/close_rule.h"
 #include "host/configuration.h"
 #include "host/default_procedure.h"
 #include "host/message_routing.h"
