@@ -9,7 +9,6 @@
 #include "win32/product.h"
 
 #include <cstring>
-#include <string>
 
 bool escapeHit = false;
 bool started = false;
@@ -48,9 +47,11 @@ LSTATUS localReadConfig() {
 INT_PTR localRegister(HWND owner) {
     char folder[MAX_PATH] = "";
     SHGetFolderPathA(nullptr, CSIDL_SYSTEMX86, nullptr, 0, folder);
-    const std::string file = std::string(folder) + "\\" + scrFile;
+    FXStr file(folder);
+    file.AppendChar('\\');
+    file.Append(scrFile);
     return reinterpret_cast<INT_PTR>(
-        ShellExecuteA(owner, "install", file.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+        ShellExecuteA(owner, "install", file.text, nullptr, nullptr, SW_SHOWNORMAL));
 }
 
 // The answer to WM_CREATE: -1 gives no window.
