@@ -42,7 +42,6 @@ public:
                v.Each(p.count, [&](int m) { return p.Pool(m); }) &&
                v.Each(p.frames, [&](int f) { return p.Map(f); });
     }
-    static bool IsVersion3(const FXPackageData& d); // the record at which it stands
 
     // Files (morph_file.cpp). False when there is no entry or file of 8 bytes at least; one that lies gives
     // empty key frames. What is beyond the budget is left out: all meshes (version 3), or the key frames from

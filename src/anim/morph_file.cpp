@@ -19,16 +19,16 @@ namespace {
 constexpr int kSmallestEntry = 8;
 constexpr int kPoolStep = 800000;
 
+bool localIsVersion3(const FXPackageData& d) {
+    return d.left >= kSmallestEntry && d.cur[0] == 4 && std::memcmp(d.cur + 4, FXAnim::kVersion3, 4) == 0;
+}
+
 bool localSameLayout(const FXMesh* a, const FXMesh* b) {
     return a != nullptr && b != nullptr && a->vertexCount == b->vertexCount &&
            std::equal(a->indices, a->indices + a->indexCount, b->indices, b->indices + b->indexCount);
 }
 
 } // namespace
-
-bool FXAnim::IsVersion3(const FXPackageData& d) {
-    return d.left >= kSmallestEntry && d.cur[0] == 4 && std::memcmp(d.cur + 4, kVersion3, 4) == 0;
-}
 
 bool FXAnim::LoadCN(FXPackage* pck, int id, FXLoadBudget* budget) {
     Destroy();
@@ -53,7 +53,7 @@ void FXAnim::LoadFrom(FXPackage* pck, FXPackageData* d, FXLoadBudget* given) {
     FXLoadBudget own;
     FXLoadBudget* budget = given != nullptr ? given : &own;
     budget->TakeRecord(d->size);
-    const bool isVersion3 = IsVersion3(*d);
+    const bool isVersion3 = localIsVersion3(*d);
     if (isVersion3)
         d->ReadBlc(kSmallestEntry);
     FXRecordReader reader(d);

@@ -32,6 +32,6 @@ private:
         return v.String("the material of", self.material) &&
                v.Float("the texture's extent u of", self.extentU) &&
                v.Float("the texture's extent v of", self.extentV) && v.Int("the way to draw", self.draw) &&
-               v.Int("the colour mode of", self.colorMode);
+               v.Int("the colour mode of", self.colorMode) && v.Checked(self);
     }
 };

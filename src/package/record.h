@@ -26,6 +26,8 @@ template <class T> struct FXStored {
 // What all visitors have.
 class FXRecordVisitor {
 public:
+    // A part of a record that belongs together, and has been visited: who checks it may end the visit.
+    template <class Record> bool Checked(const Record&) { return true; }
     // Visits things 0 to count - 1.
     template <class Visit> bool Each(int count, Visit visit) {
         for (int i = 0; i < count; ++i)
@@ -112,7 +114,7 @@ private:
 };
 
 // Adds up what a record takes whose texts and arrays are empty.
-class FXRecordSize {
+class FXRecordSize : public FXRecordVisitor {
 public:
     template <class T> bool Int(const char*, const T&) { return Add(4); }
     bool Float(const char*, float) { return Add(4); }

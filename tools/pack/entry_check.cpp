@@ -1,6 +1,11 @@
 #include "pack/entry_check.h"
 
+#include "anim/morph_animation.h"
+#include "image/material_library.h"
+#include "pack/shape_records.h"
 #include "pack/text.h"
+#include "render/matrix.h"
+#include "scene/phaser.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -17,178 +22,145 @@ std::string localMesh(int i) {
     return "mesh " + std::to_string(i);
 }
 
-// A mesh takes this many bytes at least.
-constexpr int kMeshBytes = 28;
-
-bool localReadModelMeshes(RecordReader* reader, int count, EntryFacts* facts) {
-    MapCounts counts = {};
-    if (facts->version == 3 && !ReadVectorMap(reader, "the vector map", &counts))
-        return false;
-    for (int i = 0; i < count; ++i) {
-        MeshFacts mesh;
+// The parts of a model.
+struct ModelChecker {
+    bool Begin() const { return true; }
+    bool Mesh(int i) const { return ReadFullMesh(&reader, localMesh(i), &facts.meshes.emplace_back()); }
+    bool Map() { return ReadVectorMap(&reader, "the vector map", &counts); }
+    bool PackedMesh(int i) const {
+        return ReadPackedMesh(&reader, localMesh(i), &facts.meshes.emplace_back());
+    }
+    bool Pool(int i) const {
         PoolNumbers numbers;
-        const bool read = facts->version == 2
-                              ? ReadFullMesh(reader, localMesh(i), &mesh)
-                              : ReadPackedMesh(reader, localMesh(i), &mesh) &&
-                                    ReadPool(reader, localMesh(i), mesh, &numbers) &&
-                                    CheckNumbers(reader, localMesh(i), numbers, "the vector map", counts);
-        facts->meshes.push_back(mesh);
-        if (!read)
-            return false;
+        return ReadPool(&reader, localMesh(i), facts.meshes.back(), &numbers) &&
+               CheckNumbers(&reader, localMesh(i), numbers, "the vector map", counts);
     }
-    return true;
-}
 
-bool localReadGraph(RecordReader* reader) {
-    int number = 0;
-    float tension = 0;
-    std::vector<int> positions, values;
-    if (!reader->Int("the graph's resolution", &number) || !reader->Int("the graph's scale", &number) ||
-        !reader->Ints("position", "the graph", &positions))
-        return false;
-    const int at = reader->Offset();
-    if (!reader->Ints("value", "the graph", &values) || !reader->Flag("the graph's first flag") ||
-        !reader->Flag("the graph's second flag") || !reader->Float("the graph's tension", &tension) ||
-        !reader->Int("the graph's samples", &number))
-        return false;
-    if (positions.size() != values.size())
-        reader->Warn(at, Text("the graph has %zu positions, but %zu values: the show uses neither",
-                              positions.size(), values.size()));
-    return true;
-}
+    ShapeReader& reader;
+    EntryFacts& facts;
+    FXStr name = FXStr();
+    FXStr library = FXStr();
+    int count = 0;
+    MapCounts counts = {};
+};
 
-bool localReadAnimationHead(RecordReader* reader, EntryFacts* facts) {
-    int frames = 0;
-    if (!reader->Count("key frames", 4, &frames))
-        return false;
-    for (int i = 0; i < frames; ++i) {
-        std::string name;
-        if (!reader->String(Text("the name of key frame %d", i), &name))
-            return false;
-        facts->frames.push_back(name);
+void localCheckModel(ShapeReader* reader, EntryFacts* facts) {
+    FXStr magic;
+    if (!reader->String("the magic word", magic))
+        return;
+    const bool isVersion2 = magic.Compare(FXModel::kVersion2);
+    if (!isVersion2 && !magic.Compare(FXModel::kVersion3)) {
+        reader->Fail(4, Text("it begins with '%s', but a model begins with om02 or om03", magic.text));
+        return;
     }
-    const int at = reader->Offset();
-    std::vector<int> times;
-    float parameter = 0;
-    if (!reader->Ints("time", "the animation", &times) || !localReadGraph(reader) ||
-        !reader->Float("the parameter", &parameter))
-        return false;
-    for (const char* flag : {"playing", "backwards", "loop", "ping-pong"})
-        if (!reader->Flag(std::string("the flag ") + flag))
-            return false;
-    return static_cast<int>(times.size()) == frames ||
-           reader->Fail(at, Text("there are %zu times for %d key frames: the show plays by the times",
-                                 times.size(), frames));
+    facts->version = isVersion2 ? 2 : 3;
+    ModelChecker checker = {*reader, *facts};
+    if (isVersion2 ? FXModel::Fields_v02(checker, *reader) : FXModel::Fields_v03(checker, *reader))
+        reader->End();
+    facts->name = checker.name.text;
+    facts->library = checker.library.text;
 }
 
-bool localReadAnimationMeshes(RecordReader* reader, EntryFacts* facts) {
-    int meshes = 0;
-    const int at = reader->Offset();
-    if (!reader->Int("the number of meshes", &meshes) || !reader->String("the library", &facts->library))
-        return false;
-    if (meshes < 0 || meshes > reader->Left() / kMeshBytes)
-        return reader->Fail(at, Text("the number of meshes is %d, but the %d bytes left hold 0 to %d", meshes,
-                                     reader->Left(), reader->Left() / kMeshBytes));
-    FXLoadBudget budget;
-    budget.TakeFrames(static_cast<int>(facts->frames.size()));
-    facts->meshes.resize(static_cast<std::size_t>(meshes));
-    std::vector<PoolNumbers> numbers(facts->meshes.size());
-    for (int i = 0; i < meshes; ++i) {
-        MeshFacts& mesh = facts->meshes[static_cast<std::size_t>(i)];
-        if (!ReadPackedMesh(reader, localMesh(i), &mesh))
+// The parts of an animation.
+struct AnimationChecker {
+    bool Begin() {
+        budget.TakeFrames(frames);
+        return true;
+    }
+    bool PackedMesh(int i) {
+        MeshFacts& mesh = facts.meshes.emplace_back();
+        if (!ReadPackedMesh(&reader, localMesh(i), &mesh))
             return false;
         budget.TakeMesh(std::min(mesh.vertices, mesh.corners), mesh.corners);
+        return true;
     }
-    if (budget.IsExceeded())
-        return reader->Fail(at, RefusalText("its meshes", budget));
-    for (int i = 0; i < meshes; ++i) {
-        const auto m = static_cast<std::size_t>(i);
-        if (!ReadPool(reader, localMesh(i), facts->meshes[m], &numbers[m]))
-            return false;
+    bool Pools() const {
+        return !budget.IsExceeded() || reader.Fail(reader.Offset(), RefusalText("its meshes", budget));
     }
-    for (std::size_t f = 0; f < facts->frames.size(); ++f) {
-        const std::string map = Text("the vector map of key frame %zu", f);
+    bool Pool(int i) {
+        return ReadPool(&reader, localMesh(i), facts.meshes[static_cast<std::size_t>(i)],
+                        &numbers.emplace_back());
+    }
+    bool Map(int f) const {
+        const std::string map = Text("the vector map of key frame %d", f);
         MapCounts counts = {};
-        if (!ReadVectorMap(reader, map, &counts))
-            return false;
-        for (int i = 0; i < meshes; ++i)
-            if (!CheckNumbers(reader, localMesh(i), numbers[static_cast<std::size_t>(i)], map, counts))
-                return false;
+        return ReadVectorMap(&reader, map, &counts) && reader.Each(count, [&](int i) {
+            return CheckNumbers(&reader, localMesh(i), numbers[static_cast<std::size_t>(i)], map, counts);
+        });
     }
-    return true;
+
+    ShapeReader& reader;
+    EntryFacts& facts;
+    int frames;
+    int count = 0; // of meshes
+    FXStr library = FXStr();
+    FXLoadBudget budget = {};
+    std::vector<PoolNumbers> numbers = {};
+};
+
+bool localReadAnimationHead(ShapeReader* reader, EntryFacts* facts) {
+    FXAnim head;
+    const bool read = FXAnim::Fields_v02(head, *reader);
+    for (int i = 0; i < head.frameNames.count; ++i)
+        facts->frames.emplace_back(head.frameNames.Get(i));
+    if (!read)
+        return false;
+    const FXBezierGraph& graph = head.graph;
+    if (graph.positions.count != graph.values.count)
+        reader->Warn(reader->OffsetOf("value"),
+                     Text("the graph has %d positions, but %d values: the show uses neither",
+                          graph.positions.count, graph.values.count));
+    return head.frameTimes.count == head.frameNames.count ||
+           reader->Fail(reader->OffsetOf("time"),
+                        Text("there are %d times for %d key frames: the show plays by the times",
+                             head.frameTimes.count, head.frameNames.count));
+}
+
+void localCheckAnimation(ShapeReader* reader, bool isVersion3, EntryFacts* facts) {
+    facts->version = isVersion3 ? 3 : 2;
+    FXStr magic;
+    if (isVersion3 && !reader->String("the magic word", magic))
+        return;
+    if (!localReadAnimationHead(reader, facts))
+        return;
+    AnimationChecker checker = {*reader, *facts, static_cast<int>(facts->frames.size())};
+    if (!isVersion3 || FXAnim::Fields_v03(checker, *reader))
+        reader->End();
+    facts->library = checker.library.text;
+}
+
+// The materials of a library.
+struct LibraryChecker {
+    bool Begin() const { return true; }
+    bool Material(int i) const {
+        FXMaterial material;
+        reader.Of(Text("material %d", i));
+        const bool read = FXMaterial::Fields(material, reader);
+        if (read)
+            facts.materials.push_back({material.name.text, material.texRef.text});
+        return read;
+    }
+
+    ShapeReader& reader;
+    EntryFacts& facts;
+    FXStr name = FXStr();
+    int count = 0;
+};
+
+void localCheckLibrary(ShapeReader* reader, EntryFacts* facts) {
+    LibraryChecker checker = {*reader, *facts};
+    if (FXMatlib::Fields(checker, *reader))
+        reader->End();
+    facts->name = checker.name.text;
+}
+
+template <class Record> void localCheckRecord(ShapeReader* reader) {
+    Record record;
+    if (Record::Fields(record, *reader))
+        reader->End();
 }
 
 } // namespace
-
-void CheckModel(const FXPackageData& data, Faults* faults, EntryFacts* facts) {
-    RecordReader reader(data, faults);
-    std::string magic;
-    int count = 0;
-    if (!reader.String("the magic word", &magic))
-        return;
-    if (magic != "om02" && magic != "om03") {
-        reader.Fail(4, "it begins with '" + magic + "', but a model begins with om02 or om03");
-        return;
-    }
-    facts->version = magic == "om02" ? 2 : 3;
-    if (reader.String("the name", &facts->name) && reader.String("the library", &facts->library) &&
-        reader.Count("meshes", kMeshBytes, &count) && localReadModelMeshes(&reader, count, facts))
-        reader.End();
-}
-
-void CheckAnimation(const FXPackageData& data, Faults* faults, EntryFacts* facts) {
-    RecordReader reader(data, faults);
-    facts->version = localStartsWith(data, "oa03") ? 3 : 2;
-    std::string magic;
-    if (facts->version == 3)
-        reader.String("the magic word", &magic);
-    if (localReadAnimationHead(&reader, facts) &&
-        (facts->version == 2 || localReadAnimationMeshes(&reader, facts)))
-        reader.End();
-}
-
-void CheckLibrary(const FXPackageData& data, Faults* faults, EntryFacts* facts) {
-    constexpr int kMaterialBytes = 8 + 17 * 4;
-    RecordReader reader(data, faults);
-    int count = 0;
-    if (!reader.String("the name", &facts->name) || !reader.Count("materials", kMaterialBytes, &count))
-        return;
-    for (int i = 0; i < count; ++i) {
-        MaterialFacts material;
-        const std::string which = Text("material %d", i);
-        float number = 0;
-        if (!reader.String("the name of " + which, &material.name) ||
-            !reader.String("the picture of " + which, &material.picture))
-            return;
-        for (const char* color : {"ambient", "diffuse", "specular", "emission"})
-            if (!reader.Floats(Text("the %s colour of ", color) + which, 4))
-                return;
-        if (!reader.Float("the shininess of " + which, &number))
-            return;
-        facts->materials.push_back(material);
-    }
-    reader.End();
-}
-
-void CheckMatrix(const FXPackageData& data, Faults* faults) {
-    RecordReader reader(data, faults);
-    for (int column = 0; column < 4; ++column)
-        if (!reader.Floats(Text("column %d", column), 4))
-            return;
-    reader.End();
-}
-
-void CheckPhaser(const FXPackageData& data, Faults* faults) {
-    RecordReader reader(data, faults);
-    float phase = 0;
-    double duration = 0;
-    if (!reader.Float("the phase", &phase) || !reader.Double("the duration", &duration))
-        return;
-    for (const char* flag : {"running", "reverse", "loop", "ping-pong", "smooth", "half smooth"})
-        if (!reader.Flag(std::string("the flag ") + flag))
-            return;
-    reader.End();
-}
 
 std::string RefusalText(const std::string& what, const FXLoadBudget& budget) {
     return "the show leaves " + what + " out: " + budget.Describe().text;
@@ -197,9 +169,9 @@ std::string RefusalText(const std::string& what, const FXLoadBudget& budget) {
 std::optional<EntryKind> KindByMark(const FXPackageData& data, int type) {
     if (FindPictureType(type) != nullptr)
         return EntryKind::Picture;
-    if (localStartsWith(data, "om02") || localStartsWith(data, "om03"))
+    if (localStartsWith(data, FXModel::kVersion2) || localStartsWith(data, FXModel::kVersion3))
         return EntryKind::Model;
-    if (localStartsWith(data, "oa03"))
+    if (localStartsWith(data, FXAnim::kVersion3))
         return EntryKind::Animation;
     return std::nullopt;
 }
@@ -217,17 +189,18 @@ EntryKind KindByShape(const FXPackageData& data) {
 }
 
 void CheckEntry(EntryKind kind, const FXPackageData& data, Faults* faults, EntryFacts* facts) {
+    ShapeReader reader(data, faults);
     switch (kind) {
     case EntryKind::Model:
-        return CheckModel(data, faults, facts);
+        return localCheckModel(&reader, facts);
     case EntryKind::Animation:
-        return CheckAnimation(data, faults, facts);
+        return localCheckAnimation(&reader, localStartsWith(data, FXAnim::kVersion3), facts);
     case EntryKind::Library:
-        return CheckLibrary(data, faults, facts);
+        return localCheckLibrary(&reader, facts);
     case EntryKind::Matrix:
-        return CheckMatrix(data, faults);
+        return localCheckRecord<FXMatrix>(&reader);
     case EntryKind::Phaser:
-        return CheckPhaser(data, faults);
+        return localCheckRecord<FXPhaser>(&reader);
     case EntryKind::Picture:
     case EntryKind::Raw:
         return;

@@ -24,12 +24,6 @@ struct EntryFacts {
     std::vector<MaterialFacts> materials;
 };
 
-void CheckModel(const FXPackageData& data, Faults* faults, EntryFacts* facts);
-void CheckAnimation(const FXPackageData& data, Faults* faults, EntryFacts* facts);
-void CheckLibrary(const FXPackageData& data, Faults* faults, EntryFacts* facts);
-void CheckMatrix(const FXPackageData& data, Faults* faults);
-void CheckPhaser(const FXPackageData& data, Faults* faults);
-
 // What the entry holds by its type or its magic word; none when they do not say.
 std::optional<EntryKind> KindByMark(const FXPackageData& data, int type);
 // What kind of record all of it is, without a fault or a warning. Animations and libraries, whose counts must

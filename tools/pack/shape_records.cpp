@@ -1,39 +1,16 @@
 #include "pack/shape_records.h"
 
-#include "geometry/vertex.h"
+#include "geometry/num_pool.h"
+#include "geometry/vector_map.h"
 #include "pack/text.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <set>
-#include <vector>
 
 namespace {
 
-constexpr int kVertexBytes = sizeof(tagFXVertex);
-constexpr int kDrawnFloats = 12; // position, normal, texture coordinate, colour
 constexpr const char* kKinds[] = {"position", "normal", "texture coordinate"};
-
-bool localReadHead(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
-    float extent = 0;
-    int draw = 0, color = 0;
-    if (!reader->String("the material of " + which, &mesh->material) ||
-        !reader->Float("the texture's extent u of " + which, &extent) ||
-        !reader->Float("the texture's extent v of " + which, &extent))
-        return false;
-    const int at = reader->Offset();
-    if (!reader->Int("the way to draw " + which, &draw) ||
-        !reader->Int("the colour mode of " + which, &color))
-        return false;
-    if (draw < 0 || draw > 2)
-        return reader->Fail(
-            at, Text("%s is to be drawn in way %d, but there are 0, 1 and 2: it would not be drawn",
-                     which.c_str(), draw));
-    return color == 0 || color == 1 ||
-           reader->Fail(at + 4, Text("the colour mode of %s is %d, neither 0 nor 1: it would not be drawn",
-                                     which.c_str(), color));
-}
 
 bool localWholeTriangles(RecordReader* reader, int at, const std::string& which, int corners) {
     if (corners < 0)
@@ -41,18 +18,6 @@ bool localWholeTriangles(RecordReader* reader, int at, const std::string& which,
     if (corners % 3 != 0)
         reader->Warn(at, Text("%s has %d corners, which are no whole triangles: the last %d make none",
                               which.c_str(), corners, corners % 3));
-    return true;
-}
-
-bool localReadVertices(RecordReader* reader, const std::string& which, int count) {
-    for (int i = 0; i < count; ++i) {
-        const std::string of = Text(" of vertex %d of %s", i, which.c_str());
-        if (!reader->Floats("position" + of, 3) || !reader->Floats("normal" + of, 3) ||
-            !reader->Floats("texture coordinate" + of, 2) || !reader->Floats("colour" + of, 4))
-            return false;
-        reader->Skip(kVertexBytes - kDrawnFloats * 4);
-        reader->Tell(kVertexBytes - kDrawnFloats * 4, "not drawn");
-    }
     return true;
 }
 
@@ -104,44 +69,53 @@ bool localReadCorners(RecordReader* pool, const std::string& which, const MeshFa
             return pool->Fail(at, Text("corner %d of %s makes vertex %zu, but its head says %d", corner,
                                        which.c_str(), distinct.size(), mesh.vertices));
     }
-    if (const int rest = pool->Left(); rest > 0) {
+    const int rest = pool->Left();
+    if (rest > 0)
         pool->Warn(pool->Offset(), Text("the pool of %s has %s more than its corners take: the show does not "
                                         "read that far",
                                         which.c_str(), Counted(rest, "byte", "bytes").c_str()));
-        pool->Skip(rest);
-        pool->Tell(rest, "not used");
-    }
-    return true;
+    return pool->Unused("not used", rest);
 }
 
 } // namespace
 
-bool ReadFullMesh(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
-    if (!localReadHead(reader, which, mesh) ||
-        !reader->Count("vertices of " + which, kVertexBytes, &mesh->vertices) ||
-        !localReadVertices(reader, which, mesh->vertices))
-        return false;
-    std::vector<int> indices;
-    const int countAt = reader->Offset();
-    if (!reader->Ints("corner", which, &indices))
-        return false;
-    mesh->corners = static_cast<int>(indices.size());
-    const auto wrong = std::ranges::find_if(indices, [&](int i) { return i < 0 || i >= mesh->vertices; });
-    if (wrong != indices.end()) {
-        const auto corner = static_cast<int>(wrong - indices.begin());
-        return reader->Fail(countAt + 4 + 4 * corner, Text("corner %d of %s is vertex %d, but there are %d",
-                                                           corner, which.c_str(), *wrong, mesh->vertices));
-    }
-    return localWholeTriangles(reader, countAt, which, mesh->corners);
+bool ShapeReader::Checked(const FXMeshRecord& mesh) {
+    if (mesh.draw < 0 || mesh.draw > 2)
+        return Fail(OffsetOf("the way to draw"),
+                    Text("%s is to be drawn in way %d, but there are 0, 1 and 2: it would not be drawn",
+                         Which().c_str(), mesh.draw));
+    return mesh.colorMode == 0 || mesh.colorMode == 1 ||
+           Fail(OffsetOf("the colour mode of"),
+                Text("the colour mode of %s is %d, neither 0 nor 1: it would not be drawn", Which().c_str(),
+                     mesh.colorMode));
 }
 
-bool ReadPackedMesh(RecordReader* reader, const std::string& which, MeshFacts* mesh) {
-    if (!localReadHead(reader, which, mesh))
+bool ReadFullMesh(ShapeReader* reader, const std::string& which, MeshFacts* mesh) {
+    FXMeshRecord record;
+    reader->Of(which);
+    const bool read = FXMeshRecord::Fields(record, *reader);
+    *mesh = {record.material.text, record.vertices.count, record.corners.count};
+    if (!read)
         return false;
-    const int at = reader->Offset();
-    if (!reader->Int("the number of vertices of " + which, &mesh->vertices) ||
-        !reader->Int("the number of corners of " + which, &mesh->corners))
+    const int at = reader->OffsetOf("corners of");
+    for (int i = 0; i < mesh->corners; ++i) {
+        int vertex = 0;
+        std::memcpy(&vertex, static_cast<const unsigned char*>(record.corners.bytes) + 4 * i, sizeof vertex);
+        if (vertex < 0 || vertex >= mesh->vertices)
+            return reader->Fail(at + 4 + 4 * i, Text("corner %d of %s is vertex %d, but there are %d", i,
+                                                     which.c_str(), vertex, mesh->vertices));
+    }
+    return localWholeTriangles(reader, at, which, mesh->corners);
+}
+
+bool ReadPackedMesh(ShapeReader* reader, const std::string& which, MeshFacts* mesh) {
+    FXMeshRecord record;
+    reader->Of(which);
+    const bool read = FXMeshRecord::PackedFields(record, *reader);
+    *mesh = {record.material.text, record.vertexCount, record.cornerCount};
+    if (!read)
         return false;
+    const int at = reader->OffsetOf("the number of vertices of");
     if (mesh->vertices < 0)
         return reader->Fail(at, Text("the number of vertices of %s is %d", which.c_str(), mesh->vertices));
     if (mesh->vertices == 0 && mesh->corners > 0) {
@@ -149,27 +123,29 @@ bool ReadPackedMesh(RecordReader* reader, const std::string& which, MeshFacts* m
                               mesh->corners));
         mesh->corners = 0;
     }
-    return localWholeTriangles(reader, at + 4, which, mesh->corners);
+    return localWholeTriangles(reader, reader->OffsetOf("the number of corners of"), which, mesh->corners);
 }
 
-bool ReadPool(RecordReader* reader, const std::string& which, const MeshFacts& mesh, PoolNumbers* numbers) {
-    int size = 0;
-    FXPackageData block;
-    if (!reader->Count("bytes in the pool of " + which, 1, &size))
+bool ReadPool(ShapeReader* reader, const std::string& which, const MeshFacts& mesh, PoolNumbers* numbers) {
+    FXStored<unsigned char> stored;
+    reader->Of(which);
+    if (!FXNumPool::Fields(stored, *reader))
         return false;
-    const int start = reader->Offset();
-    return reader->Bytes("the pool of " + which, size, &block) &&
-           reader->Inside(block, start,
+    FXPackageData block;
+    block.InitData(stored.bytes, stored.count);
+    return reader->Inside(block, reader->Offset() - stored.count,
                           [&](RecordReader* pool) { return localReadCorners(pool, which, mesh, numbers); });
 }
 
-bool ReadVectorMap(RecordReader* reader, const std::string& which, MapCounts* counts) {
-    return reader->Vectors("position", 3, which, &(*counts)[0]) &&
-           reader->Vectors("normal", 3, which, &(*counts)[1]) &&
-           reader->Vectors("texture coordinate", 2, which, &(*counts)[2]);
+bool ReadVectorMap(ShapeReader* reader, const std::string& which, MapCounts* counts) {
+    FXVectorMap map;
+    reader->Of(which);
+    const bool read = FXVectorMap::Fields(map, *reader);
+    *counts = {map.posCount, map.normCount, map.texCount};
+    return read;
 }
 
-bool CheckNumbers(RecordReader* reader, const std::string& mesh, const PoolNumbers& numbers,
+bool CheckNumbers(ShapeReader* reader, const std::string& mesh, const PoolNumbers& numbers,
                   const std::string& which, const MapCounts& counts) {
     for (std::size_t kind = 0; kind < 3; ++kind)
         if (numbers.highest[kind] >= counts[kind])

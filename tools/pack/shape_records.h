@@ -1,6 +1,7 @@
 // What models and animations are made of, read strictly.
 #pragma once
 
+#include "geometry/mesh_record.h"
 #include "pack/record_reader.h"
 
 #include <array>
@@ -19,11 +20,18 @@ struct PoolNumbers {
 };
 using MapCounts = std::array<int, 3>;
 
+class ShapeReader : public RecordReader {
+public:
+    using RecordReader::RecordReader;
+    template <class Record> bool Checked(const Record&) { return true; }
+    bool Checked(const FXMeshRecord& mesh); // can it be drawn?
+};
+
 // `which`: the mesh or map in a fault's text, as "mesh 2".
-bool ReadFullMesh(RecordReader* reader, const std::string& which, MeshFacts* mesh);
-bool ReadPackedMesh(RecordReader* reader, const std::string& which, MeshFacts* mesh);
-bool ReadPool(RecordReader* reader, const std::string& which, const MeshFacts& mesh, PoolNumbers* numbers);
-bool ReadVectorMap(RecordReader* reader, const std::string& which, MapCounts* counts);
+bool ReadFullMesh(ShapeReader* reader, const std::string& which, MeshFacts* mesh);
+bool ReadPackedMesh(ShapeReader* reader, const std::string& which, MeshFacts* mesh);
+bool ReadPool(ShapeReader* reader, const std::string& which, const MeshFacts& mesh, PoolNumbers* numbers);
+bool ReadVectorMap(ShapeReader* reader, const std::string& which, MapCounts* counts);
 // Every number has its vector. `which` is the map.
-bool CheckNumbers(RecordReader* reader, const std::string& mesh, const PoolNumbers& numbers,
+bool CheckNumbers(ShapeReader* reader, const std::string& mesh, const PoolNumbers& numbers,
                   const std::string& which, const MapCounts& counts);
