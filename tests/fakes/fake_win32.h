@@ -1,5 +1,5 @@
-// A scripted stand-in for the platform: it says what the test tells it to say and writes down what it was
-// asked to do. Threads, locks and the clock are real (the Linux layer's own).
+// A scripted stand-in for the platform: it answers what the test has set and writes down what it was asked to
+// do. Threads, locks, the clock and the last error are real (the Linux layer's own).
 #pragma once
 
 #include "win32/win32.h"
@@ -16,7 +16,6 @@
 inline const HWND kFakeWindow = reinterpret_cast<HWND>(static_cast<UINT_PTR>(0x700));
 
 struct FakeWin32 {
-    // What the platform says.
     std::string commandLine = "tamblor";
     DWORD platform = VER_PLATFORM_WIN32_NT;
     int screenWidth = 1280;
@@ -29,9 +28,8 @@ struct FakeWin32 {
     std::set<HWND> windows;                      // other programs'
     std::map<std::string, std::string> registry; // "key\value": the bytes; under the current user
     std::map<std::string, std::map<std::string, FARPROC>> modules;
-    std::map<std::string, PROC> glEntryPoints; // by wglGetProcAddress
-    std::set<std::string> failing;             // functions that fail, by name
-    DWORD lastError = 0;                       // what they leave behind, until somebody sets another
+    std::map<std::string, const char*> libraries; // real ones, by the name of the module that each stands for
+    std::set<std::string> failing;                // functions that fail, by name
 
     // What GetMessageA does, one by one, while no message is posted. With no step left it reports an error.
     std::deque<std::function<void()>> steps;
@@ -53,3 +51,13 @@ template <class Function> FARPROC FakeEntry(Function* function) {
 std::vector<std::string> TakeFakeCalls();
 // Adds to that list; for a test's own fakes.
 void NoteFakeCall(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+// A function that writes down what the format says, where there is one, and gives an answer.
+#define FAKE(type, function, parameters, answer, ...)                                                        \
+    type function parameters {                                                                               \
+        __VA_OPT__(NoteFakeCall(__VA_ARGS__);)                                                               \
+        return answer;                                                                                       \
+    }
+inline bool FakeFails(const char* function) {
+    return fakeWin32.failing.contains(function);
+}

@@ -1,10 +1,17 @@
-// Windows, messages and OpenGL on them.
-#include "fakes/fake_state.h"
+// Windows, messages, OpenGL on them, and the list of what was done.
+#include "fakes/fake_win32.h"
 
+#include <cstdarg>
+#include <cstdio>
+#include <mutex>
 #include <utility>
+
+FakeWin32 fakeWin32;
 
 namespace {
 
+std::mutex callsMutex; // a loop thread calls, too
+std::vector<std::string> calls;
 WNDPROC classProc = nullptr;
 bool windowLives = false;
 std::deque<MSG> posted;
@@ -25,10 +32,27 @@ template <class T> T FakeHandle(UINT_PTR value, const char* function) {
 
 } // namespace
 
-void ResetFakeWindow() {
+void NoteFakeCall(const char* format, ...) {
+    char text[512];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    const std::lock_guard lock(callsMutex);
+    calls.emplace_back(text);
+}
+
+std::vector<std::string> TakeFakeCalls() {
+    const std::lock_guard lock(callsMutex);
+    return std::exchange(calls, {});
+}
+
+void ResetFakeWin32() {
+    fakeWin32 = {};
     classProc = nullptr;
     windowLives = quitPosted = false;
     posted.clear();
+    TakeFakeCalls();
 }
 
 void AdoptFakeWindow(WNDPROC proc) {
@@ -63,44 +87,23 @@ BOOL DestroyWindow(HWND window) {
     return TRUE;
 }
 
-BOOL IsWindow(HWND window) {
-    return Lives(window) || fakeWin32.windows.contains(window);
-}
-BOOL ShowWindow(HWND, int show) {
-    return NoteFakeCall("ShowWindow(%d)", show), TRUE;
-}
-BOOL UpdateWindow(HWND) {
-    return NoteFakeCall("UpdateWindow()"), TRUE;
-}
-BOOL ValidateRect(HWND, const RECT*) {
-    return NoteFakeCall("ValidateRect()"), TRUE;
-}
-BOOL GetClientRect(HWND, RECT* area) {
-    return *area = fakeWin32.clientArea, TRUE;
-}
+FAKE(BOOL, IsWindow, (HWND window), Lives(window) || fakeWin32.windows.contains(window))
+FAKE(BOOL, ShowWindow, (HWND, int show), TRUE, "ShowWindow(%d)", show)
+FAKE(BOOL, UpdateWindow, (HWND), TRUE, "UpdateWindow()")
+FAKE(BOOL, ValidateRect, (HWND, const RECT*), TRUE, "ValidateRect()")
+FAKE(BOOL, GetClientRect, (HWND, RECT* area), (*area = fakeWin32.clientArea, TRUE))
 BOOL GetWindowRect(HWND window, RECT* area) {
     const auto at = fakeWin32.windowAreas.find(window);
     return *area = at != fakeWin32.windowAreas.end() ? at->second : fakeWin32.clientArea, TRUE;
 }
-HWND SetParent(HWND, HWND parent) {
-    NoteFakeCall("SetParent(0x%x)", Number(parent));
-    return std::exchange(fakeWin32.parent, parent);
-}
-HWND GetForegroundWindow() {
-    return fakeWin32.foreground;
-}
-
-BOOL SetWindowPos(HWND, HWND, int x, int y, int width, int height, UINT flags) {
-    return NoteFakeCall("SetWindowPos(%d, %d, %d, %d, %u)", x, y, width, height, flags), TRUE;
-}
+FAKE(HWND, SetParent, (HWND, HWND parent), std::exchange(fakeWin32.parent, parent), "SetParent(0x%x)",
+     Number(parent))
+FAKE(HWND, GetForegroundWindow, (), fakeWin32.foreground)
+FAKE(BOOL, SetWindowPos, (HWND, HWND, int x, int y, int width, int height, UINT flags), TRUE,
+     "SetWindowPos(%d, %d, %d, %d, %u)", x, y, width, height, flags)
 
 BOOL GetMessageA(MSG* message, HWND, UINT, UINT) {
-    for (;;) {
-        if (!posted.empty()) {
-            *message = posted.front();
-            posted.pop_front();
-            return TRUE;
-        }
+    while (posted.empty()) {
         if (quitPosted) {
             *message = {};
             message->message = WM_QUIT;
@@ -113,11 +116,12 @@ BOOL GetMessageA(MSG* message, HWND, UINT, UINT) {
         fakeWin32.steps.pop_front();
         step();
     }
+    *message = posted.front();
+    posted.pop_front();
+    return TRUE;
 }
 
-BOOL TranslateMessage(const MSG*) {
-    return FALSE;
-}
+FAKE(BOOL, TranslateMessage, (const MSG*), FALSE)
 
 LRESULT DispatchMessageA(const MSG* message) {
     return SendMessageA(message->hwnd, message->message, message->wParam, message->lParam);
@@ -147,65 +151,27 @@ LRESULT DefWindowProcA(HWND window, UINT message, WPARAM, LPARAM) {
     return 0;
 }
 
-INT_PTR DialogBoxParamA(HINSTANCE, const char* name, HWND parent, DLGPROC, LPARAM) {
-    return NoteFakeCall("DialogBoxParamA(%u, 0x%x)", Number(name), Number(parent)), -1;
-}
+FAKE(INT_PTR, DialogBoxParamA, (HINSTANCE, const char* name, HWND parent, DLGPROC, LPARAM), -1,
+     "DialogBoxParamA(%u, 0x%x)", Number(name), Number(parent))
+FAKE(int, MessageBoxA, (HWND, const char* text, const char* title, UINT type), IDOK,
+     "MessageBoxA(%s, %s, 0x%x)", text, title ? title : "no title", type)
+FAKE(HCURSOR, SetCursor, (HCURSOR cursor), nullptr, "SetCursor(%u)", Number(cursor))
+FAKE(BOOL, GetCursorPos, (POINT * position), (*position = fakeWin32.pointer, TRUE))
+FAKE(HICON, LoadIconA, (HINSTANCE, const char*), nullptr)
+FAKE(HGDIOBJ, GetStockObject, (int), nullptr)
+FAKE(int, GetSystemMetrics, (int index),
+     index == SM_CXSCREEN ? fakeWin32.screenWidth : fakeWin32.screenHeight)
 
-int MessageBoxA(HWND, const char* text, const char* title, UINT type) {
-    return NoteFakeCall("MessageBoxA(%s, %s, 0x%x)", text, title ? title : "no title", type), IDOK;
-}
-
-HCURSOR SetCursor(HCURSOR cursor) {
-    return NoteFakeCall("SetCursor(%u)", Number(cursor)), nullptr;
-}
-BOOL GetCursorPos(POINT* position) {
-    return *position = fakeWin32.pointer, TRUE;
-}
-HICON LoadIconA(HINSTANCE, const char*) {
-    return nullptr;
-}
-HGDIOBJ GetStockObject(int) {
-    return nullptr;
-}
-
-int GetSystemMetrics(int index) {
-    return index == SM_CXSCREEN ? fakeWin32.screenWidth : index == SM_CYSCREEN ? fakeWin32.screenHeight : 0;
-}
-
-HDC GetDC(HWND) {
-    return FakeHandle<HDC>(0xDC, "GetDC");
-}
-int ReleaseDC(HWND, HDC) {
-    return NoteFakeCall("ReleaseDC()"), 1;
-}
-
-int ChoosePixelFormat(HDC, const PIXELFORMATDESCRIPTOR* wanted) {
-    fakeWin32.pixelFormat = *wanted;
-    return FakeFails("ChoosePixelFormat") ? 0 : 7;
-}
-
-BOOL SetPixelFormat(HDC, int format, const PIXELFORMATDESCRIPTOR*) {
-    return NoteFakeCall("SetPixelFormat(%d)", format), !FakeFails("SetPixelFormat");
-}
-
-HGLRC wglCreateContext(HDC) {
-    return FakeHandle<HGLRC>(0x61, "wglCreateContext");
-}
-BOOL wglDeleteContext(HGLRC) {
-    fakeWin32.lastError = 0;
-    return NoteFakeCall("wglDeleteContext()"), TRUE;
-}
-
+FAKE(HDC, GetDC, (HWND), FakeHandle<HDC>(0xDC, "GetDC"))
+FAKE(int, ReleaseDC, (HWND, HDC), 1, "ReleaseDC()")
+FAKE(int, ChoosePixelFormat, (HDC, const PIXELFORMATDESCRIPTOR* wanted),
+     (fakeWin32.pixelFormat = *wanted, FakeFails("ChoosePixelFormat") ? 0 : 7))
+FAKE(BOOL, SetPixelFormat, (HDC, int format, const PIXELFORMATDESCRIPTOR*), !FakeFails("SetPixelFormat"),
+     "SetPixelFormat(%d)", format)
+FAKE(HGLRC, wglCreateContext, (HDC), FakeHandle<HGLRC>(0x61, "wglCreateContext"))
+FAKE(BOOL, wglDeleteContext, (HGLRC), (SetLastError(0), TRUE), "wglDeleteContext()")
 BOOL wglMakeCurrent(HDC dc, HGLRC context) {
     const bool on = dc != nullptr && context != nullptr;
     return NoteFakeCall("wglMakeCurrent(%s)", on ? "on" : "off"), !on || !FakeFails("wglMakeCurrent");
 }
-
-PROC wglGetProcAddress(const char* name) {
-    const auto entry = fakeWin32.glEntryPoints.find(name);
-    return entry != fakeWin32.glEntryPoints.end() ? entry->second : nullptr;
-}
-
-BOOL SwapBuffers(HDC) {
-    return NoteFakeCall("SwapBuffers()"), TRUE;
-}
+FAKE(BOOL, SwapBuffers, (HDC), TRUE, "SwapBuffers()")

@@ -1,5 +1,7 @@
 #include "fakes/gl_recorder.h"
 
+#include "win32/win32.h"
+
 #include <GL/gl.h>
 #include <GL/glu.h>
 
@@ -41,86 +43,57 @@ GLuint lastTexture = 0;
 std::atomic<bool> nullMode = false;
 GLRecorder::Driver driver;
 
-// The forms that an argument takes in the list; a plain number writes itself.
-struct Name {
-    GLenum value;
-};
-struct Mask {
-    GLbitfield bits;
-};
-struct Floats {
-    const GLfloat* values;
-    int count;
-};
-struct Pixels {
-    const void* bytes;
-    GLsizei width, height;
-};
-
 std::string Text(double value) {
     char text[32];
     std::snprintf(text, sizeof text, "%g", value);
     return text;
 }
-
-std::string Text(const char* text) {
+std::string Text(std::string text) {
     return text;
 }
 
-std::string Text(Name name) {
+// The forms that an argument takes in the list; a plain number writes itself.
+std::string Name(GLenum wanted) {
     std::string_view names = kNames;
     for (const GLenum value : kValues) {
-        if (value == name.value)
+        if (value == wanted)
             return std::string(names.substr(0, names.find(',')));
         names.remove_prefix(std::min(names.find(',') + 2, names.size()));
     }
     char number[16];
-    std::snprintf(number, sizeof number, "0x%X", name.value);
+    std::snprintf(number, sizeof number, "0x%X", wanted);
     return number;
 }
-
-std::string Text(Mask mask) {
-    std::string text;
-    const auto add = [&](GLbitfield bit, const char* name) {
-        if ((mask.bits & bit) != 0)
-            text.append(text.empty() ? "" : "|").append(name);
-    };
-    add(GL_COLOR_BUFFER_BIT, "GL_COLOR_BUFFER_BIT");
-    add(GL_DEPTH_BUFFER_BIT, "GL_DEPTH_BUFFER_BIT");
-    add(GL_STENCIL_BUFFER_BIT, "GL_STENCIL_BUFFER_BIT");
-    return text.empty() ? "0" : text;
+std::string Mask(GLbitfield bits) {
+    std::string text = (bits & GL_COLOR_BUFFER_BIT) != 0 ? "|GL_COLOR_BUFFER_BIT" : "";
+    text += (bits & GL_DEPTH_BUFFER_BIT) != 0 ? "|GL_DEPTH_BUFFER_BIT" : "";
+    text += (bits & GL_STENCIL_BUFFER_BIT) != 0 ? "|GL_STENCIL_BUFFER_BIT" : "";
+    return text.empty() ? "0" : text.substr(1);
 }
-
-std::string Text(Floats floats) {
-    std::string text;
-    for (int i = 0; i < floats.count; ++i)
-        text.append(i > 0 ? "," : "").append(Text(static_cast<double>(floats.values[i])));
+std::string Floats(const GLfloat* values, int count) {
+    std::string text = Text(static_cast<double>(values[0]));
+    for (int i = 1; i < count; ++i)
+        text += "," + Text(static_cast<double>(values[i]));
     return text;
 }
-
-std::string Text(Pixels pixels) {
-    const auto* first = static_cast<const unsigned char*>(pixels.bytes);
-    const auto* last = first + 4 * (static_cast<std::ptrdiff_t>(pixels.width) * pixels.height - 1);
+std::string Pixels(const void* bytes, GLsizei width, GLsizei height) {
+    const auto* first = static_cast<const unsigned char*>(bytes);
+    const auto* last = first + 4 * (static_cast<std::ptrdiff_t>(width) * height - 1);
     char text[32];
     std::snprintf(text, sizeof text, "%02x%02x%02x%02x..%02x%02x%02x%02x", first[0], first[1], first[2],
                   first[3], last[0], last[1], last[2], last[3]);
     return text;
 }
 
-template <class... Arguments> void Write(const char* function, const Arguments&... arguments) {
+template <class... Arguments> void Note(const char* function, const Arguments&... arguments) {
     std::string call = std::string(function) + "(";
     ((call += Text(arguments), call += ','), ...);
     if (call.back() == ',')
         call.pop_back();
     call += ')';
     const std::lock_guard lock(mutex);
-    calls.push_back(std::move(call));
-}
-
-// Inline, so that in null mode a call is one test.
-template <class... Arguments> inline void Note(const char* function, const Arguments&... arguments) {
-    if (!nullMode.load(std::memory_order_relaxed))
-        Write(function, arguments...);
+    if (!nullMode)
+        calls.push_back(std::move(call));
 }
 
 // The parameters of lights, materials and light models are colours, but for these.
@@ -130,15 +103,14 @@ int ParameterSize(GLenum parameter) {
     return single ? 1 : parameter == GL_SPOT_DIRECTION ? 3 : 4;
 }
 
-void APIENTRY RecordActiveTexture(GLenum unit) {
-    Note("glActiveTexture", Name{unit});
-}
-void APIENTRY RecordMultiTexCoord2f(GLenum unit, GLfloat s, GLfloat t) {
-    Note("glMultiTexCoord2f", Name{unit}, s, t);
-}
-void APIENTRY RecordMultiTexCoord2fv(GLenum unit, const GLfloat* v) {
-    Note("glMultiTexCoord2fv", Name{unit}, Floats{v, 2});
-}
+#define RECORD_AS(name, function, parameters, ...)                                                           \
+    void APIENTRY function parameters {                                                                      \
+        if (!nullMode.load(std::memory_order_relaxed))                                                       \
+            Note(name __VA_OPT__(, ) __VA_ARGS__);                                                           \
+    }
+RECORD_AS("glActiveTexture", ActiveTexture, (GLenum unit), Name(unit))
+RECORD_AS("glMultiTexCoord2f", MultiTexCoord2f, (GLenum unit, GLfloat s, GLfloat t), Name(unit), s, t)
+RECORD_AS("glMultiTexCoord2fv", MultiTexCoord2fv, (GLenum unit, const GLfloat* v), Name(unit), Floats(v, 2))
 
 } // namespace
 
@@ -175,10 +147,14 @@ void GLRecorder::Reset() {
     driver = {};
 }
 
-std::map<std::string, PROC> GLRecorder::EntryPoints() {
-    return {{"glActiveTexture", std::bit_cast<PROC>(&RecordActiveTexture)},
-            {"glMultiTexCoord2f", std::bit_cast<PROC>(&RecordMultiTexCoord2f)},
-            {"glMultiTexCoord2fv", std::bit_cast<PROC>(&RecordMultiTexCoord2fv)}};
+PROC wglGetProcAddress(const char* name) {
+    const std::string_view wanted = name;
+    if (wanted == driver.missing)
+        return nullptr;
+    return wanted == "glActiveTexture"      ? std::bit_cast<PROC>(&ActiveTexture)
+           : wanted == "glMultiTexCoord2f"  ? std::bit_cast<PROC>(&MultiTexCoord2f)
+           : wanted == "glMultiTexCoord2fv" ? std::bit_cast<PROC>(&MultiTexCoord2fv)
+                                            : nullptr;
 }
 
 extern "C" {
@@ -192,30 +168,17 @@ const GLubyte* GLAPIENTRY glGetString(GLenum name) {
     return reinterpret_cast<const GLubyte*>(text);
 }
 
-#define ONE_ENUM(function)                                                                                   \
-    void GLAPIENTRY function(GLenum a) {                                                                     \
-        Note(#function, Name{a});                                                                            \
-    }
-#define TWO_ENUMS(function)                                                                                  \
-    void GLAPIENTRY function(GLenum a, GLenum b) {                                                           \
-        Note(#function, Name{a}, Name{b});                                                                   \
-    }
-#define TWO_ENUMS_AND_A_VALUE(function, type)                                                                \
-    void GLAPIENTRY function(GLenum a, GLenum b, type value) {                                               \
-        Note(#function, Name{a}, Name{b}, value);                                                            \
-    }
-#define TWO_ENUMS_AND_A_NAME(function, type)                                                                 \
-    void GLAPIENTRY function(GLenum a, GLenum b, type value) {                                               \
-        Note(#function, Name{a}, Name{b}, Name{static_cast<GLenum>(value)});                                 \
-    }
+#define RECORD(function, parameters, ...) RECORD_AS(#function, function, parameters, __VA_ARGS__)
+#define ONE_ENUM(function) RECORD(function, (GLenum a), Name(a))
+#define TWO_ENUMS(function) RECORD(function, (GLenum a, GLenum b), Name(a), Name(b))
+#define ENUMS_AND_VALUE(function)                                                                            \
+    RECORD(function, (GLenum a, GLenum b, GLfloat value), Name(a), Name(b), value)
+#define THREE_ENUMS(function, type)                                                                          \
+    RECORD(function, (GLenum a, GLenum b, type c), Name(a), Name(b), Name(static_cast<GLenum>(c)))
 #define PARAMETERS(function)                                                                                 \
-    void GLAPIENTRY function(GLenum a, GLenum parameter, const GLfloat* values) {                            \
-        Note(#function, Name{a}, Name{parameter}, Floats{values, ParameterSize(parameter)});                 \
-    }
-#define VECTOR(function, size)                                                                               \
-    void GLAPIENTRY function(const GLfloat* v) {                                                             \
-        Note(#function, Floats{v, size});                                                                    \
-    }
+    RECORD(function, (GLenum a, GLenum b, const GLfloat* values), Name(a), Name(b),                          \
+           Floats(values, ParameterSize(b)))
+#define VECTOR(function, size) RECORD(function, (const GLfloat* v), Floats(v, size))
 
 ONE_ENUM(glShadeModel)
 ONE_ENUM(glEnable)
@@ -227,11 +190,11 @@ TWO_ENUMS(glHint)
 TWO_ENUMS(glPolygonMode)
 TWO_ENUMS(glBlendFunc)
 TWO_ENUMS(glColorMaterial)
-TWO_ENUMS_AND_A_VALUE(glLightf, GLfloat)
-TWO_ENUMS_AND_A_VALUE(glMaterialf, GLfloat)
-TWO_ENUMS_AND_A_NAME(glTexParameteri, GLint)
-TWO_ENUMS_AND_A_NAME(glTexEnvf, GLfloat)
-TWO_ENUMS_AND_A_NAME(glTexGeni, GLint)
+ENUMS_AND_VALUE(glLightf)
+ENUMS_AND_VALUE(glMaterialf)
+THREE_ENUMS(glTexParameteri, GLint)
+THREE_ENUMS(glTexEnvf, GLfloat)
+THREE_ENUMS(glTexGeni, GLint)
 PARAMETERS(glLightfv)
 PARAMETERS(glMaterialfv)
 VECTOR(glColor4fv, 4)
@@ -239,82 +202,45 @@ VECTOR(glNormal3fv, 3)
 VECTOR(glTexCoord2fv, 2)
 VECTOR(glVertex3fv, 3)
 VECTOR(glLoadMatrixf, 16)
+RECORD(glClear, (GLbitfield mask), Mask(mask))
+RECORD(glClearColor, (GLclampf r, GLclampf g, GLclampf b, GLclampf a), r, g, b, a)
+RECORD(glClearDepth, (GLclampd depth), depth)
+RECORD(glClearStencil, (GLint s), s)
+RECORD(glViewport, (GLint x, GLint y, GLsizei width, GLsizei height), x, y, width, height)
+RECORD(glDepthMask, (GLboolean on), on != GL_FALSE ? "GL_TRUE" : "GL_FALSE")
+RECORD(glAlphaFunc, (GLenum function, GLclampf reference), Name(function), reference)
+RECORD(glLoadIdentity, ())
+RECORD(glOrtho, (GLdouble l, GLdouble r, GLdouble b, GLdouble t, GLdouble n, GLdouble f), l, r, b, t, n, f)
+RECORD(glLightModelfv, (GLenum a, const GLfloat* values), Name(a), Floats(values, ParameterSize(a)))
+RECORD(glLightModeli, (GLenum a, GLint value), Name(a), Name(static_cast<GLenum>(value)))
+RECORD(glBegin, (GLenum mode), mode == GL_TRIANGLES ? "GL_TRIANGLES" : "something else")
+RECORD(glEnd, ())
+RECORD(glColor4f, (GLfloat r, GLfloat g, GLfloat b, GLfloat a), r, g, b, a)
+RECORD(glBindTexture, (GLenum target, GLuint name), Name(target), name)
+RECORD(glPixelStorei, (GLenum parameter, GLint value), Name(parameter), value)
 
-void GLAPIENTRY glClear(GLbitfield mask) {
-    Note("glClear", Mask{mask});
-}
-void GLAPIENTRY glClearColor(GLclampf r, GLclampf g, GLclampf b, GLclampf a) {
-    Note("glClearColor", r, g, b, a);
-}
-void GLAPIENTRY glClearDepth(GLclampd depth) {
-    Note("glClearDepth", depth);
-}
-void GLAPIENTRY glClearStencil(GLint s) {
-    Note("glClearStencil", s);
-}
-void GLAPIENTRY glViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
-    Note("glViewport", x, y, width, height);
-}
-void GLAPIENTRY glDepthMask(GLboolean on) {
-    Note("glDepthMask", on != GL_FALSE ? "GL_TRUE" : "GL_FALSE");
-}
-void GLAPIENTRY glAlphaFunc(GLenum function, GLclampf reference) {
-    Note("glAlphaFunc", Name{function}, reference);
-}
-void GLAPIENTRY glLoadIdentity() {
-    Note("glLoadIdentity");
-}
-void GLAPIENTRY glOrtho(GLdouble left, GLdouble right, GLdouble bottom, GLdouble top, GLdouble near,
-                        GLdouble far) {
-    Note("glOrtho", left, right, bottom, top, near, far);
-}
-void GLAPIENTRY glLightModelfv(GLenum parameter, const GLfloat* values) {
-    Note("glLightModelfv", Name{parameter}, Floats{values, ParameterSize(parameter)});
-}
-void GLAPIENTRY glLightModeli(GLenum parameter, GLint value) {
-    Note("glLightModeli", Name{parameter}, Name{static_cast<GLenum>(value)});
-}
-void GLAPIENTRY glBegin(GLenum mode) {
-    Note("glBegin", mode == GL_TRIANGLES ? "GL_TRIANGLES" : "something else");
-}
-void GLAPIENTRY glEnd() {
-    Note("glEnd");
-}
-void GLAPIENTRY glColor4f(GLfloat r, GLfloat g, GLfloat b, GLfloat a) {
-    Note("glColor4f", r, g, b, a);
-}
-void GLAPIENTRY glGenTextures(GLsizei count, GLuint* names) {
-    for (GLsizei i = 0; i < count; ++i) {
-        {
-            const std::lock_guard lock(mutex);
-            names[i] = ++lastTexture;
-            textures.insert(lastTexture);
-        }
-        Note("glGenTextures", 1, names[i]);
-    }
-}
-void GLAPIENTRY glDeleteTextures(GLsizei count, const GLuint* names) {
-    for (GLsizei i = 0; i < count; ++i) {
-        Note("glDeleteTextures", 1, names[i]);
+// The product makes and deletes one at a time.
+void GLAPIENTRY glGenTextures(GLsizei, GLuint* name) {
+    {
         const std::lock_guard lock(mutex);
-        textures.erase(names[i]);
+        textures.insert(*name = ++lastTexture);
     }
+    Note("glGenTextures", 1, *name);
 }
-void GLAPIENTRY glBindTexture(GLenum target, GLuint name) {
-    Note("glBindTexture", Name{target}, name);
-}
-void GLAPIENTRY glPixelStorei(GLenum parameter, GLint value) {
-    Note("glPixelStorei", Name{parameter}, value);
+void GLAPIENTRY glDeleteTextures(GLsizei, const GLuint* name) {
+    Note("glDeleteTextures", 1, *name);
+    const std::lock_guard lock(mutex);
+    textures.erase(*name);
 }
 void GLAPIENTRY glTexImage2D(GLenum target, GLint level, GLint components, GLsizei width, GLsizei height,
                              GLint border, GLenum format, GLenum type, const void* pixels) {
-    Note("glTexImage2D", Name{target}, level, components, width, height, border, Name{format}, Name{type},
-         Pixels{pixels, width, height});
+    Note("glTexImage2D", Name(target), level, components, width, height, border, Name(format), Name(type),
+         Pixels(pixels, width, height));
 }
 GLint GLAPIENTRY gluBuild2DMipmaps(GLenum target, GLint components, GLsizei width, GLsizei height,
                                    GLenum format, GLenum type, const void* pixels) {
-    Note("gluBuild2DMipmaps", Name{target}, components, width, height, Name{format}, Name{type},
-         Pixels{pixels, width, height});
+    Note("gluBuild2DMipmaps", Name(target), components, width, height, Name(format), Name(type),
+         Pixels(pixels, width, height));
     return 0;
 }
 }

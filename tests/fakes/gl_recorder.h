@@ -1,10 +1,7 @@
 // OpenGL 1.1 and GLU as the product calls them, written down instead of drawn; what a program links in the
-// place of the real libraries.
+// place of the real libraries. The entry points of multitexture are there as well.
 #pragma once
 
-#include "win32/win32.h"
-
-#include <map>
 #include <string>
 #include <vector>
 
@@ -27,6 +24,7 @@ struct Driver {
     const char* renderer = "the renderer";
     const char* version = "1.4";
     const char* extensions = "GL_ARB_multitexture GL_EXT_texture_edge_clamp";
+    const char* missing = ""; // the one entry point of multitexture that it does not have
 };
 void SetDriver(const Driver& driver);
 
@@ -35,8 +33,5 @@ int LiveTextures();
 
 // Forgets the calls and the textures (the next one is 1 again) and puts the usual driver back.
 void Reset();
-
-// glActiveTexture, glMultiTexCoord2f and glMultiTexCoord2fv, which a program looks up by name.
-std::map<std::string, PROC> EntryPoints();
 
 } // namespace GLRecorder

@@ -17,9 +17,6 @@ using Floats = std::vector<float>;
 Floats ValuesOf(const FXFloatArray& array) {
     return {array.begin(), array.end()};
 }
-void SetAll(FXFloatArray* array, float value) {
-    std::fill(array->begin(), array->end(), value);
-}
 
 // 64 directions.
 class Burning : public testing::Test {
@@ -34,6 +31,11 @@ protected:
         fxSetTickSource(nullptr);
     }
     void Render(double time) { fire_.OnRender(&device_.gl, time); }
+    double BurnOut(double time = 0) {
+        for (const double end = time + 30; !fire_.done && time < end; time += 0.05)
+            Render(time);
+        return time;
+    }
     tagFXVertex& At(int ring, int direction) {
         return fire_.desk.mesh.vertices[ring * (fire_.num + 1) + direction];
     }
@@ -44,15 +46,14 @@ protected:
 };
 
 TEST_F(Burning, BeginsWithTheHoleClosedAndMovesNothingInItsFirstFrame) {
-    const std::array<float, 4> kBrown = {0.50196f, 0.38824f, 0.26667f, 1};
-    const std::array<float, 4> kWhite = {1, 1, 1, 1};
-    const std::array<float, 4> kColors[] = {
-        {0, 0, 0, 0}, {0, 0, 0, 1}, {0, 0, 0, 1}, {1, 0, 0, 1},
-        {1, 0, 0, 1}, kBrown,       kBrown,       {0.75098f, 0.69412f, 0.63333f, 1},
-        kWhite,       kWhite};
+    const std::array<float, 4> kBlack = {0, 0, 0, 1}, kRed = {1, 0, 0, 1}, kWhite = {1, 1, 1, 1},
+                               kBrown = {0.50196f, 0.38824f, 0.26667f, 1},
+                               kPale = {0.75098f, 0.69412f, 0.63333f, 1};
+    const std::array<float, 4> kColors[] = {{},     kBlack, kBlack, kRed,   kRed,
+                                            kBrown, kBrown, kPale,  kWhite, kWhite};
     EXPECT_TRUE(fire_.desk.mesh.vertexCount == 650 && fire_.desk.mesh.colorMode == 1);
     for (int r = 0; r < 10; ++r)
-        for (const int i : {0, 1, 63, 64}) // and the seam, which stays white
+        for (const int i : {0, 63, 64}) // and the seam, which stays white
             for (std::size_t c = 0; c < 4; ++c)
                 EXPECT_NEAR(At(r, i).color[c], i < 64 ? kColors[r][c] : 1.0f, 1e-5) << r << ", " << i;
     for (int burn = 0; burn < 2; ++burn, fire_.ReCreate()) {
@@ -80,13 +81,16 @@ TEST_F(Burning, MakesNewSpeedsAfterMoreThanHalfASecond) {
 }
 
 TEST_F(Burning, AdvancesWithTheSquareOfTheTime) {
-    SetAll(&fire_.speeds, 0.7f);
+    std::ranges::fill(fire_.speeds, 0.7f);
     fire_.UpdatePositions(1000);
     fire_.UpdatePositions(1009.98);
     const float before[] = {Dist(1, 5), Dist(8, 5)};
     fire_.UpdatePositions(1010);
     EXPECT_NEAR(Dist(1, 5) - before[0], 0.7f * 0.02f * 100 / 900, 2e-6);
     EXPECT_NEAR(Dist(8, 5) - before[1], 0.7f * 0.02f * 100 / 900, 2e-6);
+    fire_.radius = 2 * fire_.radius;
+    fire_.UpdatePositions(1010.02);
+    EXPECT_NEAR(Dist(8, 5) - before[1], 3 * 0.7f * 0.02f * 100 / 900, 3e-5) << "a larger one runs faster";
 }
 
 TEST_F(Burning, KeepsItsBands) {
@@ -102,42 +106,35 @@ TEST_F(Burning, KeepsItsBands) {
         for (int r = 0; r < 8; ++r)
             EXPECT_NEAR((Dist(r + 1, 63) - Dist(r, 63)) / 0.01f, apart ? kGreatest[r] : kLeast[r], 1e-4) << r;
     }
-    Render(1);
-    for (const double time : {1.01, 3.0, 9.0})
-        for (Render(time); const int r : {1, 6, 7})
-            for (int i = 0; i < 64; ++i) {
-                const float width = (Dist(r + 1, i) - Dist(r, i)) / 0.01f;
-                EXPECT_TRUE(kLeast[r] - 1e-4f <= width && width <= kGreatest[r] + 1e-4f)
-                    << time << ": " << width;
-            }
 }
 
 TEST_F(Burning, GoesOutWhenNoMovingVertexIsOnTheScreen) {
-    const struct {
-        int direction;
-        float distance; // of one vertex; all the others are far away
-        bool done;
-    } kCases[] = {{0, 1.0001f, true}, {0, 1, false}, {0, -1, false}, {0, -1.0001f, true}, {7, 0.5f, false}};
-    for (const auto& c : kCases)
+    const auto expect = [&](int direction, float distance,
+                            bool done) { // of one vertex; all others are far away
         for (const int ring : {0, 8}) {
             fire_.ReCreate();
-            SetAll(&fire_.dists, 3);
-            Dist(ring, c.direction) = c.distance;
+            std::ranges::fill(fire_.dists, 3.0f);
+            Dist(ring, direction) = distance;
             fire_.UpdatePositions(0);
-            EXPECT_EQ(fire_.done, c.done) << c.distance << ", ring " << ring;
+            EXPECT_EQ(fire_.done, done) << distance << ", ring " << ring;
         }
+    };
+    expect(0, 1.0001f, true);
+    expect(0, 1, false);
+    expect(0, -1, false);
+    expect(0, -1.0001f, true);
+    expect(7, 0.5f, false);
 }
 
 TEST_F(Burning, LastsAsLongAsItsSpeedsSay) {
     fxSetAllocLimit(1); // nothing is allocated any more
-    SetAll(&fire_.speeds, 0.7f);
+    std::ranges::fill(fire_.speeds, 0.7f);
     double time = 0;
     for (; !fire_.done && time < 30; time += 0.02)
         fire_.UpdatePositions(time);
     EXPECT_NEAR(time, 17.65, 0.15) << "to the corners";
     fire_.ReCreate();
-    for (time = 0; !fire_.done && time < 30; time += 0.02)
-        Render(time);
+    time = BurnOut();
     EXPECT_TRUE(5 < time && time < 17) << "the bumps make it faster: " << time;
     fxSetAllocLimit(0);
 }
@@ -146,44 +143,40 @@ TEST_F(Burning, PictureStaysWhileTheGridRuns) {
     FXMaterial material;
     material.extentU = 0.75f;
     material.extentV = 0.5f;
-    const struct {
-        FXMaterial* material;
-        bool prepared;
-        float u, v; // at the lower right corner of the screen
-    } cases[] = {{nullptr, false, 1, 1}, {&material, false, 1, 1}, {&material, true, 0.75f, 0.5f}};
-    for (const auto& c : cases) {
-        material.prepared = c.prepared;
+    const auto expect = [&](FXMaterial* m, float u, float v) { // at the lower right corner of the screen
         fire_.ReCreate();
-        fire_.desk.SetMaterial(c.material);
+        fire_.desk.SetMaterial(m);
         Render(0);
         Render(8);
         for (int r = 0; r < 10; ++r)
             for (int i = 0; i <= 64; ++i) { // the last one is the first again
-                const tagFXVertex& v = At(r, i);
+                const tagFXVertex& vertex = At(r, i);
                 const float d = r < 9 ? Dist(r, i % 64) : 2;
                 const float angle = static_cast<float>(i % 64) * 6.283f / 63;
-                EXPECT_NEAR(v.pos[0], d * std::sin(angle), 1e-6);
-                EXPECT_NEAR(v.pos[1], d * std::cos(angle), 1e-6);
-                EXPECT_NEAR(v.tex[0], (v.pos[0] + 1) / 2 * c.u, 1e-6);
-                EXPECT_NEAR(v.tex[1], (1 - v.pos[1]) / 2 * c.v, 1e-6);
+                EXPECT_NEAR(vertex.pos[0], d * std::sin(angle), 1e-6);
+                EXPECT_NEAR(vertex.pos[1], d * std::cos(angle), 1e-6);
+                EXPECT_NEAR(vertex.tex[0], (vertex.pos[0] + 1) / 2 * u, 1e-6);
+                EXPECT_NEAR(vertex.tex[1], (1 - vertex.pos[1]) / 2 * v, 1e-6);
             }
-    }
+    };
+    expect(nullptr, 1, 1);
+    expect(&material, 1, 1); // has no texture yet
+    material.prepared = true;
+    expect(&material, 0.75f, 0.5f);
     material.prepared = false;
 }
 
 TEST_F(Burning, GlowsByItsSpeed) {
     for (const float speed : {0.7f, 1.2f, 9.0f}) {
-        SetAll(&fire_.speeds, speed);
+        std::ranges::fill(fire_.speeds, speed);
         const std::vector<tagFXVertex> before(&At(3, 0), &At(5, 0));
         fire_.UpdatePositions(0);
         float previous = 0, least = 1, greatest = 0;
         for (int at = 0; at < 128; ++at) { // both rings of a direction, then the next direction
             const int r = 3 + at % 2, i = at / 2;
-            const auto target = [&](int c) { // what the colour has moved towards, by three percent
-                return (At(r, i).color[c] * 100 -
-                        before[static_cast<std::size_t>((r - 3) * 65 + i)].color[c] * 97) /
-                       3;
-            };
+            const float* was = before[static_cast<std::size_t>((r - 3) * 65 + i)].color;
+            // What the colour has moved towards, by three percent.
+            const auto target = [&](int c) { return (At(r, i).color[c] * 100 - was[c] * 97) / 3; };
             const float glow = target(1) > 0.001f ? target(1) / 2 + 0.5f : target(0) / 1.6f;
             EXPECT_NEAR(target(2), 0, 1e-4);
             EXPECT_NEAR(glow, previous, 0.1005f) << "a step at most";
@@ -198,38 +191,34 @@ TEST_F(Burning, GlowsByItsSpeed) {
 }
 
 TEST_F(Burning, SpeedsAreBumpsOfThreeSizesOverTheBase) {
-    const struct {
-        void (FXFireDesk::*update)();
-        float peak;    // of each bump, at least
-        float most;    // that all its bumps add up to
-        float average; // at least: share of directions times mean height
-    } kCases[] = {{&FXFireDesk::UpdateSpeeds1, 1.49f, 1.6f, 0.18f},
-                  {&FXFireDesk::UpdateSpeeds2, 0.99f, 3.2f, 0.18f},
-                  {&FXFireDesk::UpdateSpeeds3, 0.49f, 5.4f, 0.12f},
-                  {&FXFireDesk::UpdateSpeeds1, 1.49f, 1.6f, 0.18f}}; // afresh
     fire_.Create(1024);
-    for (const auto& c : kCases) {
-        const bool afresh = c.update == &FXFireDesk::UpdateSpeeds1;
+    // The least peak, the most that bumps add up to, and the least average: share of directions times mean
+    // height.
+    const auto expect = [&](void (FXFireDesk::*update)(), bool afresh, float peak, float most,
+                            float average) {
         const Floats before = afresh ? Floats(9 * 1024, 0.7f) : ValuesOf(fire_.speeds);
-        (fire_.*c.update)();
+        (fire_.*update)();
         for (int r = 0; r < 9; ++r) {
-            float sum = 0, most = 0;
+            float sum = 0, highest = 0;
             for (int i = r * 1024; i < r * 1024 + 1024; ++i) {
                 const float bump = fire_.speeds[i] - before[static_cast<std::size_t>(i)];
-                ASSERT_TRUE(-1e-6f < bump && bump < c.most) << bump;
+                ASSERT_TRUE(-1e-6f < bump && bump < most) << bump;
                 sum += bump / 1024;
-                most = std::max(most, bump);
+                highest = std::max(highest, bump);
             }
-            EXPECT_TRUE(sum > c.average && most > c.peak) << sum << ", " << most;
+            EXPECT_TRUE(sum > average && highest > peak) << sum << ", " << highest;
         }
-    }
+    };
+    expect(&FXFireDesk::UpdateSpeeds1, true, 1.49f, 1.6f, 0.18f);
+    expect(&FXFireDesk::UpdateSpeeds2, false, 0.99f, 3.2f, 0.18f);
+    expect(&FXFireDesk::UpdateSpeeds3, false, 0.49f, 5.4f, 0.12f);
+    expect(&FXFireDesk::UpdateSpeeds1, true, 1.49f, 1.6f, 0.18f);
 }
 
 TEST_F(Burning, OfFewDirectionsBurnsOut) {
-    for (const int directions : {-7, 0, 1, 2, 3, 5, 18, 38, 39}) {
+    for (const int directions : {-7, 1, 3, 18, 39}) {
         fire_.Create(directions);
-        for (double time = 0; time < 30 && !fire_.done; time += 0.1)
-            Render(time);
+        BurnOut();
         EXPECT_TRUE(fire_.done && fire_.num == std::max(directions, 2)) << directions;
         EXPECT_TRUE(std::isfinite(Dist(8, 1)));
     }
@@ -240,11 +229,9 @@ TEST_F(Burning, WithoutMemoryIsDoneAtOnce) {
         fxSetAllocLimit(limit);
         fire_.Create(64);
         fxSetAllocLimit(0);
-        for (int frame = 0; frame < 3; ++frame) {
-            fire_.ReCreate();
-            Render(frame);
-            EXPECT_EQ(fire_.done, limit != 0);
-        }
+        fire_.ReCreate();
+        Render(0);
+        EXPECT_EQ(fire_.done, limit != 0);
     }
 }
 

@@ -32,9 +32,6 @@ TEST(Desk, CoversTheScreenAtRest) {
     desk.Create(1, 1);
     EXPECT_EQ(Places(desk), kAtRest);
     EXPECT_EQ(VertexOf(desk.mesh, 3).normal, (std::array<float, 3>{0, 0, -1}));
-    EXPECT_EQ(std::vector<int>(desk.mesh.indices, desk.mesh.indices + 6),
-              (std::vector<int>{0, 2, 1, 2, 3, 1}));
-    EXPECT_EQ(desk.mesh.colorMode, 0);
     const float faint[4] = {0.5f, 1, 1, 1};
     desk.UpdateColCol(faint);
     desk.Create(1, 1);
@@ -43,13 +40,12 @@ TEST(Desk, CoversTheScreenAtRest) {
     EXPECT_TRUE(desk.mesh.vertexCount == 12 && desk.mesh.indexCount == 36);
     EXPECT_EQ(Reds(desk), Values(12, 1));
     EXPECT_NEAR(desk.mesh.vertices[6].pos[0], 1 / 3.0f, 1e-6) << "the third of the second row";
-    const int* last = desk.mesh.indices + 30;
-    EXPECT_EQ(std::vector<int>(last, last + 6), (std::vector<int>{6, 10, 7, 10, 11, 7}));
+    EXPECT_EQ(std::vector<int>(desk.mesh.indices + 30, desk.mesh.indices + 36),
+              (std::vector<int>{6, 10, 7, 10, 11, 7}));
 }
 
 TEST(Desk, WithoutCellsIsEmpty) {
-    for (const auto& [cols, rows] :
-         {std::pair{0, 0}, {0, 1}, {1, 0}, {-5, 3}, {INT_MAX, INT_MAX}, {INT_MAX, 1}}) {
+    for (const auto& [cols, rows] : {std::pair{0, 1}, {1, 0}, {-5, 3}, {INT_MAX, INT_MAX}, {INT_MAX, 1}}) {
         FXDesk desk;
         desk.Create(2, 2);
         desk.Create(cols, rows);
@@ -61,108 +57,71 @@ TEST(Desk, WithoutCellsIsEmpty) {
     }
 }
 
-TEST(Desk, Layouts) {
-    using Lay = void (*)(FXDesk & d);
-    const struct {
-        Lay lay;
-        Values places;
-    } kCases[] = {
-        {[](FXDesk& d) { d.UpdatePosSkew(true, false, 0.5f, 0.25f); },
-         {-0.5f, 1.5f, -1, 1, 1.25f, 1, -0.75f, -1}},
-        {[](FXDesk& d) { d.UpdatePosSkew1(true, false, 0.5f, 0.25f); },
-         {-1, 1, -0.5f, 1.5f, 1, 1.25f, -1, -0.75f}},
-        {[](FXDesk& d) { d.UpdatePosPerspective(0.5f); }, {-1, 1, -1.5f, 1.5f, 1, 1, -1, -1}},
-        {[](FXDesk& d) { d.UpdatePos(true, false); }, kAtRest},
-        {[](FXDesk& d) { d.UpdatePosSkew(false, true, 9, 9); }, kAtRest}, // the normals alone
-    };
+TEST(Desk, IsLaidOutAsAsked) {
     FXDesk desk;
     desk.Create(1, 1);
-    for (const auto& c : kCases) {
-        desk.mesh.vertices[3].normal[2] = 7;
-        c.lay(desk);
-        EXPECT_EQ(Places(desk), c.places) << &c - kCases;
-        EXPECT_EQ(desk.mesh.vertices[3].normal[2], &c - kCases == 4 ? -1.0f : 7.0f);
-    }
+    desk.mesh.vertices[3].normal[2] = 7;
+    desk.UpdatePosSkew(true, false, 0.5f, 0.25f);
+    EXPECT_EQ(Places(desk), (Values{-0.5f, 1.5f, -1, 1, 1.25f, 1, -0.75f, -1}));
+    desk.UpdatePosSkew1(true, false, 0.5f, 0.25f);
+    EXPECT_EQ(Places(desk), (Values{-1, 1, -0.5f, 1.5f, 1, 1.25f, -1, -0.75f}));
+    desk.UpdatePosPerspective(0.5f);
+    EXPECT_EQ(Places(desk), (Values{-1, 1, -1.5f, 1.5f, 1, 1, -1, -1}));
+    desk.UpdatePos(true, false);
+    EXPECT_EQ(desk.mesh.vertices[3].normal[2], 7.0f) << "positions alone";
+    desk.UpdatePosSkew(false, true, 9, 9);
+    EXPECT_EQ(Places(desk), kAtRest) << "normals alone";
+    EXPECT_EQ(desk.mesh.vertices[3].normal[2], -1.0f);
 }
 
 TEST(Desk, LaysItsPictureOverTheTexturesUsedPart) {
-    using Lay = void (*)(FXDesk & d);
-    const struct {
-        bool flipV, hasMaterial;
-        Values tex;
-        Lay lay;
-    } kCases[] = {
-        {false, true, {0, 0.75f, 0, 0.75f, 0, 0, 0.5f, 0.5f}, [](FXDesk&) {}},
-        {true, true, {0, 0.75f, 0, 0.75f, 0.5f, 0.5f, 0, 0}, [](FXDesk&) {}},
-        {false, false, Values(8, 0), [](FXDesk&) {}},
-        {false, true, {0, 1, 0, 1, 0, 0, 1, 1}, [](FXDesk& d) { d.UpdateTex1(); }},
-        {false,
-         true,
-         {0, 0.75f, 0, 0.75f, 0, 0, 0.5f, 0.5f},
-         [](FXDesk& d) { d.UpdateTex1(), d.SetMaterial1(d.mesh.material); }},
-        {true,
-         true,
-         {0.375f, 0.75f, 0.375f, 0.75f, 0.5f, 0.5f, 0.375f, 0.375f},
-         [](FXDesk& d) { d.UpdateTexRc(0.5f, 0, 1, 0.25f); }},
-    };
     FXMaterial material;
     material.extentU = 0.75f;
     material.extentV = 0.5f;
     FXDesk desk;
     desk.Create(1, 1);
-    for (const auto& c : kCases) {
-        desk.mesh.flipV = c.flipV;
-        desk.SetMaterial(c.hasMaterial ? &material : nullptr);
-        c.lay(desk);
-        EXPECT_EQ(Pairs(desk, &tagFXVertex::tex), c.tex) << &c - kCases;
-    }
+    const auto tex = [&] { return Pairs(desk, &tagFXVertex::tex); };
+    EXPECT_EQ(tex(), Values(8, 0)) << "without a material";
+    desk.SetMaterial(&material);
+    EXPECT_EQ(tex(), (Values{0, 0.75f, 0, 0.75f, 0, 0, 0.5f, 0.5f}));
+    desk.UpdateTex1();
+    EXPECT_EQ(tex(), (Values{0, 1, 0, 1, 0, 0, 1, 1}));
+    desk.SetMaterial1(&material);
+    EXPECT_EQ(tex(), (Values{0, 0.75f, 0, 0.75f, 0, 0, 0.5f, 0.5f}));
+    desk.mesh.flipV = true;
+    desk.UpdateTexRc(0.5f, 0, 1, 0.25f);
+    EXPECT_EQ(tex(), (Values{0.375f, 0.75f, 0.375f, 0.75f, 0.5f, 0.5f, 0.375f, 0.375f}));
 }
 
 TEST(Desk, ShadesTowardsTheBottomRight) {
     FXDesk desk;
     desk.Create(2, 2);
-    const float lt[4] = {1, 0, 0, 0};
-    const float rb[4] = {0, 1, 1, 1};
+    const float lt[4] = {1, 0, 0, 0}, rb[4] = {0, 1, 1, 1};
     desk.UpdateCol_LT_RB(lt, rb);
     EXPECT_EQ(Reds(desk), (Values{1, 1, 1, 1, 0.75f, 0.5f, 1, 0.5f, 0}));
 }
 
 TEST(Desk, OfOneCellIsPulledByItsCorners) {
-    using Set = void (FXDesk::*)(int, float, float);
-    using Set1 = void (FXDesk::*)(int, int, int, int, int);
-    const struct {
-        float (tagFXVertex::*pair)[2]; // null: the position
-        Set set;
-        Set1 set1;
-        float x, y; // of pixel 25 to the right, 150 down, of 100 x 200
-    } kCases[] = {{nullptr, &FXDesk::SetVertexPos, &FXDesk::SetVertexPos1, -0.5f, -0.5f},
-                  {&tagFXVertex::tex, &FXDesk::SetTexelPos, &FXDesk::SetTexelPos1, 0.25f, 0.75f}};
-    for (const auto& c : kCases) {
-        const auto values = [&](const FXDesk& desk) {
-            return c.pair != nullptr ? Pairs(desk, c.pair) : Places(desk);
-        };
-        FXDesk desk;
-        desk.Create(1, 1);
-        const Values before = values(desk);
-        desk.mesh.vertices[1].pos[2] = 5;
-        for (const int corner : {0, 5, -1, INT_MAX}) {
-            (desk.*c.set)(corner, 7, 8);
-            (desk.*c.set1)(1, corner, 1, corner > 0 ? 0 : 1, corner > 0 ? 1 : -1); // no such size
-        }
-        EXPECT_EQ(values(desk), before);
-        for (int corner = 1; corner <= 4; ++corner)
-            (desk.*c.set)(corner, static_cast<float>(corner), static_cast<float>(10 * corner));
-        EXPECT_EQ(values(desk), (Values{1, 2, 4, 3, 10, 20, 40, 30}));
-        EXPECT_EQ(desk.mesh.vertices[1].pos[2], 5.0f);
-        (desk.*c.set1)(3, 25, 150, 100, 200);
-        EXPECT_EQ(values(desk), (Values{1, 2, 4, c.x, 10, 20, 40, c.y}));
-        for (const auto& [cols, rows] : {std::pair{2, 1}, {1, 2}, {0, 0}}) {
-            desk.Create(cols, rows);
-            const Values larger = values(desk);
-            (desk.*c.set)(1, 7, 8);
-            EXPECT_EQ(values(desk), larger) << cols << " x " << rows;
-        }
+    FXDesk desk;
+    for (const auto& [cols, rows] : {std::pair{2, 1}, {1, 2}, {1, 1}}) {
+        desk.Create(cols, rows);
+        const Values before = Places(desk);
+        for (const int corner : {0, 5, -1, cols * rows == 1 ? INT_MAX : 1})
+            desk.SetVertexPos(corner, 7, 8);
+        desk.SetVertexPos1(1, 1, 1, 0, 1);
+        desk.SetVertexPos1(1, 1, 1, 1, -1);
+        EXPECT_EQ(Places(desk), before) << cols << " x " << rows;
     }
+    for (int corner = 1; corner <= 4; ++corner) {
+        const float x = static_cast<float>(corner);
+        desk.SetVertexPos(corner, x, 10 * x);
+        desk.SetTexelPos(corner, -x, -10 * x);
+    }
+    desk.SetVertexPos1(1, 25, 150, 100, 200); // pixel 25 to the right, 150 down, of 100 x 200
+    desk.SetTexelPos1(1, 25, 150, 100, 200);
+    desk.SetTexelPos1(2, 1, 1, 0, 1);
+    EXPECT_EQ(Places(desk), (Values{-0.5f, 2, 4, 3, -0.5f, 20, 40, 30}));
+    EXPECT_EQ(Pairs(desk, &tagFXVertex::tex), (Values{0.25f, -2, -4, -3, 0.75f, -20, -40, -30}));
 }
 
 } // namespace

@@ -17,7 +17,6 @@ protected:
     Device() {
         ResetFakeWin32();
         GLRecorder::Reset();
-        fakeWin32.glEntryPoints = GLRecorder::EntryPoints();
     }
     bool Create() {
         const bool created = gl_.CreateChild(kFakeWindow);
@@ -45,8 +44,6 @@ TEST_F(Device, SetsUpTheFixedState) {
     EXPECT_EQ(TakeFakeCalls(), (Calls{"wglMakeCurrent(off)", "SetPixelFormat(7)", "wglMakeCurrent(on)",
                                       "wglMakeCurrent(off)"}));
     EXPECT_TRUE(gl_.width == 152 && gl_.height == 112 && gl_.screenWidth == 1280 && gl_.screenHeight == 1024);
-    EXPECT_TRUE(gl_.envWindow == kFakeWindow && gl_.glWindow == kFakeWindow);
-
     PIXELFORMATDESCRIPTOR format = {};
     format.nSize = 40;
     format.nVersion = 1;
@@ -62,31 +59,25 @@ TEST_F(Device, SetsUpTheFixedState) {
 }
 
 TEST_F(Device, GivesBackWhatItGotWhateverStepFails) {
-    const struct {
-        const char* failing;
-        Calls released;
-    } cases[] = {{"GetDC", {"wglMakeCurrent(off)"}},
-                 {"ChoosePixelFormat", {"wglMakeCurrent(off)", "ReleaseDC()"}},
-                 {"SetPixelFormat", {"wglMakeCurrent(off)", "ReleaseDC()"}},
-                 {"wglCreateContext", {"wglMakeCurrent(off)", "ReleaseDC()"}},
-                 {"wglMakeCurrent", {"wglMakeCurrent(off)", "ReleaseDC()"}},
-                 {"", {"wglMakeCurrent(off)", "wglDeleteContext()", "ReleaseDC()"}}};
-    for (const auto& c : cases) {
-        const bool fails = *c.failing != '\0';
-        fakeWin32.failing = {c.failing};
-        fakeWin32.lastError = ERROR_BAD_DRIVER;
-        EXPECT_NE(gl_.CreateChild(kFakeWindow), fails) << c.failing;
-        EXPECT_TRUE(!fails || (gl_.rc == nullptr && GetLastError() == ERROR_BAD_DRIVER)) << c.failing;
-        EXPECT_EQ(GLRecorder::Take().empty(), fails) << c.failing;
+    for (const std::string failing :
+         {"GetDC", "ChoosePixelFormat", "SetPixelFormat", "wglCreateContext", "wglMakeCurrent", ""}) {
+        const bool fails = !failing.empty();
+        fakeWin32.failing = {failing};
+        SetLastError(ERROR_BAD_DRIVER);
+        EXPECT_NE(gl_.CreateChild(kFakeWindow), fails) << failing;
+        EXPECT_TRUE(!fails || (gl_.rc == nullptr && GetLastError() == ERROR_BAD_DRIVER)) << failing;
+        EXPECT_EQ(GLRecorder::Take().empty(), fails) << failing;
         TakeFakeCalls();
         gl_.Destroy();
-        EXPECT_EQ(TakeFakeCalls(), c.released) << c.failing;
+        const Calls released = TakeFakeCalls();
+        EXPECT_EQ(std::ranges::count(released, "wglDeleteContext()"), !fails) << failing;
+        EXPECT_EQ(std::ranges::count(released, "ReleaseDC()"), failing != "GetDC") << failing;
         EXPECT_TRUE(gl_.dc == nullptr && gl_.rc == nullptr && gl_.glWindow == nullptr);
-        EXPECT_EQ(gl_.envWindow, kFakeWindow);
     }
     ASSERT_TRUE(Create());
     EXPECT_FALSE(gl_.CreateChild(nullptr));
-    EXPECT_EQ(TakeFakeCalls(), cases[5].released) << "the one before";
+    EXPECT_EQ(TakeFakeCalls(), (Calls{"wglMakeCurrent(off)", "wglDeleteContext()", "ReleaseDC()"}))
+        << "the one before";
 }
 
 TEST_F(Device, KnowsWhatTheDriverOffers) {
@@ -95,88 +86,64 @@ TEST_F(Device, KnowsWhatTheDriverOffers) {
         const char* extensions;
         std::vector<std::string> found;
         bool creates;
-    } cases[] = {{"", {}, false},
-                 {nullptr, {}, false},
-                 {"GL_ARB_multitexture GL_EXT_bgra", {"EXT_bgra", "ARB_multitexture"}, false},
-                 {"GL_EXT_bgra_extended", {}, false},
-                 {"GL_EXT_bgra_extended GL_EXT_bgra ", {"EXT_bgra"}, false},
-                 {"GL_SGIS_texture_edge_clamp", {"EXT_texture_edge_clamp"}, true},
-                 {"GL_EXT_texture_edge_clamp", {"EXT_texture_edge_clamp"}, true},
-                 {"GL_ARB_texture_non_power_of_two GL_ARB_texture_cube_map GL_EXT_separate_specular_color",
-                  {"EXT_separate_specular_color", "ARB_texture_cube_map", "ARB_texture_non_power_of_two"},
-                  false}};
-    for (const auto& c : cases) {
+    } kCases[] = {{"GL_ARB_multitexture GL_EXT_bgra", {"EXT_bgra", "ARB_multitexture"}, false},
+                  {"", {}, false},
+                  {nullptr, {}, false},
+                  {"GL_EXT_bgra_extended", {}, false},
+                  {"GL_EXT_bgra_extended GL_EXT_bgra ", {"EXT_bgra"}, false},
+                  {"GL_SGIS_texture_edge_clamp", {"EXT_texture_edge_clamp"}, true},
+                  {"GL_EXT_texture_edge_clamp", {"EXT_texture_edge_clamp"}, true},
+                  {"GL_ARB_texture_non_power_of_two GL_ARB_texture_cube_map GL_EXT_separate_specular_color",
+                   {"EXT_separate_specular_color", "ARB_texture_cube_map", "ARB_texture_non_power_of_two"},
+                   false}};
+    for (const auto& c : kCases) {
         const TraceLines trace(folder);
-        GLRecorder::SetDriver({.extensions = c.extensions});
+        GLRecorder::SetDriver({.version = nullptr, .extensions = c.extensions});
         EXPECT_EQ(Create(), c.creates);
-        std::vector<std::string> lines = {"OpenGL info:", "vendor: the vendor", "renderer: the renderer",
-                                          "version: 1.4"};
+        Calls lines = {"OpenGL info:", "vendor: the vendor", "renderer: the renderer", "version: (null)"};
         lines.insert(lines.end(), c.found.begin(), c.found.end());
         EXPECT_EQ(trace.Lines(), lines);
-        const std::pair<const char*, bool> flags[] = {
-            {"EXT_bgra", gl_.hasBgra},
-            {"EXT_separate_specular_color", gl_.hasSeparateSpecular},
-            {"EXT_texture_edge_clamp", gl_.hasEdgeClamp},
-            {"ARB_multitexture", gl_.hasMultitexture},
-            {"ARB_multitexture", fxMultitexture.glActiveTexture != nullptr},
-            {"ARB_multitexture", fxMultitexture.glMultiTexCoord2f != nullptr},
-            {"ARB_multitexture", fxMultitexture.glMultiTexCoord2fv != nullptr},
-            {"ARB_texture_cube_map", gl_.hasCubeMap},
-            {"ARB_texture_non_power_of_two", gl_.npot}};
-        for (const auto& [name, flag] : flags)
-            EXPECT_EQ(flag, std::ranges::count(c.found, name) > 0) << name;
+        const auto found = [&](const char* name) { return std::ranges::count(c.found, name) > 0; };
+        EXPECT_EQ(gl_.hasBgra, found("EXT_bgra"));
+        EXPECT_EQ(gl_.hasSeparateSpecular, found("EXT_separate_specular_color"));
+        EXPECT_EQ(gl_.hasEdgeClamp, found("EXT_texture_edge_clamp"));
+        EXPECT_EQ(gl_.hasCubeMap, found("ARB_texture_cube_map"));
+        EXPECT_EQ(gl_.npot, found("ARB_texture_non_power_of_two"));
+        EXPECT_EQ(gl_.hasMultitexture, found("ARB_multitexture"));
+        EXPECT_EQ(fxMultitexture.glActiveTexture != nullptr, gl_.hasMultitexture);
+        EXPECT_EQ(fxMultitexture.glMultiTexCoord2fv != nullptr, gl_.hasMultitexture);
         EXPECT_NE(gl_.rc, nullptr) << "in use, whatever is missing";
     }
-    GLRecorder::SetDriver(
-        {.vendor = nullptr, .renderer = nullptr, .version = nullptr, .extensions = nullptr});
-    const TraceLines trace(folder);
-    EXPECT_FALSE(Create());
-    EXPECT_EQ(trace.Lines(), (std::vector<std::string>{"OpenGL info:", "vendor: (null)", "renderer: (null)",
-                                                       "version: (null)"}));
+    for (const auto& [list, name] :
+         {std::pair<const char*, const char*>{"GL_a\t", "a"}, {"GL_a", ""}, {"GL_a", nullptr}})
+        EXPECT_FALSE(FXGL::TestExtensionString(list, name)) << list;
+    EXPECT_TRUE(FXGL::TestExtensionString("aaab aaa", "aa"));
 }
 
-TEST_F(Device, FindsWholeExtensionNames) {
-    const struct {
-        const char *list, *name;
-        bool found;
-    } kCases[] = {{"GL_a GL_b", "a", true}, {"GL_a GL_b", "b", true}, {"GL_ab GL_a", "a", true},
-                  {"GL_ab", "a", false},    {"GL_a\t", "a", false},   {"", "a", false},
-                  {"GL_a", "", false},      {nullptr, "a", false},    {"GL_a", nullptr, false},
-                  {"aaab aaa", "aa", true}};
-    for (const auto& c : kCases)
-        EXPECT_EQ(FXGL::TestExtensionString(c.list, c.name), c.found) << (c.list ? c.list : "null");
-}
-
-TEST_F(Device, TellsTheUserAboutAPoorDriverOnlyWhenAsked) {
-    ASSERT_TRUE(Create());
-    EXPECT_TRUE(gl_.TestGL(true));
+TEST_F(Device, ReportsAPoorDriverOnlyWhenAsked) {
+    ASSERT_TRUE(Create() && gl_.TestGL(true));
     GLRecorder::SetDriver({.extensions = ""});
     Create();
     EXPECT_FALSE(gl_.TestGL(false));
     EXPECT_EQ(TakeFakeCalls(), Calls{});
     EXPECT_FALSE(gl_.TestGL(true));
-    EXPECT_EQ(
-        TakeFakeCalls(),
-        Calls{"MessageBoxA(Your Graphics Capabilities seems to be insufficient. Either you have no Graphics "
-              "Card, or you have not installed the drivers for it., OrinLab, 0x0)"});
+    EXPECT_TRUE(TakeFakeCalls().at(0).starts_with(
+        "MessageBoxA(Your Graphics Capabilities seems to be insufficient. "));
 }
 
 TEST_F(Device, SwitchesAreCallsAndRemembered) {
     ASSERT_TRUE(Create());
-    for (int mask = 0; mask < 8; ++mask)
+    for (const int mask : {0, 1, 2, 4, 7})
         gl_.Clrscr((mask & 1) != 0, (mask & 2) != 0, (mask & 4) != 0);
-    EXPECT_EQ(GLRecorder::TakeText(),
-              "glClear(0) glClear(GL_COLOR_BUFFER_BIT) glClear(GL_DEPTH_BUFFER_BIT) "
-              "glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT) glClear(GL_STENCIL_BUFFER_BIT) "
-              "glClear(GL_COLOR_BUFFER_BIT|GL_STENCIL_BUFFER_BIT) "
-              "glClear(GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT) "
-              "glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT)");
-    const char* const kCulled[] = {"glDisable(GL_CULL_FACE)", "glEnable(GL_CULL_FACE) glCullFace(GL_FRONT)",
-                                   "glEnable(GL_CULL_FACE) glCullFace(GL_BACK)",
-                                   "glEnable(GL_CULL_FACE) glCullFace(GL_BACK)"};
+    EXPECT_EQ(
+        GLRecorder::TakeText(),
+        "glClear(0) glClear(GL_COLOR_BUFFER_BIT) glClear(GL_DEPTH_BUFFER_BIT) glClear(GL_STENCIL_BUFFER_BIT) "
+        "glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT)");
     for (int faces = 0; faces < 4; ++faces) {
         gl_.EnableCullface((faces & 1) != 0, (faces & 2) != 0);
-        EXPECT_EQ(GLRecorder::TakeText(), kCulled[faces]);
+        EXPECT_EQ(GLRecorder::TakeText(), faces == 0   ? "glDisable(GL_CULL_FACE)"
+                                          : faces == 1 ? "glEnable(GL_CULL_FACE) glCullFace(GL_FRONT)"
+                                                       : "glEnable(GL_CULL_FACE) glCullFace(GL_BACK)");
         EXPECT_TRUE(gl_.cullFront == ((faces & 1) != 0) && gl_.cullBack == ((faces & 2) != 0));
     }
     for (const bool on : {false, true}) {
@@ -191,7 +158,6 @@ TEST_F(Device, SwitchesAreCallsAndRemembered) {
     const float color[4] = {0.1f, 0.2f, 0.3f, 0.4f};
     gl_.SetAmbient(color);
     gl_.SetClrColor(color);
-    EXPECT_FALSE(gl_.PrepareCubeTexture(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(GLRecorder::TakeText(),
               "glLightModelfv(GL_LIGHT_MODEL_AMBIENT,0.1,0.2,0.3,0.4) glClearColor(0.1,0.2,0.3,0.4)");
     EXPECT_TRUE(std::equal(color, color + 4, gl_.clearColor));
@@ -200,8 +166,7 @@ TEST_F(Device, SwitchesAreCallsAndRemembered) {
 TEST_F(Device, PresentsAndIsCurrentOnDemand) {
     gl_.RenderEnd();
     EXPECT_EQ(TakeFakeCalls(), Calls{}) << "no window yet";
-    ASSERT_TRUE(Create());
-    EXPECT_TRUE(gl_.RenderStart());
+    ASSERT_TRUE(Create() && gl_.RenderStart());
     {
         const FXGRAutoAct act(&gl_);
         gl_.RenderEnd();
@@ -211,19 +176,18 @@ TEST_F(Device, PresentsAndIsCurrentOnDemand) {
 
 TEST_F(Device, TakesANewSizeOverWithTheNextFrame) {
     ASSERT_TRUE(Create());
-    const struct {
-        int width, height;
-        const char* calls;
-    } kCases[] = {{152, 112, ""}, {0, 0, ""}, {300, 0, ""}, {304, 112, "glViewport(0,0,304,112)"}};
-    for (const auto& c : kCases) {
-        gl_.Resize(c.width, c.height);
+    const auto expect = [&](int width, int height, const char* calls) {
+        gl_.Resize(width, height);
         EXPECT_EQ(GLRecorder::TakeText(), "") << "the context is another thread's";
-        gl_.SetAct(true);
-        EXPECT_EQ(GLRecorder::TakeText(), c.calls) << c.width << "x" << c.height;
-        gl_.SetAct(false);
-        gl_.SetAct(true);
-        EXPECT_EQ(GLRecorder::TakeText(), "") << "once is enough";
-    }
+        for (const bool next : {false, true}) {
+            gl_.SetAct(true);
+            EXPECT_EQ(GLRecorder::TakeText(), next ? "" : calls) << width << "x" << height;
+        }
+    };
+    expect(152, 112, "");
+    expect(0, 0, "");
+    expect(300, 0, "");
+    expect(304, 112, "glViewport(0,0,304,112)");
     EXPECT_TRUE(gl_.width == 304 && gl_.height == 112);
     gl_.Resize(9, 9);
     ASSERT_TRUE(Create());
@@ -263,17 +227,15 @@ TEST_F(Device, LoadsTheLightsThatAreOn) {
         "glLightfv(GL_LIGHT2,GL_CONSTANT_ATTENUATION,0.4) glLightfv(GL_LIGHT2,GL_LINEAR_ATTENUATION,0.4) "
         "glLightfv(GL_LIGHT2,GL_QUADRATIC_ATTENUATION,0.25) glEnable(GL_LIGHT2) glDisable(GL_LIGHT3) "
         "glDisable(GL_LIGHT4) glDisable(GL_LIGHT5) glDisable(GL_LIGHT6) glDisable(GL_LIGHT7)");
-    EXPECT_EQ(off.glLight, 0) << "no number for one that is off";
     gl_.EnableLight(true, &off);
-    EXPECT_EQ(GLRecorder::TakeText(), "glEnable(0x0)") << "switched all the same";
-    off.disabled = true;
-    gl_.EnableLight(false, &on);
-    EXPECT_TRUE(on.disabled);
-    gl_.EnableLight(true, &on);
-    EXPECT_FALSE(on.disabled);
+    EXPECT_EQ(GLRecorder::TakeText(), "glEnable(0x0)") << "has no number, and is switched all the same";
+    for (const bool lit : {false, true}) {
+        gl_.EnableLight(lit, &on);
+        EXPECT_NE(on.disabled, lit);
+    }
     EXPECT_EQ(GLRecorder::TakeText(), "glDisable(GL_LIGHT2) glEnable(GL_LIGHT2)");
     gl_.DisableAllLights();
-    EXPECT_TRUE(on.disabled);
+    EXPECT_TRUE(on.disabled && off.disabled);
     const std::string allOff = GLRecorder::TakeText();
     gl_.UpdateLights();
     EXPECT_EQ(GLRecorder::TakeText(), allOff);

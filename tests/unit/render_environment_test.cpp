@@ -12,7 +12,9 @@
 
 namespace {
 
-// Counts its frames; may hold one until told to let go.
+constexpr double kForever = 100000;
+
+// Counts its frames; may hold one.
 struct Target : PRender {
     void OnRender(PEnv* env, double time) override {
         NoteFakeCall("frame");
@@ -26,6 +28,11 @@ struct Target : PRender {
         for (int i = 0; i < 5000 && frames < count; ++i)
             fxSleep(0.001);
         return frames >= count;
+    }
+    bool StandsStill(int allowed) const {
+        const int before = frames;
+        fxSleep(0.02);
+        return frames <= before + allowed;
     }
 
     std::atomic<int> frames = 0;
@@ -58,19 +65,18 @@ TEST_F(Loop, DrawsFramesFromATenthOfASecondOnUntilItIsStopped) {
     EXPECT_GE(target_.lastTime - start, 0.099) << "the clock's, in whole milliseconds";
     EXPECT_EQ(target_.lastEnv, &env_);
     ASSERT_TRUE(target_.WaitFor(3));
-    env_.StopLoop(100000);
+    env_.StopLoop(kForever);
     EXPECT_TRUE(env_.render == nullptr && !env_.running);
     std::vector<std::string> expected;
     for (int i = 0; i < target_.frames; ++i)
         expected.insert(expected.end(), {"wglMakeCurrent(on)", "frame", "wglMakeCurrent(off)"});
     EXPECT_EQ(TakeFakeCalls(), expected);
-    const int frames = target_.frames;
     EXPECT_TRUE(env_.StartLoop(&target_)) << "and again";
-    EXPECT_TRUE(target_.WaitFor(frames + 1));
-    env_.StopLoop(100000);
+    EXPECT_TRUE(target_.WaitFor(target_.frames + 1));
+    env_.StopLoop(kForever);
 }
 
-TEST_F(Loop, HoldsTheLockForAWholeFrameUnlessToldNotTo) {
+TEST_F(Loop, HoldsTheLockForAWholeFrameUnlessSetNotTo) {
     for (const bool lock : {true, false}) {
         env_.lockEachFrame = lock;
         target_.hold = true;
@@ -79,7 +85,7 @@ TEST_F(Loop, HoldsTheLockForAWholeFrameUnlessToldNotTo) {
         ASSERT_TRUE(target_.WaitFor(1));
         EXPECT_NE(Locks(), lock);
         target_.hold = false;
-        env_.StopLoop(100000);
+        env_.StopLoop(kForever);
         EXPECT_TRUE(Locks()) << "free between frames";
     }
 }
@@ -92,39 +98,23 @@ TEST_F(Loop, ChangesItsTargetWhileItRuns) {
     EXPECT_TRUE(env_.StartLoop(&other));
     EXPECT_EQ(env_.thread, thread);
     ASSERT_TRUE(other.WaitFor(1));
-    const int frames = target_.frames;
-    ASSERT_TRUE(other.WaitFor(3));
-    EXPECT_EQ(target_.frames, frames);
+    EXPECT_TRUE(target_.StandsStill(0) && other.WaitFor(3));
     EXPECT_TRUE(env_.StartLoop(nullptr)) << "draws nothing";
-    const int others = other.frames;
-    fxSleep(0.02);
-    EXPECT_LE(other.frames, others + 1) << "the frame that was being drawn";
-    env_.StopLoop(100000);
+    EXPECT_TRUE(other.StandsStill(1)) << "but the frame that was being drawn";
+    env_.StopLoop(kForever);
 }
 
 TEST_F(Loop, StoppedBeforeItsFirstFrameDrawsNone) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_TRUE(env_.StartLoop(&target_));
-        env_.StopLoop(100000);
+        env_.StopLoop(kForever);
         EXPECT_EQ(env_.thread, nullptr);
     }
     const double start = fxGetTime();
     env_.StopLoop(0.5);
-    env_.StopLoop(100000);
     EXPECT_LT(fxGetTime() - start, 0.3) << "nothing to wait for";
     fxSleep(0.12);
     EXPECT_EQ(target_.frames, 0);
-}
-
-TEST_F(Loop, IsStoppedByTheEndOfItsEnvironment) {
-    auto device = std::make_unique<FXGL>();
-    device->CreateChild(kFakeWindow);
-    device->StartLoop(&target_);
-    ASSERT_TRUE(target_.WaitFor(1));
-    device.reset();
-    const int frames = target_.frames;
-    fxSleep(0.02);
-    EXPECT_EQ(target_.frames, frames);
 }
 
 TEST_F(Loop, ThatDoesNotEndIsEndedAndLeavesALockBehindThatWorks) {
@@ -138,7 +128,7 @@ TEST_F(Loop, ThatDoesNotEndIsEndedAndLeavesALockBehindThatWorks) {
     EXPECT_TRUE(env_.thread == nullptr && !env_.running && Locks());
 }
 
-// A device whose slots say that they were used, and whose loop may end at once.
+// A device that lists which of its slots were used, and whose first loop ends at once.
 struct WatchedDevice : FXGL {
     void StopLoop(double timeout) override {
         calls += "stop " + std::to_string(static_cast<int>(timeout * 10)) + " ";
@@ -157,28 +147,27 @@ struct WatchedDevice : FXGL {
     std::atomic<int> loops = 0;
 };
 
-TEST_F(Loop, ThatEndedByItselfIsStartedAgain) {
-    WatchedDevice device;
-    ASSERT_TRUE(device.CreateChild(kFakeWindow));
-    ASSERT_TRUE(device.StartLoop(&target_));
-    ASSERT_TRUE(fxWaitThread(device.thread, 10));
-    EXPECT_TRUE(device.StartLoop(&target_));
-    EXPECT_TRUE(target_.WaitFor(1));
-    device.StopLoop(100000);
-    EXPECT_EQ(device.loops, 2);
-}
-
-TEST_F(Loop, IsStoppedAndLockedThroughItsSlots) {
-    WatchedDevice device;
-    device.Destroy();
-    EXPECT_EQ(device.calls, "stop 5 lock unlock ");
+TEST_F(Loop, ThatEndedByItselfIsStartedAgainAndStoppedWithItsEnvironment) {
+    auto device = std::make_unique<WatchedDevice>();
+    ASSERT_TRUE(device->CreateChild(kFakeWindow));
+    ASSERT_TRUE(device->StartLoop(&target_));
+    ASSERT_TRUE(fxWaitThread(device->thread, 10));
+    EXPECT_TRUE(device->StartLoop(&target_) && target_.WaitFor(1));
+    EXPECT_EQ(device->loops, 2);
+    device->calls.clear();
+    device->Destroy();
+    EXPECT_EQ(device->calls, "stop 5 lock unlock ") << "through its slots";
+    ASSERT_TRUE(device->CreateChild(kFakeWindow) && device->StartLoop(&target_));
+    ASSERT_TRUE(target_.WaitFor(target_.frames + 1));
+    device.reset();
+    EXPECT_TRUE(target_.StandsStill(0));
 }
 
 TEST_F(Loop, DoesNotStartWithoutAThread) {
     fxSetAllocLimit(1);
     EXPECT_FALSE(env_.StartLoop(&target_));
     fxSetAllocLimit(0);
-    env_.StopLoop(100000);
+    env_.StopLoop(kForever);
     EXPECT_EQ(target_.frames, 0);
 }
 

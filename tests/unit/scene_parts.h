@@ -44,31 +44,31 @@ inline std::string TriangleModel(const TempFolder& folder, const char* material 
     return folder.Read("model");
 }
 
-template <class Turn> FXMatrix Made(Turn turn) {
+template <class... Values> FXMatrix Made(void (FXMatrix::*set)(Values...), Values... values) {
     FXMatrix m;
-    turn(m);
+    (m.*set)(values...);
     return m;
 }
 inline FXMatrix Move(float x, float y, float z) {
-    return Made([=](FXMatrix& m) { m.SetMoveF(x, y, z); });
+    return Made(&FXMatrix::SetMoveF, x, y, z);
 }
 inline FXMatrix Scale(float x, float y, float z) {
-    return Made([=](FXMatrix& m) { m.SetScaleF(x, y, z); });
+    return Made(&FXMatrix::SetScaleF, x, y, z);
 }
 inline FXMatrix TurnX(float degrees) {
-    return Made([=](FXMatrix& m) { m.SetRotateX(degrees); });
+    return Made(&FXMatrix::SetRotateX, degrees);
 }
 inline FXMatrix TurnY(float degrees) {
-    return Made([=](FXMatrix& m) { m.SetRotateY(degrees); });
+    return Made(&FXMatrix::SetRotateY, degrees);
 }
 
 // The last factor acts first.
-inline void ExpectMatrix(const FXMatrix& actual, std::initializer_list<FXMatrix> factors) {
+inline void ExpectMatrix(const FXMatrix& actual, const std::vector<FXMatrix>& factors) {
     FXMatrix expected;
     for (const FXMatrix& factor : factors) {
         const FXMatrix left = expected;
         expected.Multiply(&left, &factor);
     }
     for (int i = 0; i < 16; ++i)
-        EXPECT_NEAR(actual.m[i], expected.m[i], 1e-5) << "element " << i;
+        EXPECT_NEAR(actual.m[i], expected.m[i], 2e-5) << "element " << i;
 }
