@@ -32,6 +32,7 @@ std::vector<GlConfig> ListConfigs(EGLDisplay display) {
     std::vector<EGLConfig> found(static_cast<std::size_t>(count));
     eglChooseConfig(display, kWishes, found.data(), count, &count);
     std::vector<GlConfig> configs;
+    configs.reserve(found.size());
     for (EGLConfig config : found)
         configs.push_back({config, Attribute(display, config, EGL_DEPTH_SIZE),
                            Attribute(display, config, EGL_STENCIL_SIZE)});
