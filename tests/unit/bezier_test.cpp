@@ -7,6 +7,7 @@
 #include <climits>
 #include <cmath>
 #include <random>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -76,55 +77,50 @@ TEST(Spline, SegmentsOfABentLine) {
 }
 
 TEST(Spline, PhasesFollowTheChordsOrTheCount) {
-    const struct {
-        std::vector<Point> points;
-        bool closed;
-        std::vector<float> phases, linear;
-        float length, segment;
-    } kCases[] = {
-        {{{0}, {1}, {3}}, false, {0, 1 / 3.0f, 1}, {0, 0.5f, 1}, 3, 1.5f},
-        {{{0}, {1}, {3}}, true, {0, 1 / 6.0f, 0.5f}, {0, 0.5f, 1}, 6, 2},
-        {{{1}, {1}, {1}}, false, {0, 0, 0}, {0, 0.5f, 1}, 0, 0},
-        {{{1}}, false, {0}, {0}, 0, 0},
-    };
-    for (const auto& c : kCases) {
+    using Floats = std::vector<float>;
+    const std::tuple<std::vector<Point>, bool, Floats, float, float> kCases[] = {
+        // phases, length, mean segment
+        {{{0}, {1}, {3}}, false, {0, 1 / 3.0f, 1}, 3.0f, 1.5f},
+        {{{0}, {1}, {3}}, true, {0, 1 / 6.0f, 0.5f}, 6.0f, 2.0f},
+        {{{1}, {1}, {1}}, false, {0, 0, 0}, 0.0f, 0.0f},
+        {{{1}}, false, {0}, 0.0f, 0.0f}};
+    for (const auto& [points, closed, phases, length, segment] : kCases) {
         FXBezierSpline spline;
-        Fill(&spline, c.points, {.closed = c.closed});
-        EXPECT_EQ(std::vector<float>(spline.phases.begin(), spline.phases.end()), c.phases);
-        EXPECT_TRUE(spline.length == c.length && spline.avgSegment == c.segment);
+        Fill(&spline, points, {.closed = closed});
+        EXPECT_EQ(Floats(spline.phases.begin(), spline.phases.end()), phases);
+        EXPECT_TRUE(spline.length == length && spline.avgSegment == segment);
         spline.PrecomputePhasesLinear();
-        EXPECT_EQ(std::vector<float>(spline.phases.begin(), spline.phases.end()), c.linear);
+        EXPECT_EQ(Floats(spline.phases.begin(), spline.phases.end()),
+                  points.size() == 1 ? Floats{0} : Floats({0, 0.5f, 1}));
     }
 }
 
 TEST(Spline, IsEvaluatedOverItsWholeLength) {
-    const struct {
-        float phase, open, closed; // x on 0, 1, 3 and back
-    } kCases[] = {{0.5f, 1.5f, 3},      {1 / 3.0f, 1, 2}, {1, 3, 0}, {0, 0, 0},
-                  {0.75f, 2.25f, 1.5f}, {-1, 0, 0},       {2, 3, 0}, {std::nanf(""), 0, 0}};
+    const std::array<float, 3> kCases[] = {// phase, x on 0, 1, 3 and, closed, back to 0
+                                           {0.5f, 1.5f, 3}, {1 / 3.0f, 1, 2},     {1, 3, 0},
+                                           {0, 0, 0},       {0.75f, 2.25f, 1.5f}, {-1, 0, 0},
+                                           {2, 3, 0},       {std::nanf(""), 0, 0}};
     FXBezierSpline open, closed;
     Fill(&open, {{0}, {1}, {3}}, {false, true});
     Fill(&closed, {{0}, {1}, {3}}, {true, true});
-    for (const auto& c : kCases) { // in this order: the walk starts where the last one ended
-        ExpectNear(AtAll(&open, c.phase), {c.open});
-        ExpectNear(AtAll(&closed, c.phase), {c.closed});
-    }
-    for (const auto& c : kCases) {
-        EXPECT_FLOAT_EQ(open.GetAllPos(c.phase), c.open) << c.phase;
-        EXPECT_FLOAT_EQ(closed.GetAllPos(c.phase), c.closed) << c.phase;
+    for (const auto& [phase, onOpen, onClosed] :
+         kCases) { // in this order: the walk starts where the last one ended
+        ExpectNear(AtAll(&open, phase), {onOpen});
+        ExpectNear(AtAll(&closed, phase), {onClosed});
+        EXPECT_FLOAT_EQ(open.GetAllPos(phase), onOpen) << phase;
+        EXPECT_FLOAT_EQ(closed.GetAllPos(phase), onClosed) << phase;
     }
 }
 
 TEST(Bezier, FollowsXWhereItRises) {
-    const struct {
-        float x0, x1, x2;
-        float atQuarter; // x at t = 1/4
-    } kCases[] = {{0, 0, 4, 1},     {0, 1, 4, 1},      {0, 4, 4, 1}, {4, 1, 0, 3}, {0, 2, 4, 1},
-                  {0, 8, 4, 3.25f}, {2, 5, 2, 3.125f}, {2, 2, 2, 2}}; // turns back, stands: as Get
-    for (const auto& c : kCases) {
-        const FXBezier3 bezier = {{{c.x0, 0, 1}, {c.x1, 5, 1}, {c.x2, 0, 1}}};
+    const std::array<float, 4> kCases[] = {
+        // x of the three points, and at a quarter of the way
+        {0, 0, 4, 1},     {0, 1, 4, 1},      {0, 4, 4, 1}, {4, 1, 0, 3}, {0, 2, 4, 1},
+        {0, 8, 4, 3.25f}, {2, 5, 2, 3.125f}, {2, 2, 2, 2}}; // turns back, or stands still: as Get
+    for (const auto& [x0, x1, x2, atQuarter] : kCases) {
+        const FXBezier3 bezier = {{{x0, 0, 1}, {x1, 5, 1}, {x2, 0, 1}}};
         Point at;
-        for (const auto& [t, x] : {std::pair{0.0f, c.x0}, {0.25f, c.atQuarter}, {1.0f, c.x2}}) {
+        for (const auto& [t, x] : {std::pair{0.0f, x0}, {0.25f, atQuarter}, {1.0f, x2}}) {
             bezier.Get1(at.data(), t);
             ExpectNear({at[0], at[2]}, {x, 1});
         }

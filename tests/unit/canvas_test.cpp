@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <tuple>
 #include <vector>
@@ -68,30 +69,25 @@ TEST(Canvas, IsReadAtAnyPlaceAndExtendsItsEdges) {
     canvas.ExtendEdges();
     EXPECT_EQ(std::vector<std::uint32_t>(canvas.pixels, canvas.pixels + 16),
               (std::vector<std::uint32_t>{1, 2, 3, 3, 4, 5, 6, 6, 4, 5, 6, 6, 4, 5, 6, 6}));
-    const struct {
-        float u, v;
-        long color, bump; // red
-    } kCases[] = {{0, 0, 1, 4},      {0.34f, 0.5f, 5, 5}, {0.9f, 0.9f, 6, 3},
-                  {-5, -0.1f, 1, 4}, {2e9f, -2e9f, 3, 6}, {std::nanf(""), std::nanf(""), 1, 1}};
-    for (const auto& c : kCases) {
-        canvas.GetColor(c.u, c.v, color);
-        EXPECT_EQ(std::lround(color[0] * 255), c.color) << c.u << " " << c.v;
-        EXPECT_EQ(std::lround(canvas.GetBump(c.u, c.v) * 255), c.bump) << c.u << " " << c.v;
+    const std::tuple<float, float, long, long> kCases[] = {
+        // red of GetColor and of GetBump
+        {0.0f, 0.0f, 1, 4},   {0.34f, 0.5f, 5, 5}, {0.9f, 0.9f, 6, 3},
+        {-5.0f, -0.1f, 1, 4}, {2e9f, -2e9f, 3, 6}, {std::nanf(""), std::nanf(""), 1, 1}};
+    for (const auto& [u, v, red, bump] : kCases) {
+        canvas.GetColor(u, v, color);
+        EXPECT_EQ(std::lround(color[0] * 255), red) << u << " " << v;
+        EXPECT_EQ(std::lround(canvas.GetBump(u, v) * 255), bump) << u << " " << v;
     }
 }
 
 TEST(Colors, AreCutToBytesAndComeBack) {
-    const struct {
-        float color[4];
-        std::uint32_t int1, int0;
-    } kCases[] = {{{1, 0, 0, 1}, 0xFF0000FF, 0xFFFF0000},
-                  {{0.999f, 0.25f, 0.5f, 0.125f}, 0x1F7F3FFE, 0x1FFE3F7F},
-                  {{2, 0, 0, 0}, 0x1FE, 0x1FE0000}, // spills
-                  {{std::nanf(""), 1e30f, -1e30f, 1}, 0xFF000000, 0xFF000000}};
-    for (const auto& c : kCases) {
-        EXPECT_EQ(fxColToInt1(c.color), c.int1);
-        EXPECT_EQ(fxColToInt(c.color), c.int0);
-    }
+    const std::tuple<std::array<float, 4>, std::uint32_t, std::uint32_t> kCases[] = {
+        {{1, 0, 0, 1}, 0xFF0000FF, 0xFFFF0000},
+        {{0.999f, 0.25f, 0.5f, 0.125f}, 0x1F7F3FFE, 0x1FFE3F7F},
+        {{2, 0, 0, 0}, 0x1FE, 0x1FE0000}, // spills
+        {{std::nanf(""), 1e30f, -1e30f, 1}, 0xFF000000, 0xFF000000}};
+    for (const auto& [color, int1, int0] : kCases)
+        EXPECT_TRUE(fxColToInt1(color.data()) == int1 && fxColToInt(color.data()) == int0) << color[0];
     float color[4];
     fxColFromInt1(color, 0xFF336600);
     EXPECT_TRUE(color[0] == 0.0f && color[1] == 0.4f && color[2] == 0.2f && color[3] == 1.0f);

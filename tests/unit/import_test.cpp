@@ -7,6 +7,8 @@
 #include "unit/scene_parts.h"
 #include "unit/trace_lines.h"
 
+#include <tuple>
+
 namespace {
 
 // A square of four materials: one with a picture of 3 x 2 pixels, some clear; one with d; a solid one; one
@@ -36,17 +38,16 @@ TEST_F(Import, MakesTheLoadedGroupOfAnObjFile) {
     ASSERT_TRUE(model.ImportObj(obj_.c_str()));
     EXPECT_STREQ(model.name.text, "square");
     EXPECT_EQ(model.matlibName.text, folder_.File("square.mtl"));
-    const struct {
-        const char* material;
-        int transparent;
-        bool found;
-    } kMeshes[] = {{"Clear", 1, true}, {"Glass", 1, true}, {"Stone", 0, true}, {"Desktop", 0, false}};
     ASSERT_TRUE(model.loadedMeshes.count == 4 && model.meshes.IsEmpty());
+    const std::tuple<const char*, int, bool> kMeshes[] = {// way to draw; is the material found
+                                                          {"Clear", 1, true},
+                                                          {"Glass", 1, true},
+                                                          {"Stone", 0, true},
+                                                          {"Desktop", 0, false}};
     for (int m = 0; m < 4; ++m) {
         const FXMesh& mesh = *model.loadedMeshes[m];
-        EXPECT_STREQ(mesh.materialName.text, kMeshes[m].material);
-        EXPECT_EQ(mesh.transparent, kMeshes[m].transparent) << kMeshes[m].material;
-        EXPECT_EQ(mesh.material != nullptr, kMeshes[m].found);
+        EXPECT_EQ(std::tuple(std::string(mesh.materialName.text), mesh.transparent, mesh.material != nullptr),
+                  kMeshes[m]);
         EXPECT_EQ(mesh.indexCount, m == 0 ? 6 : 3);
     }
     EXPECT_EQ(model.loadedMeshes[0]->vertexCount, 4) << "corners that are alike are one vertex";

@@ -6,6 +6,7 @@
 #include "unit/recorded_device.h"
 #include "unit/test_package.h"
 
+#include <functional>
 #include <tuple>
 
 namespace {
@@ -121,19 +122,16 @@ TEST_F(MaterialPicture, OfTheCallerIsReadButNotOwned) {
 }
 
 TEST_F(MaterialPicture, ThatFailsDeletesTheTextureOfTheOneBefore) {
-    const std::pair<const char*, bool (*)(FXMaterial&, FXPackage*, UnwillingDevice&)> kCases[] = {
-        {"entry", [](FXMaterial& m, FXPackage* p, UnwillingDevice&) { return m.LoadTextureCN(p, 8); }},
-        {"text", [](FXMaterial& m, FXPackage* p, UnwillingDevice&) { return m.LoadTextureC(p, "tex"); }},
-        {"file", [](FXMaterial& m, FXPackage*, UnwillingDevice&) { return m.LoadTexture("no/such.png"); }},
-        {"device", [](FXMaterial& m, FXPackage* p, UnwillingDevice& device) {
-             device.willing = false;
-             return m.LoadTextureCN(p, 7);
-         }}};
+    const std::pair<const char*, std::function<bool(FXMaterial&)>> kCases[] = {
+        {"entry", [&](FXMaterial& m) { return m.LoadTextureCN(&package_, 8); }},
+        {"text", [&](FXMaterial& m) { return m.LoadTextureC(&package_, "tex"); }},
+        {"file", [&](FXMaterial& m) { return m.LoadTexture("no/such.png"); }},
+        {"device",
+         [&](FXMaterial& m) { return (device_.gl.willing = false) || m.LoadTextureCN(&package_, 7); }}};
     for (const auto& [what, reload] : kCases) {
         FXMaterial m;
-        device_.gl.willing = true;
         ASSERT_TRUE(m.LoadTextureCN(&package_, 7));
-        EXPECT_FALSE(reload(m, &package_, device_.gl)) << what;
+        EXPECT_FALSE(reload(m)) << what;
         ExpectUntextured(m, what);
         EXPECT_TRUE(m.GetWidth() == 0 || !device_.gl.willing) << what;
     }

@@ -7,32 +7,32 @@
 
 #include <climits>
 #include <cmath>
-#include <span>
+#include <tuple>
 
 namespace {
 
 using Vector = std::array<float, 3>;
 
 TEST(MeshRecord, ThatIsMalformedGivesAMeshWithoutTriangles) {
-    const struct {
-        bool packed; // the header alone, with 6 bytes behind it
-        int vertices, corners, index, expected;
-    } kCases[] = {{false, 3, 3, 1, 3},       {false, -1, 3, 1, 0},      {false, INT_MAX, 3, 1, 0},
-                  {false, 2, 3, 1, 0},       {false, 4, 3, 1, 0},       {false, 3, -1, 1, 0},
-                  {false, 3, INT_MIN, 1, 0}, {false, 3, INT_MAX, 1, 0}, {false, 3, 4, 1, 0},
-                  {false, 3, 3, -1, 0},      {false, 3, 3, 3, 0},       {false, 3, 3, INT_MAX, 0},
-                  {true, 3, 6, 0, 6},        {true, 3, 7, 0, 0},        {true, -1, 6, 0, 0},
-                  {true, 3, -1, 0, 0},       {true, INT_MAX, 6, 0, 6},  {true, 3, INT_MAX, 0, 0}};
+    const std::tuple<bool, int, int, int, bool> kCases[] = {
+        // the header alone, with 6 bytes behind it; vertices, corners, an index; is it good
+        {false, 3, 3, 1, true},        {false, -1, 3, 1, false},      {false, INT_MAX, 3, 1, false},
+        {false, 2, 3, 1, false},       {false, 4, 3, 1, false},       {false, 3, -1, 1, false},
+        {false, 3, INT_MIN, 1, false}, {false, 3, INT_MAX, 1, false}, {false, 3, 4, 1, false},
+        {false, 3, 3, -1, false},      {false, 3, 3, 3, false},       {false, 3, 3, INT_MAX, false},
+        {true, 3, 6, 0, true},         {true, 3, 7, 0, false},        {true, -1, 6, 0, false},
+        {true, 3, -1, 0, false},       {true, INT_MAX, 6, 0, true},   {true, 3, INT_MAX, 0, false}};
     FXMesh mesh;
-    for (const auto& c : kCases) {
-        const std::string record = Header("m") + Floats({0, 0}) + Ints({0, 0, c.vertices}) +
-                                   (c.packed ? "" : std::string(3 * sizeof(tagFXVertex), '\1')) +
-                                   Ints({c.corners}) +
-                                   (c.packed ? std::string(6, '\0') : Ints({0, c.index, 2}));
+    for (const auto& [packed, vertices, corners, index, good] : kCases) {
+        const std::string record =
+            Header("m") + Floats({0, 0}) + Ints({0, 0, vertices}) +
+            (packed ? Ints({corners}) + std::string(6, '\0')
+                    : std::string(3 * sizeof(tagFXVertex), '\1') + Ints({corners, 0, index, 2}));
         FXPackageData data = CursorOf(record);
         MakeMesh(&mesh, {{}, {}, {}}, {0, 1, 2}); // what was there before
-        c.packed ? mesh.LoadMeshIC(nullptr, &data, nullptr) : mesh.LoadMeshC(nullptr, &data, nullptr);
-        EXPECT_EQ(mesh.indexCount, c.expected) << &c - kCases;
+        packed ? mesh.LoadMeshIC(nullptr, &data, nullptr) : mesh.LoadMeshC(nullptr, &data, nullptr);
+        EXPECT_EQ(mesh.indexCount, good ? corners : 0)
+            << packed << " " << vertices << " " << corners << " " << index;
         EXPECT_LE(mesh.vertexCount, mesh.indexCount) << "a vertex has a corner";
     }
 }

@@ -53,10 +53,8 @@ TEST_F(Morph, PlaysAsItsFlagsSay) {
         float x; // of the vertex
         bool playing = true;
     };
-    const struct {
-        std::string flags; // interpolated, loop, there and back, backwards
-        std::vector<Step> steps;
-    } cases[] = {
+    const std::pair<std::string, std::vector<Step>> cases[] = {
+        // interpolated, loop, there and back, backwards
         // At the last key frame there is nowhere to go.
         {"i", {{0, 0, 0}, {0.25, 0, 1}, {1, 1, 4}, {1.5, 1, 6}, {2, 2, 6, false}, {9, 2, 6, false}}},
         // Key frame by key frame, the last one is shown for its time.
@@ -65,10 +63,9 @@ TEST_F(Morph, PlaysAsItsFlagsSay) {
         {"ilt", {{0.25, 0, 1}, {1.25, 1, 5}, {2.25, 2, 7}, {3.25, 1, 3}, {4.25, 0, 1}, {5.25, 1, 5}}},
         {"ilb", {{0.25, 0, 2}, {1.25, 2, 7}, {2.25, 1, 3}, {3.25, 0, 2}}},
         {"b", {{0, 0, 0}, {1, 0, 0, false}}},
-        {"lt", {{0, 0, 0}, {1, 1, 4}, {2, 2, 8}, {3, 1, 4}, {4, 0, 0}, {5, 1, 4}}},
-    };
-    for (const auto& c : cases) {
-        const auto has = [&](char flag) { return c.flags.find(flag) != std::string::npos; };
+        {"lt", {{0, 0, 0}, {1, 1, 4}, {2, 2, 8}, {3, 1, 4}, {4, 0, 0}, {5, 1, 4}}}};
+    for (const auto& [flags, steps] : cases) {
+        const auto has = [&, &flags = flags](char flag) { return flags.find(flag) != std::string::npos; };
         Make(&anim_, {1000, 1000, 1000});
         anim_.loop = has('l');
         anim_.pingPong = has('t');
@@ -76,11 +73,9 @@ TEST_F(Morph, PlaysAsItsFlagsSay) {
         anim_.UpdateInterpolation(has('i'), true);
         anim_.backwards = has('b');
         anim_.StartAnim(0);
-        for (const Step& step : c.steps) {
-            SCOPED_TRACE(testing::Message() << c.flags << " at " << step.time);
-            EXPECT_NEAR(Draw(step.time), step.x, 1e-5);
-            EXPECT_EQ(anim_.frame, step.frame);
-            EXPECT_EQ(anim_.playing, step.playing);
+        for (const auto& [time, frame, x, playing] : steps) {
+            EXPECT_NEAR(Draw(time), x, 1e-5) << flags << " at " << time;
+            EXPECT_TRUE(anim_.frame == frame && anim_.playing == playing) << flags << " at " << time;
         }
     }
 }
@@ -191,17 +186,17 @@ TEST_F(Morph, WhoseKeyFramesDoNotAgreeEndsAllTheSame) {
 }
 
 TEST_F(Morph, MovesAKeyFrameWithItsNameAndTime) {
-    const struct {
-        int to, from;
-        std::vector<int> order;
-    } kCases[] = {{0, 2, {2, 0, 1, 3}}, {3, 0, {1, 2, 3, 0}}, {4, 0, {0, 1, 2, 3}}, {0, -1, {0, 1, 2, 3}}};
-    for (const auto& c : kCases) {
+    const std::tuple<int, int, std::vector<int>> kCases[] = {// to, from, the order then
+                                                             {0, 2, {2, 0, 1, 3}},
+                                                             {3, 0, {1, 2, 3, 0}},
+                                                             {4, 0, {0, 1, 2, 3}},
+                                                             {0, -1, {0, 1, 2, 3}}};
+    for (const auto& [to, from, order] : kCases) {
         Make(&anim_, {0, 1, 2, 3});
-        anim_.MoveFrame(c.to, c.from);
+        anim_.MoveFrame(to, from);
         for (int i = 0; i < 4; ++i) {
-            const int was = c.order[static_cast<std::size_t>(i)];
-            EXPECT_EQ(First(i).pos[0], 4.0f * static_cast<float>(was));
-            EXPECT_EQ(anim_.frameTimes[i], was);
+            const int was = order[static_cast<std::size_t>(i)];
+            EXPECT_TRUE(First(i).pos[0] == 4.0f * static_cast<float>(was) && anim_.frameTimes[i] == was);
             EXPECT_EQ(anim_.frameNames.Get(i), std::to_string(was));
         }
     }

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <numeric>
+#include <tuple>
 
 namespace {
 
@@ -145,34 +146,32 @@ TEST(Unpacking, OfAMalformedStreamGivesAnEmptyMesh) {
                    Floats({0, 0, 1, 1}));
     const std::string zero(1, '\0'), two(2, '\0'),
         three = two + std::string("\x15\0\0\0", 4); // corners: 0, 1, 0
-    const struct {
-        const char* what;
-        std::string stream;
-        int room, corners, vertices;
-    } cases[] = {{"good", three, 2, 3, 2},
-                 {"good, more room and bytes", three + "rest", 9, 3, 2},
-                 {"no bytes", "", 2, 0, 0},
-                 {"one corner short", two, 2, 0, 0},
-                 {"half a corner", two + "\x15" + zero, 2, 0, 0},
-                 {"half a word", two + "\x20" + zero, 2, 0, 0},
-                 {"half an int", two + "\x03" + zero + two, 2, 0, 0},
-                 {"beyond the positions, by one more", two + zero, 9, 0, 0},
-                 {"beyond the positions", two + "\x01\x02", 9, 0, 0},
-                 {"beyond the normals", two + std::string("\x05\0\x02", 3), 9, 0, 0},
-                 {"beyond the texture coordinates", two + std::string("\x15\0\0\x02", 4), 9, 0, 0},
-                 {"below", two + "\x03" + Ints({-1}), 9, 0, 0},
-                 {"after the last int", "\x03" + Ints({INT_MAX}) + zero, 9, 0, 0},
-                 {"more vertices than the header says", three, 1, 0, 0},
-                 {"a third triple", two + std::string("\x15\0\1\0", 4), 2, 0, 0},
-                 {"nothing asked for", zero, 0, 0, 0}};
-    for (const auto& c : cases) {
+    const std::tuple<const char*, std::string, int, int> cases[] = {
+        // room, vertices
+        {"good", three, 2, 2},
+        {"good, more room and bytes", three + "rest", 9, 2},
+        {"no bytes", "", 2, 0},
+        {"one corner short", two, 2, 0},
+        {"half a corner", two + "\x15" + zero, 2, 0},
+        {"half a word", two + "\x20" + zero, 2, 0},
+        {"half an int", two + "\x03" + zero + two, 2, 0},
+        {"beyond the positions, by one more", two + zero, 9, 0},
+        {"beyond the positions", two + "\x01\x02", 9, 0},
+        {"beyond the normals", two + std::string("\x05\0\x02", 3), 9, 0},
+        {"beyond the texture coordinates", two + std::string("\x15\0\0\x02", 4), 9, 0},
+        {"below", two + "\x03" + Ints({-1}), 9, 0},
+        {"after the last int", "\x03" + Ints({INT_MAX}) + zero, 9, 0},
+        {"more vertices than the header says", three, 1, 0},
+        {"a third triple", two + std::string("\x15\0\1\0", 4), 2, 0},
+        {"nothing asked for", zero, 0, 0}};
+    for (const auto& [what, stream, room, vertices] : cases) {
         FXNumPool pool;
-        for (const char byte : c.stream)
+        for (const char byte : stream)
             pool.PushByte(static_cast<unsigned char>(byte));
         FXMesh mesh;
-        ASSERT_TRUE(mesh.Realloc(c.room, 3));
-        EXPECT_EQ(mesh.FromVMap(&map, &pool), c.corners > 0 || c.room == 0) << c.what;
-        EXPECT_TRUE(mesh.indexCount == c.corners && mesh.vertexCount == c.vertices) << c.what;
+        ASSERT_TRUE(mesh.Realloc(room, 3));
+        EXPECT_EQ(mesh.FromVMap(&map, &pool), vertices > 0 || room == 0) << what;
+        EXPECT_TRUE(mesh.indexCount == (vertices > 0 ? 3 : 0) && mesh.vertexCount == vertices) << what;
     }
 }
 
