@@ -202,6 +202,7 @@ TEST_F(Model, FindsAndDoublesMeshesByTheirMaterials) {
     EXPECT_EQ(model.FindMesh("glass"), model.meshes[0]);
     EXPECT_EQ(model.FindMesh("Glass"), nullptr);
     EXPECT_EQ(model.FindMesh("wood"), nullptr) << "behind one without a material";
+    model.meshes[0]->materialName.Set("glass");
     EXPECT_EQ(model.DoubleMesh("wood", "nowhere"), nullptr);
     EXPECT_EQ(model.DoubleMesh("gold", "glass"), nullptr) << "no such material";
     const FXMesh* twin = model.DoubleMesh("wood", "glass");
