@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace {
@@ -115,10 +116,14 @@ bool FXPackage::Save(const char* fileName, int flags) {
     if (scrambled)
         fxScramble(body.get(), bytes);
     const FXStr header(scrambled ? "pck01s" : "pck01");
-    if (!fxReplaceFile(fileName, [&](std::FILE* file) {
-            return header.Save(file) && std::fwrite(body.get(), 1, bytes, file) == bytes;
-        }))
+    try {
+        if (!fxReplaceFile(fileName, [&](std::FILE* file) {
+                return header.Save(file) && std::fwrite(body.get(), 1, bytes, file) == bytes;
+            }))
+            return false;
+    } catch (const std::bad_alloc&) { // nothing is written yet
         return false;
+    }
     if (scrambled)
         fxScramble(body.get(), bytes);
     TakeBody(std::move(body), static_cast<int>(bodySize));
