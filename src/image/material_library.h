@@ -39,7 +39,7 @@ public:
     bool Load(const char* path);
     bool Save(const char* path) const;
     bool Save(std::FILE* file) const;
-    bool LoadFromMtl(const char* path); // a Wavefront MTL file
+    bool LoadFromMtl(const char* path); // a Wavefront MTL file; without memory false, and what there is stays
     // Adds every material's picture file to a package in the making, and names it by its number there. Once.
     void Compile(FXPackage* pkg);
     // Gives up one reference. The last one destroys the library, unless autoDelete is off.

@@ -6,6 +6,7 @@
 #include "image/wavefront_lines.h"
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
@@ -121,7 +122,7 @@ std::vector<FXMtlMaterial> fxReadMtl(const std::string& text, std::string* fault
     return reader.materials;
 }
 
-bool FXMatlib::LoadFromMtl(const char* path) {
+bool FXMatlib::LoadFromMtl(const char* path) try {
     std::string text, problem;
     if (!fxReadWhole(path, &text, &problem))
         return false;
@@ -144,4 +145,6 @@ bool FXMatlib::LoadFromMtl(const char* path) {
         if (!materials[i]->texRef.IsEmpty())
             materials[i]->LoadTexture(materials[i]->texRef.text);
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }

@@ -103,3 +103,11 @@ FailingHeap::~FailingHeap() {
 bool FailingHeap::HasFailed() const {
     return failed;
 }
+
+FailingHeap::Pause::Pause() : left_(left) {
+    left = -1;
+}
+
+FailingHeap::Pause::~Pause() {
+    left = left_;
+}

@@ -15,6 +15,18 @@ public:
     FailingHeap& operator=(const FailingHeap&) = delete;
 
     bool HasFailed() const;
+
+    // Nothing fails, and nothing is counted, while one lives: for what stands in for another library.
+    class Pause {
+    public:
+        Pause();
+        ~Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+    private:
+        int left_;
+    };
 };
 
 // Attempts the same again and again: allocation 0 fails, then 1, 2, ... until nothing fails; first that one

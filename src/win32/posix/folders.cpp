@@ -2,8 +2,10 @@
 #include "win32/win32.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,12 +13,22 @@
 namespace {
 
 // The separator at the end may be the other one: "\" alone is the root.
-std::string SlashEnding(const char* path) {
-    std::string name = path;
-    if (!name.empty() && name.back() == '\\')
-        name.back() = '/';
-    return name;
-}
+class SlashEnding {
+public:
+    explicit SlashEnding(const char* path) : path_(path) {
+        const std::size_t length = std::strlen(path);
+        if (length == 0 || length >= sizeof changed_ || path[length - 1] != '\\')
+            return;
+        std::memcpy(changed_, path, length);
+        changed_[length - 1] = '/';
+        path_ = changed_;
+    }
+    const char* Text() const { return path_; }
+
+private:
+    char changed_[PATH_MAX] = {}; // longer ones the system refuses
+    const char* path_;
+};
 
 constexpr mode_t kPrivate = 0700;
 
@@ -46,7 +58,7 @@ DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
 }
 
 BOOL SetCurrentDirectoryA(const char* path) {
-    if (chdir(SlashEnding(path).c_str()) == 0)
+    if (chdir(SlashEnding(path).Text()) == 0)
         return TRUE;
     SetLastError(errno == EACCES ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND);
     return FALSE;
@@ -54,7 +66,7 @@ BOOL SetCurrentDirectoryA(const char* path) {
 
 DWORD GetFileAttributesA(const char* path) {
     struct stat entry = {};
-    if (stat(SlashEnding(path).c_str(), &entry) != 0)
+    if (stat(SlashEnding(path).Text(), &entry) != 0)
         return INVALID_FILE_ATTRIBUTES;
     return S_ISDIR(entry.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
 }
