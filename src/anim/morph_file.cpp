@@ -17,7 +17,6 @@
 namespace {
 
 constexpr int kSmallestEntry = 8;
-constexpr int kPoolStep = 800000;
 
 bool localIsVersion3(const FXPackageData& d) {
     return d.left >= kSmallestEntry && d.cur[0] == 4 && std::memcmp(d.cur + 4, FXAnim::kVersion3, 4) == 0;
@@ -143,9 +142,9 @@ struct FXAnim::Loader {
     FXOwnerArray<FXModel>& models = anim.models;
     int frames = anim.frameNames.count;
     int count = 0; // of meshes
-    FXStr library = FXStr();
+    FXStr library = {};
     FXVectorMap map = {};
-    FXOwnerArray<FXNumPool> pools = FXOwnerArray<FXNumPool>(1);
+    FXOwnerArray<FXNumPool> pools = {};
 };
 
 int FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
@@ -181,7 +180,7 @@ struct FXAnim::Saver {
     bool Begin() {
         for (int m = 0; m < count; ++m) {
             FXMesh* mesh = anim.models[0]->meshes[m];
-            FXNumPool* pool = pools.Push(new (std::nothrow) FXNumPool(kPoolStep));
+            FXNumPool* pool = pools.Push(new (std::nothrow) FXNumPool(FXNumPool::kSaveStep));
             for (int kind = 0; kind < 3; ++kind) {
                 FXArray<int>* numbers = redirects.PushNew();
                 if (pool == nullptr || numbers == nullptr || !numbers->Realloc(mesh->indexCount))
@@ -206,8 +205,8 @@ struct FXAnim::Saver {
     int count = frames > 0 ? anim.models[0]->meshes.count : 0; // of meshes
     FXStr library = frames > 0 ? anim.models[0]->matlibName : FXStr();
     FXVectorMap map = {};
-    FXOwnerArray<FXNumPool> pools = FXOwnerArray<FXNumPool>(1);
-    FXOwnerArray<FXArray<int>> redirects = FXOwnerArray<FXArray<int>>(1); // three for each mesh
+    FXOwnerArray<FXNumPool> pools = {};
+    FXOwnerArray<FXArray<int>> redirects = {}; // three for each mesh
 };
 
 // As many names, and key frames of one layout?

@@ -19,7 +19,8 @@ template <class T> class FXArray {
     static constexpr std::size_t kElement = sizeof(T);
 
 public:
-    explicit FXArray(int step = 1) : growBy(step) {}
+    FXArray() = default;
+    explicit FXArray(int step) : growBy(step) {}
     ~FXArray() { DestroyBuf(); }
     FXArray(const FXArray&) = delete;
     FXArray& operator=(const FXArray&) = delete;
@@ -133,7 +134,7 @@ public:
     T* items = nullptr;
     int count = 0;
     int capacity = 0;
-    int growBy;
+    int growBy = 1;
 
 private:
     // A step below 1 counts as 1, so that a push always finds room or is dropped.

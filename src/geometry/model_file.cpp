@@ -17,12 +17,6 @@
 #include <new>
 #include <utility>
 
-namespace {
-
-constexpr int kPoolStep = 800000;
-
-} // namespace
-
 bool FXModel::LoadCN(FXPackage* pck, int id, FXLoadBudget* budget) {
     Destroy();
     const FXPackageData* entry = pck->GetDataPtr(id);
@@ -126,10 +120,10 @@ struct FXModel::Saver {
     const FXStr& name;
     const FXStr& library;
     std::FILE* file;
-    FXArray<FXMesh*> meshes = FXArray<FXMesh*>(1);
+    FXArray<FXMesh*> meshes = {};
     int count = 0; // of them
     FXVectorMap map = {};
-    FXOwnerArray<FXNumPool> pools = FXOwnerArray<FXNumPool>(1);
+    FXOwnerArray<FXNumPool> pools = {};
 };
 
 bool FXModel::Save(const char* path) {
@@ -152,7 +146,7 @@ bool FXModel::Save_v03(std::FILE* file) {
     for (FXMesh* mesh : meshes) {
         if (mesh == nullptr || mesh->disabled)
             continue;
-        FXNumPool* pool = saver.pools.Push(new (std::nothrow) FXNumPool(kPoolStep));
+        FXNumPool* pool = saver.pools.Push(new (std::nothrow) FXNumPool(FXNumPool::kSaveStep));
         if (pool == nullptr || !saver.meshes.Push(mesh))
             return false;
         mesh->ToVMap(&saver.map, pool, nullptr, 0, nullptr);

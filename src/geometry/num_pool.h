@@ -9,6 +9,8 @@ class FXPackageData;
 
 class FXNumPool {
 public:
+    static constexpr int kSaveStep = 800000; // for pools that are written: one block holds a whole mesh
+
     FXNumPool() : FXNumPool(1) {}
     explicit FXNumPool(int step) : growStep(step > 0 ? step : 1) {}
     ~FXNumPool() { DestroyBuf(); }

@@ -23,7 +23,7 @@ bool fxDesktopLock(FXDesktopPixels* pixels) {
 }
 
 void fxDesktopUnlock() {
-    copy = {};
+    fxDesktopRelease();
 }
 
 void fxDesktopRelease() {

@@ -54,8 +54,8 @@ struct FXMatlib::Loader {
 
     FXMatlib& library;
     FXPackage* package;
-    FXPackageData
-        data; // its own: a material's picture is read through the cursor of its entry, which may be this
+    // A copy: a material's picture is read through its entry's cursor, which may be the library's.
+    FXPackageData data;
     FXStr& name = library.name;
     int count = 0;
 };

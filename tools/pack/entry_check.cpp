@@ -38,8 +38,8 @@ struct ModelChecker {
 
     ShapeReader& reader;
     EntryFacts& facts;
-    FXStr name = FXStr();
-    FXStr library = FXStr();
+    FXStr name = {};
+    FXStr library = {};
     int count = 0;
     MapCounts counts = {};
 };
@@ -93,7 +93,7 @@ struct AnimationChecker {
     EntryFacts& facts;
     int frames;
     int count = 0; // of meshes
-    FXStr library = FXStr();
+    FXStr library = {};
     FXLoadBudget budget = {};
     std::vector<PoolNumbers> numbers = {};
 };
@@ -143,7 +143,7 @@ struct LibraryChecker {
 
     ShapeReader& reader;
     EntryFacts& facts;
-    FXStr name = FXStr();
+    FXStr name = {};
     int count = 0;
 };
 
