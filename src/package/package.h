@@ -19,6 +19,14 @@ enum FXEntryType : int {
     kGif = 0x436,
 };
 
+// What the name of a picture file ends with, and the type of its entry.
+struct FXPictureEnding {
+    const char* ending;
+    int type;
+};
+inline constexpr FXPictureEnding kPictureEndings[] = {
+    {"jpg", kJpeg}, {"png", kPng}, {"tga", kTga}, {"bmp", kBmp}, {"gif", kGif}};
+
 // Owns the entries' bytes and a cursor for each. Loading and reading happen on one thread.
 class FXPackage : public FXNameServer {
 public:

@@ -15,18 +15,12 @@
 
 namespace {
 
-struct Ending {
-    const char* text;
-    int type;
-};
-constexpr Ending kEndings[] = {{"jpg", kJpeg}, {"png", kPng}, {"tga", kTga}, {"bmp", kBmp}, {"gif", kGif}};
-
 int localTypeOf(const char* name) {
     const char* from = name + std::min<std::size_t>(std::strlen(name), 2);
     const char* dot = std::strrchr(from, '.');
     const FXStr ending(dot ? dot + 1 : from);
-    for (const Ending& known : kEndings)
-        if (ending.iCompare(known.text))
+    for (const FXPictureEnding& known : kPictureEndings)
+        if (ending.iCompare(known.ending))
             return known.type;
     return kRaw;
 }

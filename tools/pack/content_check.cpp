@@ -25,7 +25,7 @@
 namespace {
 
 const char* localEndingOf(int type) {
-    const PictureType* known = FindPictureType(type);
+    const FXPictureEnding* known = FindPictureType(type);
     return known != nullptr ? known->ending : "unknown";
 }
 

@@ -55,10 +55,11 @@ int localDumpPackage(const std::string& file) {
 int localDumpEntry(const std::string& file, const std::string& number) {
     const int id = EntryNumber(number);
     FXPackage package;
+    std::string error;
     if (id < 0)
         return FailUsage("'" + number + "' is no entry's number", "dump");
-    if (!package.Load(file.c_str()))
-        return Fail(file + ": is not a package, or cannot be read (tamb-pack verify says why)");
+    if (!LoadPackage(file, &package, &error))
+        return Fail(error);
     const FXPackageData* entry = package.GetDataPtr(id);
     if (entry == nullptr)
         return Fail("there is no entry " + number + " (tamb-pack list shows which there are)");

@@ -7,12 +7,9 @@
 
 namespace {
 
-constexpr PictureType kPictureTypes[] = {{"jpg", kJpeg}, {"png", kPng}, {"tga", kTga},
-                                         {"bmp", kBmp},  {"gif", kGif}, {"jpeg", kJpeg}};
-
-template <class Test> const PictureType* localFind(Test test) {
-    const auto* found = std::ranges::find_if(kPictureTypes, test);
-    return found == std::end(kPictureTypes) ? nullptr : found;
+template <class Test> const FXPictureEnding* localFind(Test test) {
+    const auto* found = std::ranges::find_if(kPictureEndings, test);
+    return found == std::end(kPictureEndings) ? nullptr : found;
 }
 
 constexpr ShowEntry kEntries[] = {
@@ -40,14 +37,17 @@ const char* KindName(EntryKind kind) {
     return kNames[static_cast<std::size_t>(kind)];
 }
 
-const PictureType* FindPictureType(int type) {
-    return localFind([&](const PictureType& t) { return t.type == type; });
+const FXPictureEnding* FindPictureType(int type) {
+    return localFind([&](const FXPictureEnding& known) { return known.type == type; });
 }
 
-const PictureType* FindPictureEnding(const std::string& file) {
+const FXPictureEnding* FindPictureEnding(const std::string& file) {
     const FXStr ending(std::filesystem::path(file).extension().string().c_str());
-    return localFind(
-        [&](const PictureType& t) { return ending.iCompare(("." + std::string(t.ending)).c_str()); });
+    if (ending.iCompare(".jpeg"))
+        return FindPictureType(kJpeg);
+    return localFind([&](const FXPictureEnding& known) {
+        return ending.iCompare(("." + std::string(known.ending)).c_str());
+    });
 }
 
 std::span<const ShowEntry> ShowEntries() {

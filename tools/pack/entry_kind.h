@@ -11,14 +11,11 @@ enum class EntryKind { Picture, Model, Animation, Library, Matrix, Phaser, Raw }
 // "picture", "model", ...
 const char* KindName(EntryKind kind);
 
-// The kinds of picture file, by the ending of their names.
-struct PictureType {
-    const char* ending; // "png"
-    int type;           // kPng
-};
-// Null for what is no picture's type or ending; an ending counts in either case.
-const PictureType* FindPictureType(int type);
-const PictureType* FindPictureEnding(const std::string& file);
+// Null for what is no picture's type or ending. An ending counts in either case; "jpeg" is one too.
+const FXPictureEnding* FindPictureType(int type);
+const FXPictureEnding* FindPictureEnding(const std::string& file);
+// Said of a file that has none of them.
+inline constexpr char kNoPictureEnding[] = ": pictures are jpg, png, tga, bmp or gif files";
 
 // What the scene asks a package for.
 struct ShowEntry {

@@ -41,17 +41,18 @@ public:
     }
 
     // The number of the entry, and its kind; files of this name are what others refer to.
-    std::string FileName(int id, EntryKind kind) const {
+    std::string FileName(int id, EntryKind kind) const { return FileName(id, kind, asWavefront_); }
+    std::string FileName(int id, EntryKind kind, bool asWavefront) const {
         const std::string stem = std::to_string(id);
         switch (kind) {
         case EntryKind::Picture:
             return stem + "." + FindPictureType(package_->GetDataType(id))->ending;
         case EntryKind::Model:
-            return stem + (asWavefront_ ? ".obj" : ".om");
+            return stem + (asWavefront ? ".obj" : ".om");
         case EntryKind::Animation:
             return stem + ".oa";
         case EntryKind::Library:
-            return stem + (asWavefront_ ? ".mtl" : ".lib");
+            return stem + (asWavefront ? ".mtl" : ".lib");
         case EntryKind::Matrix:
         case EntryKind::Phaser:
         case EntryKind::Raw:
@@ -107,9 +108,7 @@ private:
     void Add(const std::string& name, const std::string& bytes) { result_.files.push_back({name, bytes}); }
 
     void TakeAsStored(int id, EntryKind kind, const FXPackageData& data, int type) {
-        std::string name = FileName(id, kind);
-        if (asWavefront_ && (kind == EntryKind::Model || kind == EntryKind::Library))
-            name = std::to_string(id) + (kind == EntryKind::Model ? ".om" : ".lib");
+        const std::string name = FileName(id, kind, false);
         Add(name, localBytesOf(data));
         result_.manifest +=
             std::string(kind == EntryKind::Picture ? "picture" : "raw") + " = " + Quoted(name) + "\n";
@@ -271,8 +270,9 @@ int localAll(FXPackage* package, bool isScrambled, const Arguments& arguments) {
 int localRun(const Arguments& arguments) {
     const std::string& file = arguments.words[0];
     FXPackage package;
-    if (!package.Load(file.c_str()))
-        return Fail(file + ": is not a package, or cannot be read (tamb-pack verify says why)");
+    std::string error;
+    if (!LoadPackage(file, &package, &error))
+        return Fail(error);
     if (arguments.words.size() == 3)
         return localOne(&package, arguments);
     if (OverlapsTooMuch(package))

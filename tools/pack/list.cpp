@@ -34,8 +34,9 @@ keep to itself is marked as damaged; tamb-pack verify says more.
 
 int localRun(const Arguments& arguments) {
     FXPackage package;
-    if (!package.Load(arguments.words[0].c_str()))
-        return Fail(arguments.words[0] + ": is not a package, or cannot be read (tamb-pack verify says why)");
+    std::string error;
+    if (!LoadPackage(arguments.words[0], &package, &error))
+        return Fail(error);
     if (OverlapsTooMuch(package))
         return Fail(arguments.words[0] + ": its entries lie over each other (tamb-pack verify says where)");
     std::vector<Description> rows(static_cast<std::size_t>(package.ids.count));

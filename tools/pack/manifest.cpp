@@ -199,12 +199,12 @@ private:
 
     void ReadPicture() {
         ReadFile("picture");
-        const PictureType* type = FindPictureEnding(entry_.file);
+        const FXPictureEnding* type = FindPictureEnding(entry_.file);
         if (type != nullptr)
             entry_.type = type->type;
         ReadType();
         if (!entry_.type)
-            table_.Fail(entry_.line, entry_.file + ": pictures are jpg, png, tga, bmp or gif files");
+            table_.Fail(entry_.line, entry_.file + kNoPictureEnding);
     }
 
     void ReadAnimation() {

@@ -152,6 +152,13 @@ bool CheckPackage(const std::string& file, Faults* faults, PackageFacts* facts) 
     return true;
 }
 
+bool LoadPackage(const std::string& file, FXPackage* package, std::string* error) {
+    const bool loaded = package->Load(file.c_str());
+    if (!loaded)
+        *error = file + ": is not a package, or cannot be read (tamb-pack verify says why)";
+    return loaded;
+}
+
 bool OverlapsTooMuch(const FXPackage& package) {
     constexpr std::int64_t kTimesTheData = 4;
     const auto total =

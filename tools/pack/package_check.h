@@ -17,6 +17,9 @@ struct PackageFacts {
 // Places are bytes of the file, or of the unscrambled body. False when it cannot be read any further.
 bool CheckPackage(const std::string& file, Faults* faults, PackageFacts* facts);
 
+// False with "FILE: is not a package, ..." in error.
+bool LoadPackage(const std::string& file, FXPackage* package, std::string* error);
+
 // Whether its entries share so many bytes that looking into each would cost out of all proportion to the
 // file.
 bool OverlapsTooMuch(const FXPackage& package);

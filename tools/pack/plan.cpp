@@ -78,9 +78,9 @@ private:
         added.file = file;
         added.name = fs::path(file).lexically_proximate(manifest_.folder).generic_string();
         if (kind == EntryKind::Picture) {
-            const PictureType* type = FindPictureEnding(file);
+            const FXPictureEnding* type = FindPictureEnding(file);
             if (type == nullptr)
-                Fail(user, file + ": pictures are jpg, png, tga, bmp or gif files");
+                Fail(user, file + kNoPictureEnding);
             else
                 added.type = type->type;
         }
