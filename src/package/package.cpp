@@ -44,11 +44,11 @@ bool FXPackage::LoadFile(const char* fileName) {
         problem.Format("cannot be read: %s", std::strerror(errno));
         return false;
     }
-    if (!read || !header.nCompare("pck01", 5)) {
+    if (!read || !IsHeader(header)) {
         problem.Set(std::ftell(file.get()) == 0 ? "is empty" : "is not a Tamblor package");
         return false;
     }
-    const bool scrambled = std::strchr(header.text + 5, 's') != nullptr;
+    const bool scrambled = SaysScrambled(header);
 
     int size = 0;
     FXBytes body = fxReadRest(file.get(), &size);

@@ -8,6 +8,8 @@
 #include "package/name_server.h"
 #include "package/package_data.h"
 
+#include <cstring>
+
 // Entry types are the image library's codes for picture files (IL_BMP, IL_JPG, IL_PNG, IL_TGA, IL_GIF), and
 // kRaw for everything else.
 enum FXEntryType : int {
@@ -31,6 +33,14 @@ inline constexpr FXPictureEnding kPictureEndings[] = {
 class FXPackage : public FXNameServer {
 public:
     static constexpr int kScrambled = 1; // flag of Save
+    // What a package begins with, and what it begins with when its body is scrambled.
+    static constexpr char kHeader[] = "pck01";
+    static constexpr char kScrambledHeader[] = "pck01s";
+    static bool IsHeader(const FXStr& header) { return header.nCompare(kHeader, kHeaderLength); }
+    // Of a header: an s anywhere behind the common start.
+    static bool SaysScrambled(const FXStr& header) {
+        return std::strchr(header.text + kHeaderLength, 's') != nullptr;
+    }
 
     FXPackage() = default;
     ~FXPackage() { Destroy(); }
@@ -80,6 +90,7 @@ public:
     FXStr problem; // of the last load, e.g. "ends too early"; empty: none
 
 private:
+    static constexpr int kHeaderLength = sizeof kHeader - 1;
     bool LoadFile(const char* fileName);
     bool TakeBody(FXBytes body, int size);
     void RecompClasses();

@@ -109,7 +109,7 @@ bool FXPackage::Save(const char* fileName, int flags) {
     const bool scrambled = (flags & kScrambled) != 0;
     if (scrambled)
         fxScramble(body.get(), bytes);
-    const FXStr header(scrambled ? "pck01s" : "pck01");
+    const FXStr header(scrambled ? kScrambledHeader : kHeader);
     try {
         if (!fxReplaceFile(fileName, [&](std::FILE* file) {
                 return header.Save(file) && std::fwrite(body.get(), 1, bytes, file) == bytes;

@@ -4,6 +4,7 @@
 #include "pack/record_reader.h"
 #include "pack/text.h"
 #include "package/file_block.h"
+#include "package/package.h"
 #include "package/scramble.h"
 
 #include <algorithm>
@@ -102,10 +103,6 @@ void localCheckOverlaps(const Tables& tables, int dataSize, Faults* faults) {
                      " to no entry");
 }
 
-bool localSaysScrambled(const FXStr& header) {
-    return std::string(header.text).find('s', 5) != std::string::npos;
-}
-
 } // namespace
 
 bool CheckPackage(const std::string& file, Faults* faults, PackageFacts* facts) {
@@ -119,15 +116,15 @@ bool CheckPackage(const std::string& file, Faults* faults, PackageFacts* facts) 
     if (faults->onField)
         faults->onField({0, block.data.start, block.data.size - block.data.left,
                          "the header: " + std::string(header.text)});
-    if (!header.nCompare("pck01", 5)) {
+    if (!FXPackage::IsHeader(header)) {
         faults->Add(0, "it does not begin as a package does, with 05 00 00 00 pck01 or 06 00 00 00 pck01s");
         return false;
     }
-    if (!header.Compare("pck01") && !header.Compare("pck01s"))
+    facts->isScrambled = FXPackage::SaysScrambled(header);
+    if (!header.Compare(FXPackage::kHeader) && !header.Compare(FXPackage::kScrambledHeader))
         faults->Warn(4, "its header is '" + std::string(header.text) +
                             "', neither pck01 nor pck01s: the show reads it as " +
-                            (localSaysScrambled(header) ? "pck01s" : "pck01"));
-    facts->isScrambled = localSaysScrambled(header);
+                            (facts->isScrambled ? FXPackage::kScrambledHeader : FXPackage::kHeader));
     if (facts->isScrambled && faults->onField)
         faults->onField({block.data.size - block.data.left, block.data.cur, block.data.left,
                          "the body, scrambled; in order:"});
@@ -170,5 +167,5 @@ bool OverlapsTooMuch(const FXPackage& package) {
 bool IsScrambled(const std::string& file) {
     const FXFile opened = fxOpenFile(file.c_str(), "rb");
     FXStr header;
-    return opened && header.Load(opened.get()) && localSaysScrambled(header);
+    return opened && header.Load(opened.get()) && FXPackage::SaysScrambled(header);
 }
