@@ -9,6 +9,10 @@ struct FXMutex {
     CRITICAL_SECTION section;
 };
 
+struct FXSignal {
+    HANDLE event;
+};
+
 struct FXThread {
     void (*proc)(void*);
     void* argument;
@@ -55,6 +59,31 @@ void fxLock(FXMutex* mutex) {
 
 void fxUnlock(FXMutex* mutex) {
     LeaveCriticalSection(&mutex->section);
+}
+
+FXSignal* fxCreateSignal() {
+    FXOwner<FXSignal, FXFree> signal(static_cast<FXSignal*>(fxMalloc(sizeof(FXSignal))));
+    if (!signal)
+        return nullptr;
+    signal->event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    return signal->event != nullptr ? signal.release() : nullptr;
+}
+
+void fxDestroySignal(FXSignal* signal) {
+    if (signal == nullptr)
+        return;
+    CloseHandle(signal->event);
+    std::free(signal);
+}
+
+void fxRaiseSignal(FXSignal* signal) {
+    if (signal != nullptr)
+        SetEvent(signal->event);
+}
+
+void fxAwaitSignal(FXSignal* signal) {
+    if (signal != nullptr)
+        WaitForSingleObject(signal->event, INFINITE);
 }
 
 FXThread* fxCreateThread(void (*proc)(void*), void* argument) {

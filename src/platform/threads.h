@@ -1,9 +1,10 @@
-// Threads, recursive mutexes and priorities behind opaque handles. A null handle is accepted everywhere and
-// then nothing happens, the lock operations excepted.
+// Threads, recursive mutexes, signals and priorities behind opaque handles. A null handle is accepted
+// everywhere and then nothing happens, the lock operations excepted.
 #pragma once
 
 struct FXMutex;
 struct FXThread;
+struct FXSignal;
 
 FXMutex* fxCreateMutex(); // null when there is no memory
 void fxDestroyMutex(FXMutex* mutex);
@@ -22,6 +23,12 @@ public:
 private:
     FXMutex* mutex_;
 };
+
+// Raised by one thread, waited for by another. Raised twice before a wait, it ends one wait.
+FXSignal* fxCreateSignal(); // null when there is no memory
+void fxDestroySignal(FXSignal* signal);
+void fxRaiseSignal(FXSignal* signal);
+void fxAwaitSignal(FXSignal* signal); // without limit
 
 // A running thread, or null. Its record is freed by fxDestroyThread.
 FXThread* fxCreateThread(void (*proc)(void*), void* argument);

@@ -210,6 +210,8 @@ void WINAPI Sleep(DWORD milliseconds);
 DWORD WINAPI GetCurrentThreadId();
 HANDLE WINAPI CreateThread(void* security, std::size_t stackSize, LPTHREAD_START_ROUTINE start,
                            void* argument, DWORD flags, DWORD* id);
+HANDLE WINAPI CreateEventA(void* security, BOOL manualReset, BOOL initialState, const char* name);
+BOOL WINAPI SetEvent(HANDLE event);
 DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 BOOL WINAPI TerminateThread(HANDLE thread, DWORD exitCode);
 BOOL WINAPI CloseHandle(HANDLE handle);

@@ -1,4 +1,4 @@
-// Threads that can be waited for with a limit, and recursive locks.
+// Threads and events that can be waited for with a limit, and recursive locks.
 #include "win32/win32.h"
 
 #include <chrono>
@@ -11,32 +11,38 @@
 
 namespace {
 
-// Shared by the handle and the running thread: whichever lets go last frees it.
-struct Thread {
+// A thread, signalled once it has ended, or an event. A thread's is shared by the handle and the running
+// thread: whichever lets go last frees it.
+struct Waitable {
     LPTHREAD_START_ROUTINE start = nullptr;
     void* argument = nullptr;
     pthread_t thread = {};
     std::mutex mutex;
     std::condition_variable changed;
-    bool ended = false;
+    bool signalled = false;
+    bool wakesOne = false; // a wait that ends takes the signal away
     DWORD id = 0;
+
+    void Signal() {
+        const std::lock_guard lock(mutex);
+        signalled = true;
+        changed.notify_all();
+    }
 };
 
-using Handle = std::shared_ptr<Thread>;
+using Handle = std::shared_ptr<Waitable>;
 
-Thread& Of(HANDLE handle) {
+Waitable& Of(HANDLE handle) {
     return **static_cast<Handle*>(handle);
 }
 
 void MarkEnded(void* record) {
     std::unique_ptr<Handle> handle(static_cast<Handle*>(record));
-    const std::lock_guard lock((*handle)->mutex);
-    (*handle)->ended = true;
-    (*handle)->changed.notify_all();
+    (*handle)->Signal();
 }
 
 void* Run(void* record) {
-    Thread& self = **static_cast<Handle*>(record);
+    Waitable& self = **static_cast<Handle*>(record);
     pthread_cleanup_push(MarkEnded, record); // runs also when the thread is terminated
     {
         const std::lock_guard lock(self.mutex);
@@ -60,8 +66,8 @@ DWORD GetCurrentThreadId() {
 }
 
 HANDLE CreateThread(void*, std::size_t, LPTHREAD_START_ROUTINE start, void* argument, DWORD, DWORD* id) {
-    auto handle = std::make_unique<Handle>(std::make_shared<Thread>());
-    Thread& thread = **handle;
+    auto handle = std::make_unique<Handle>(std::make_shared<Waitable>());
+    Waitable& thread = **handle;
     thread.start = start;
     thread.argument = argument;
     auto own = std::make_unique<Handle>(*handle);
@@ -75,14 +81,28 @@ HANDLE CreateThread(void*, std::size_t, LPTHREAD_START_ROUTINE start, void* argu
     return handle.release();
 }
 
+// Without a name, and not signalled at first.
+HANDLE CreateEventA(void*, BOOL manualReset, BOOL, const char*) {
+    auto handle = std::make_unique<Handle>(std::make_shared<Waitable>());
+    (*handle)->wakesOne = manualReset == FALSE;
+    return handle.release();
+}
+
+BOOL SetEvent(HANDLE event) {
+    Of(event).Signal();
+    return TRUE;
+}
+
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    Thread& thread = Of(handle);
-    std::unique_lock lock(thread.mutex);
-    const auto ended = [&] { return thread.ended; };
+    Waitable& object = Of(handle);
+    std::unique_lock lock(object.mutex);
+    const auto signalled = [&] { return object.signalled; };
     if (milliseconds == INFINITE)
-        thread.changed.wait(lock, ended);
-    else if (!thread.changed.wait_for(lock, std::chrono::milliseconds(milliseconds), ended))
+        object.changed.wait(lock, signalled);
+    else if (!object.changed.wait_for(lock, std::chrono::milliseconds(milliseconds), signalled))
         return WAIT_TIMEOUT;
+    if (object.wakesOne)
+        object.signalled = false;
     return WAIT_OBJECT_0;
 }
 
@@ -97,7 +117,8 @@ BOOL TerminateThread(HANDLE handle, DWORD) {
 
 BOOL CloseHandle(HANDLE handle) {
     std::unique_ptr<Handle> own(static_cast<Handle*>(handle));
-    pthread_detach((*own)->thread);
+    if ((*own)->start != nullptr)
+        pthread_detach((*own)->thread);
     return TRUE;
 }
 
