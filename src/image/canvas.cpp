@@ -4,6 +4,7 @@
 #include "base/str.h"
 #include "image/codec_image.h"
 #include "image/colors.h"
+#include "image/picture_decoder.h"
 #include "image/picture_header.h"
 #include "package/file_block.h"
 #include "package/package.h"
@@ -100,7 +101,8 @@ bool localSave(const char* fileName, int w, int h, int channels, void* rows) {
 bool localSavePart(const FXCanvas& canvas, const char* fileName, int first, int channels) {
     const int w = canvas.usedWidth;
     const int h = canvas.usedHeight;
-    if (fileName == nullptr || *fileName == '\0' || w == 0 || h == 0 || !fxDevilLoaded())
+    if (fileName == nullptr || *fileName == '\0' || canvas.pixels == nullptr || w == 0 || h == 0 ||
+        !fxDevilLoaded())
         return false;
     const std::ptrdiff_t rowBytes = std::ptrdiff_t{w} * channels;
     const FXBytes rows = fxNewBytes(static_cast<std::size_t>(rowBytes * h));
@@ -131,7 +133,7 @@ void FXCanvas::Destroy() {
 }
 
 bool FXCanvas::Copy(const FXCanvas* src) {
-    if (!Realloc(src->usedWidth, src->usedHeight))
+    if (src->HasReleasedPixels() || !Realloc(src->usedWidth, src->usedHeight))
         return false;
     for (int y = 0; y < usedHeight; ++y) {
         const std::uint32_t* from = src->pixels + static_cast<std::ptrdiff_t>(y) * src->width;
@@ -157,7 +159,7 @@ float FXCanvas::GetBump(float u, float v) const {
 }
 
 void FXCanvas::ExtendEdges() {
-    if (usedWidth == 0 || usedHeight == 0)
+    if (pixels == nullptr || usedWidth == 0 || usedHeight == 0)
         return;
     std::uint32_t* row = pixels;
     for (int y = 0; y < usedHeight; ++y, row += width)
@@ -171,10 +173,16 @@ bool FXCanvas::CreateFromPictCN(FXPackage* pkg, int entry) {
     const int type = pkg->GetDataType(entry);
     if (data == nullptr || type == kRaw || data->size == 0 || !fxDevilLoaded())
         return false;
-    if (!fxPictureIsPlausible({data->start, static_cast<std::size_t>(data->size)}, type))
+    const FXPictureFile file = {data->start, data->size, type};
+    FXPictureDecoder* decoder = FXPictureDecoder::Active();
+    return decoder != nullptr ? decoder->Load(this, file) : Decode(file);
+}
+
+bool FXCanvas::Decode(const FXPictureFile& file) {
+    if (!fxPictureIsPlausible({file.start, static_cast<std::size_t>(file.size)}, file.type))
         return false;
     CodecImages images;
-    return fxCodec.ilLoadL(static_cast<ILenum>(type), data->start, static_cast<ILuint>(data->size)) != 0 &&
+    return fxCodec.ilLoadL(static_cast<ILenum>(file.type), file.start, static_cast<ILuint>(file.size)) != 0 &&
            localTakePicture(this, &images);
 }
 
@@ -210,7 +218,7 @@ bool FXCanvas::LoadMask(const char* fileName) {
 }
 
 bool FXCanvas::TakeMask(const FXCanvas& mask) {
-    if (mask.usedWidth > usedWidth || mask.usedHeight > usedHeight)
+    if (HasReleasedPixels() || mask.usedWidth > usedWidth || mask.usedHeight > usedHeight)
         return false;
     opaque = mask.usedWidth == usedWidth && mask.usedHeight == usedHeight;
     std::uint32_t* pixel = pixels;

@@ -5,6 +5,13 @@
 
 class FXPackage;
 
+// A picture's file as a package holds it, and its type there (FXEntryType).
+struct FXPictureFile {
+    const unsigned char* start;
+    int size;
+    int type;
+};
+
 // Loaders leave the canvas as it was when there is no picture to be had, and say so; of one that the codec
 // cannot convert, a cleared canvas of its size remains. A picture is never resampled: the storage beyond it
 // holds backColor.
@@ -12,7 +19,7 @@ class FXCanvas : public FXPixmap {
 public:
     void Clear(const float* rgba);
     void Destroy();
-    // The used pixels of another canvas. False when there is no memory.
+    // The used pixels of another canvas. False when there is no memory, or they were released.
     bool Copy(const FXCanvas* src);
 
     int GetWidth() const { return usedWidth; }
@@ -20,13 +27,15 @@ public:
     float GetWidthF() const { return static_cast<float>(usedWidth); }
     float GetHeightF() const { return static_cast<float>(usedHeight); }
 
-    // Entry of a package; its number as text; a file. Need the codec (codec.h); false without it.
+    // Entry of a package; its number as text; a file. Need the codec (codec.h); false without it. A package's
+    // pictures come by way of the active FXPictureDecoder, where there is one.
     bool CreateFromPictCN(FXPackage* pkg, int entry);
     bool CreateFromPictC(FXPackage* pkg, const char* text);
     bool CreateFromPict(const char* fileName);
+    bool Decode(const FXPictureFile& file); // here and now
     // The red of a second picture, no larger than this one, becomes the alpha here; where it does not reach,
-    // alpha 0. From an entry, its number as text, or a file. False, with nothing changed, without a picture
-    // or for one too large.
+    // alpha 0. From an entry, its number as text, or a file. False, with nothing changed, without a picture,
+    // for one too large, or when this one's pixels were released.
     bool LoadMaskCN(FXPackage* pkg, int entry);
     bool LoadMaskC(FXPackage* pkg, const char* text);
     bool LoadMask(const char* fileName);
@@ -54,5 +63,6 @@ public:
     float backColor[4] = {0, 0, 0, 0};
 
 private:
+    bool HasReleasedPixels() const { return pixels == nullptr && width > 0; }
     bool TakeMask(const FXCanvas& mask);
 };

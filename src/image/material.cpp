@@ -70,10 +70,14 @@ void FXMaterial::DropTexture() {
 }
 
 bool FXMaterial::TakeCanvas(bool loaded) {
-    if (loaded)
-        return SetTexture(&canvas);
-    DropTexture();
-    return false;
+    if (!loaded) {
+        DropTexture();
+        return false;
+    }
+    if (!SetTexture(&canvas))
+        return false;
+    canvas.ReleasePixels();
+    return true;
 }
 
 bool FXMaterial::LoadTextureCN(FXPackage* pkg, int entry) {

@@ -10,8 +10,8 @@ class FXPackage;
 class FXPackageData;
 
 // Loads its picture into its own canvas and has the device upload it at once: the environment must be set and
-// its context current on the calling thread; without an environment a material stays untextured. Owns the
-// texture object.
+// its context current on the calling thread; without an environment a material stays untextured. Of a picture
+// that is a texture, the canvas keeps the sizes alone. Owns the texture object.
 class FXMaterial {
 public:
     FXMaterial() { SetDefDiffuse(1); }

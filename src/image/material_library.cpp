@@ -73,6 +73,36 @@ bool FXMatlib::LoadC(FXPackage* pkg, const char* text) {
     return true;
 }
 
+namespace {
+constexpr int kMostListed = 256; // a malformed library may have very many
+}
+
+void FXMatlib::ListPictures(FXPackage* pkg, const char* text, FXArray<int>* entries) {
+    struct Lister {
+        bool Begin() const { return true; }
+        bool Material(int) {
+            FXMaterial material;
+            fxLoadRecord(material, &data);
+            int entry = 0;
+            if (std::sscanf(material.texRef.text, "%d", &entry) == 1 && entries->Findpos(entry) < 0)
+                entries->Push(entry);
+            return data.left > 0 && entries->count < kMostListed;
+        }
+
+        FXPackageData data;
+        FXArray<int>* entries;
+        FXStr name = {};
+        int count = 0;
+    };
+    int library = 0;
+    const FXPackageData* data = std::sscanf(text, "%d", &library) == 1 ? pkg->GetDataPtr(library) : nullptr;
+    if (data == nullptr)
+        return;
+    Lister lister = {*data, entries};
+    FXRecordReader reader(&lister.data);
+    Fields(lister, reader);
+}
+
 bool FXMatlib::Load(const char* path) {
     FXFileBlock file;
     if (!file.Load(path))

@@ -34,6 +34,8 @@ public:
     // appended, as many as the count says (FXPackageData), default-coloured where the record has ended; one
     // whose picture failed stays, untextured.
     bool LoadC(FXPackage* pkg, const char* text);
+    // The entries of the pictures that LoadC would load, those that are not listed yet added to the list.
+    static void ListPictures(FXPackage* pkg, const char* text, FXArray<int>* entries);
     // The record in a file, pictures by file name. False, with the materials that are there, when it ends
     // first.
     bool Load(const char* path);

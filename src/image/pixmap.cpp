@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 bool FXPixmap::Realloc(int w, int h) {
     if (w < 0 || h < 0 || w > kMostSide || h > kMostSide) {
@@ -30,11 +31,28 @@ bool FXPixmap::Realloc(int w, int h) {
 }
 
 void FXPixmap::Clear(std::uint32_t value) {
-    std::fill_n(pixels, static_cast<std::size_t>(width) * static_cast<std::size_t>(height), value);
+    if (pixels != nullptr)
+        std::fill_n(pixels, static_cast<std::size_t>(width) * static_cast<std::size_t>(height), value);
+}
+
+void FXPixmap::ReleasePixels() {
+    std::free(pixels);
+    pixels = nullptr;
+    capacity = 0;
+}
+
+void FXPixmap::MoveFrom(FXPixmap* other) {
+    std::free(pixels);
+    pixels = std::exchange(other->pixels, nullptr);
+    capacity = other->capacity;
+    width = other->width;
+    height = other->height;
+    usedWidth = other->usedWidth;
+    usedHeight = other->usedHeight;
+    other->Destroy();
 }
 
 void FXPixmap::Destroy() {
-    std::free(pixels);
-    pixels = nullptr;
-    capacity = width = height = usedWidth = usedHeight = 0;
+    ReleasePixels();
+    width = height = usedWidth = usedHeight = 0;
 }

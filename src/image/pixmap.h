@@ -22,10 +22,13 @@ public:
     bool Realloc(int w, int h);
     void Clear(std::uint32_t value); // the whole storage
     void Destroy();
+    void ReleasePixels(); // the sizes stay
+    // What the other one holds, which is empty then. Whether sides are powers of two is not taken over.
+    void MoveFrom(FXPixmap* other);
 
-    std::uint32_t* pixels = nullptr;
-    int capacity = 0; // pixels the block holds
-    int width = 0;    // of the storage
+    std::uint32_t* pixels = nullptr; // null: empty, or released
+    int capacity = 0;                // pixels the block holds
+    int width = 0;                   // of the storage
     int height = 0;
     int usedWidth = 0; // of the picture
     int usedHeight = 0;
