@@ -11,7 +11,8 @@
 
 // Owns the key frames. Timing follows frameTimes, drawing the models; a file may disagree. With
 // UpdateInterpolation(true, ...) it draws imodel, a copy of key frame 0 whose positions and normals are
-// rewritten every frame; without, the key frames themselves. The environment must be set while it loads.
+// rewritten every frame; without, the key frames themselves. Of what is loaded, key frames keep the working
+// meshes alone. The environment must be set while it loads.
 //
 // Load, prepare, UpdateInterpolation, StartAnim, then OnRender for every frame; nothing is allocated from
 // UpdateInterpolation on. Loading and preparing belong before the render loop, the rest to its thread. Key
@@ -48,6 +49,8 @@ public:
     // the one that does not fit on (version 2); without a budget given, that is said in the trace.
     bool LoadCN(FXPackage* pck, int id, FXLoadBudget* budget = nullptr);
     bool Load(const char* path);
+    // The entries of the pictures that LoadCN would load with version 3 (FXMatlib::ListPictures).
+    static void ListPictures(FXPackage* pck, int id, FXArray<int>* entries);
     // Version 3: all key frames in the layout of the first. False when they do not agree, or not all of it
     // got to the disk.
     bool Save(const char* path);
@@ -71,8 +74,10 @@ public:
     // Interpolation (morph_interpolation.cpp). Key frames that do not agree in meshes and vertices, or for
     // whose curves there is no memory, are not interpolated: the first one is shown.
     void UpdateInterpolation(bool on, bool second); // makes imodel and the curves anew; second is kept only
-    void UpdateIFrame();             // aims at the segment from `frame` to the next one, by the flags
-    void UpdateIPos(double time);    // moves imodel's vertices to where they are at that time
+    void UpdateIFrame();          // aims at the segment from `frame` to the next one, by the flags
+    void UpdateIPos(double time); // moves imodel's vertices to where they are at that time
+    // Key frames keep no meshes: what is interpolated goes on, nothing else does.
+    void ReleaseKeyFrames();
     void SetActFrames(int a, int b); // by hand: the segment,
     void SetActPhase(float p);       // and where on it, 0..1
 

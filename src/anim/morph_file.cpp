@@ -4,6 +4,7 @@
 #include "geometry/load_budget.h"
 #include "geometry/mesh.h"
 #include "geometry/num_pool.h"
+#include "image/material_library.h"
 #include "package/package.h"
 #include "package/record.h"
 #include "platform/trace.h"
@@ -37,6 +38,31 @@ bool FXAnim::LoadCN(FXPackage* pck, int id, FXLoadBudget* budget) {
     FXPackageData d = *entry; // models and libraries are read from the package meanwhile
     LoadFrom(pck, &d, budget);
     return true;
+}
+
+void FXAnim::ListPictures(FXPackage* pck, int id, FXArray<int>* entries) {
+    struct Head {
+        bool Begin() const { return false; } // that is all
+        bool PackedMesh(int) const { return false; }
+        bool Pools() const { return false; }
+        bool Pool(int) const { return false; }
+        bool Map(int) const { return false; }
+
+        FXStr library = {};
+        int frames = 0;
+        int count = 0;
+    } head;
+    const FXPackageData* entry = pck->GetDataPtr(id);
+    if (entry == nullptr || !localIsVersion3(*entry))
+        return;
+    FXPackageData d = *entry;
+    d.ReadBlc(kSmallestEntry);
+    FXAnim names;
+    FXRecordReader reader(&d);
+    if (Fields_v02(names, reader)) {
+        Fields_v03(head, reader);
+        FXMatlib::ListPictures(pck, head.library.text, entries);
+    }
 }
 
 bool FXAnim::Load(const char* path) {
@@ -130,8 +156,16 @@ struct FXAnim::Loader {
     }
     bool Map(int f) {
         map.LoadC(pck, d);
-        for (int m = 0; m < count; ++m)
-            models[f]->loadedMeshes[m]->FromVMap(&map, pools[m]);
+        for (int m = 0; m < count; ++m) {
+            FXMesh* mesh = models[f]->loadedMeshes[m];
+            if (f > 0 && mesh->FromVMapLike(models[0]->loadedMeshes[m], *built[m], map))
+                continue;
+            mesh->FromVMap(&map, pools[m]);
+            if (f == 0 && built.PushNew() == nullptr)
+                return false;
+            if (f == 0)
+                built.Last()->Append(map.Used());
+        }
         return true;
     }
 
@@ -145,6 +179,8 @@ struct FXAnim::Loader {
     FXStr library = {};
     FXVectorMap map = {};
     FXOwnerArray<FXNumPool> pools = {};
+    // What the vertices of each mesh are built from, in every key frame.
+    FXOwnerArray<FXArray<FXTriple>> built = {};
 };
 
 int FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
@@ -160,7 +196,7 @@ int FXAnim::Load_v03CN(FXPackage* pck, FXPackageData* d, FXLoadBudget* budget) {
 void FXAnim::FinishLoading() {
     for (FXModel* model : models)
         if (model != nullptr) {
-            model->UpdateMeshes();
+            model->UseLoadedMeshes();
             model->ResizeTextCoords();
         }
 }

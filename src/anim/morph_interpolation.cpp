@@ -63,6 +63,12 @@ void FXAnim::UpdateInterpolation(bool on, bool second) {
         UpdateIFrame();
 }
 
+void FXAnim::ReleaseKeyFrames() {
+    for (FXModel* model : models)
+        if (model != nullptr)
+            model->meshes.DestroyBuf();
+}
+
 void FXAnim::AimAt(int a, int b) {
     for (FXSplineSet* splines : {&posSplines, &normSplines}) {
         splines->closed = !pingPong;

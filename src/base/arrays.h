@@ -48,6 +48,14 @@ public:
         items[count++] = value;
         return true;
     }
+    bool Append(const FXArray& other) { // all of it, or, where there is no memory, nothing
+        if (other.count > INT_MAX - count || !Realloc(count + other.count))
+            return false;
+        if (other.count > 0)
+            std::memcpy(items + count, other.items, static_cast<std::size_t>(other.count) * kElement);
+        count += other.count;
+        return true;
+    }
     void PushInt(int value) requires std::is_integral_v<T> { Push(value); }
     // One element more, its value left as it is.
     void PushVoid() {

@@ -3,6 +3,8 @@
 
 #include "base/arrays.h"
 
+#include <utility>
+
 // Deletes its elements, which may be null, when they are removed and in its destructor. Where there is no
 // memory, the list stays as it is.
 template <class T> class FXOwnerArray : private FXArray<T*> {
@@ -48,6 +50,13 @@ public:
         for (T* element : *this)
             delete element;
         Base::RemoveAll();
+    }
+    // The elements of the other list in place of its own; that one is empty then.
+    void MoveFrom(FXOwnerArray& other) {
+        DestroyBuf();
+        std::swap(items, other.items);
+        std::swap(count, other.count);
+        std::swap(this->capacity, other.capacity);
     }
     void DestroyBuf() {
         RemoveAll();

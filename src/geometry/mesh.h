@@ -15,6 +15,7 @@ class FXNumPool;
 class FXPackage;
 class FXPackageData;
 class FXVectorMap;
+struct FXTriple;
 class PMeshSaveClb;
 struct FXMeshRecord;
 
@@ -54,6 +55,10 @@ public:
     void ToVMap(FXVectorMap* map, FXNumPool* pool, PMeshSaveClb* clb, int meshKey,
                 FXArray<int>* const* redirect);
     bool FromVMap(FXVectorMap* map, FXNumPool* pool);
+    // The same without reading the stream again, into the copy of a mesh that came of it, for what the
+    // vertices of that one were built from. False, with nothing changed, when the map does not have all of
+    // it.
+    bool FromVMapLike(const FXMesh* first, const FXArray<FXTriple>& built, const FXVectorMap& map);
     // Rewrites the map with this mesh's vectors; it must have as many corners as the mesh that was packed.
     void ApplyRedir(FXVectorMap* map, const FXArray<int>* const* redirect) const;
     void DiscardVertices(); // those that no index refers to; `touched` of the rest holds their new number

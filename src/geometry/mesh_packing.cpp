@@ -115,6 +115,24 @@ void FXMesh::ToVMap(FXVectorMap* map, FXNumPool* pool, PMeshSaveClb* clb, int me
     }
 }
 
+bool FXMesh::FromVMapLike(const FXMesh* first, const FXArray<FXTriple>& built, const FXVectorMap& map) {
+    const auto isThere = [&](const FXTriple& from) {
+        return from.p < map.posCount && from.n < map.normCount && from.t < map.texCount;
+    };
+    if (built.count != first->vertexCount || built.count > vertexCount || indexCount != first->indexCount ||
+        !std::all_of(built.begin(), built.end(), isThere))
+        return false;
+    vertexCount = built.count;
+    for (int v = 0; v < vertexCount; ++v) {
+        vertices[v] = {};
+        map.GetVecPos(built[v].p, vertices[v].pos);
+        map.GetVecNorm(built[v].n, vertices[v].normal);
+        map.GetVecTex(built[v].t, vertices[v].tex);
+    }
+    std::copy_n(first->indices, indexCount, indices);
+    return true;
+}
+
 bool FXMesh::FromVMap(FXVectorMap* map, FXNumPool* pool) {
     if (indexCount == 0 || vertexCount == 0) {
         vertexCount = indexCount = 0;

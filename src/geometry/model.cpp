@@ -52,6 +52,10 @@ void FXModel::UpdateMeshes() {
     localCopyMeshes(loadedMeshes, meshes);
 }
 
+void FXModel::UseLoadedMeshes() {
+    meshes.MoveFrom(loadedMeshes);
+}
+
 void FXModel::Copy(FXModel* src) {
     Destroy();
     flipV = src->flipV;

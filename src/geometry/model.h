@@ -42,9 +42,12 @@ public:
     // model, or lies, gives a model that is empty or holds empty meshes. Meshes beyond the budget are left
     // out; without one given, that is said in the trace.
     bool LoadCN(FXPackage* pck, int id, FXLoadBudget* budget = nullptr);
+    // The entries of the pictures that LoadCN would load (FXMatlib::ListPictures).
+    static void ListPictures(FXPackage* pck, int id, FXArray<int>* entries);
     // The same bytes in a file; its library is a material file.
     bool Load(const char* path, FXLoadBudget* budget = nullptr);
     void UpdateMeshes();
+    void UseLoadedMeshes(); // they become the working ones, and are not kept as loaded
     // The source's working meshes, library and flipV.
     void Copy(FXModel* src);
     // Loads the library matlibName, from the package or, without one, a material file; for loaders, of a

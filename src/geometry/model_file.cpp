@@ -27,6 +27,25 @@ bool FXModel::LoadCN(FXPackage* pck, int id, FXLoadBudget* budget) {
     return true;
 }
 
+void FXModel::ListPictures(FXPackage* pck, int id, FXArray<int>* entries) {
+    struct Head {
+        bool Begin() const { return false; } // that is all
+
+        FXStr name = {};
+        FXStr library = {};
+        int count = 0;
+    } head;
+    const FXPackageData* entry = pck->GetDataPtr(id);
+    if (entry == nullptr)
+        return;
+    FXPackageData d = *entry;
+    FXStr magic;
+    d.ReadString(&magic);
+    FXRecordReader reader(&d);
+    HeadFields(head, reader);
+    FXMatlib::ListPictures(pck, head.library.text, entries);
+}
+
 bool FXModel::Load(const char* path, FXLoadBudget* budget) {
     Destroy();
     FXFileBlock file;

@@ -200,7 +200,7 @@ void FXVectorMap::LoadC(FXPackage*, FXPackageData* d) {
 }
 
 // Where the triple stands in the slots, or the free one where it would.
-int FXVectorMap::SlotOf(const Triple& triple) const {
+int FXVectorMap::SlotOf(const FXTriple& triple) const {
     std::uint64_t hash = static_cast<std::uint32_t>(triple.p);
     for (const int number : {triple.n, triple.t})
         hash = hash * 0x9E3779B97F4A7C15u + static_cast<std::uint32_t>(number);
@@ -270,13 +270,13 @@ int FXVectorMap::GetUsed(int p, int n, int t) const {
 int FXVectorMap::GetUsed1(int vertex, int n, int t) const {
     if (vertex < 0 || vertex >= triples_.count)
         return -1;
-    const Triple& triple = triples_[vertex];
+    const FXTriple& triple = triples_[vertex];
     return triple.n == n && triple.t == t ? vertex : -1;
 }
 
 // Costs what was used, not what there is: a map may serve many small meshes.
 void FXVectorMap::ClearUsed() {
-    for (const Triple& triple : triples_)
+    for (const FXTriple& triple : triples_)
         if (triple.p >= 0)
             firstUser_[triple.p] = kNoUser;
     triples_.RemoveAll();

@@ -21,6 +21,12 @@ protected:
     ~PMeshSaveClb() = default;
 };
 
+// The numbers of a stored position, normal and texture coordinate.
+struct FXTriple {
+    int p, n, t;
+    bool operator==(const FXTriple&) const = default;
+};
+
 class FXVectorMap {
 public:
     static constexpr int kKeyStep = 1000000; // as many vectors as the floats grow by
@@ -72,6 +78,7 @@ public:
     bool PushUsed(int p, int n, int t, int vertex);
     int GetUsed(int p, int n, int t) const;       // -1: none yet
     int GetUsed1(int vertex, int n, int t) const; // the vertex itself if it was built from both; else -1
+    const FXArray<FXTriple>& Used() const { return triples_; } // by vertex
     void ClearUsed();
 
     FXFloatArray positions{3000000}; // x, y, z each
@@ -102,10 +109,6 @@ private:
         int& count;
         int width; // floats per vector
     };
-    struct Triple {
-        int p, n, t;
-        bool operator==(const Triple&) const = default;
-    };
 
     Kind Positions() { return {positions, posMesh, posVertex, posCount, 3}; }
     Kind Normals() { return {normals, normMesh, normVertex, normCount, 3}; }
@@ -114,7 +117,7 @@ private:
                     int vertexKey);
     static int Push(Index* index, Kind kind, const float* value, PMeshSaveClb* clb, int meshKey,
                     int vertexKey);
-    int SlotOf(const Triple& triple) const;
+    int SlotOf(const FXTriple& triple) const;
     bool PushShared(int vertex);
     bool GrowSlots();
 
@@ -123,8 +126,8 @@ private:
     // listed for each kind: there is one vertex per distinct triple, so a triple finds its vertex. Most
     // positions have one user only: it is looked up by the number of the position. The users of the others
     // stand in a hash, so that a corner costs the same however many vertices share its position.
-    FXArray<Triple> triples_; // by vertex
-    FXArray<int> firstUser_;  // by position: none, the one user, or ~user when there are more
-    FXArray<int> slots_;      // open hash of vertices, a power of two, at most half full
-    int shared_ = 0;          // vertices in it
+    FXArray<FXTriple> triples_; // by vertex
+    FXArray<int> firstUser_;    // by position: none, the one user, or ~user when there are more
+    FXArray<int> slots_;        // open hash of vertices, a power of two, at most half full
+    int shared_ = 0;            // vertices in it
 };

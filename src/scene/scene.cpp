@@ -3,6 +3,7 @@
 #include "host/configuration.h"
 #include "image/codec.h"
 #include "image/desktop_shot.h"
+#include "image/picture_decoder.h"
 #include "platform/clock.h"
 #include "platform/paths.h"
 #include "platform/report.h"
@@ -124,6 +125,27 @@ void localReportConfiguration(bool found, DWORD error) {
         fxReport("data folder %s: %s", orinPath, fxErrorWords(error).text);
 }
 
+// Decoding begins with the pictures in the order in which the scene asks for them.
+void localDecodeAhead(FXPictureDecoder* decoder) {
+    FXArray<int> pictures;
+    pictures.Push(kErrorPicture);
+    if (isPreview) {
+        pictures.Push(kPreviewPicture);
+    } else {
+        FXModel::ListPictures(&pck, kSunCore, &pictures);
+        for (const Shell& shell : kShells)
+            FXModel::ListPictures(&pck, shell.entry, &pictures);
+        for (const FlatPicture& flat : kFlatPictures)
+            pictures.Push(flat.entry);
+        FXAnim::ListPictures(&pck, kMorph, &pictures);
+        pictures.Push(kLabelPicture);
+        FXModel::ListPictures(&pck, kMedallionModel, &pictures);
+        pictures.Push(kCubeReflection);
+        pictures.Push(kCubeSkin);
+    }
+    decoder->Start(&pck, pictures);
+}
+
 void localLoadPackage() {
     pck.Load(kPackageFile);
     if (pck.problem.IsEmpty())
@@ -140,7 +162,8 @@ void localTakeDesktop(FXScrShot* shot) {
         shot->Clear(black);
     }
     scr_mat.SetTexture(shot);
-    scr_mat.picture = nullptr; // the photograph goes when the show is built
+    scr_mat.picture = nullptr;
+    shot->ReleasePixels();
     scr_mat.SetDefDiffuse(1.0f);
     scr_mat.name.Set(kDesktopMaterial);
     gr.AddMaterial(&scr_mat);
@@ -191,6 +214,7 @@ void localCreateMorph() {
     reopen.pingPong = false;
     reopen.linear = true;
     reopen.UpdateInterpolation(true, true);
+    reopen.ReleaseKeyFrames();
 }
 
 void localCreateShow(FXScrShot* shot) {
@@ -233,6 +257,8 @@ void localBuild(HWND window, bool asPreview, FXScrShot* shot) {
     fxSetEnv(&gr);
     gr.SetAct(true);
     localLoadPackage();
+    FXPictureDecoder decoder; // until the show is built
+    localDecodeAhead(&decoder);
     err_gad.CreateCN(&pck, kErrorPicture);
     err_gad.visible = hasError;
     if (isPreview) {
@@ -253,7 +279,7 @@ void BuildScene(HWND window, bool asPreview) {
 }
 
 void InitScene(HWND window, bool asPreview) {
-    FXScrShot shot; // lives until the loop has started
+    FXScrShot shot;
     localBuild(window, asPreview, &shot);
     if (!isPreview)
         fxSetAppPriority(1);

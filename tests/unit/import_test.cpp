@@ -90,7 +90,7 @@ TEST_F(Import, CompilesIntoAPackage) {
     ASSERT_EQ(library.materials.count, 3);
     EXPECT_EQ(library.materials[0]->GetWidth(), 3) << "its picture is there";
     EXPECT_EQ(library.materials[1]->diffuse[3], 0.5f);
-    EXPECT_EQ(stored.models[1]->loadedMeshes[2]->material, library.materials[2]);
+    EXPECT_EQ(stored.models[1]->meshes[2]->material, library.materials[2]);
 }
 
 } // namespace

@@ -147,7 +147,7 @@ private:
                 findings.faults.Add(
                     -1, RefusalText(facts.version == 2 ? KeyFramesFrom(animation) : "its meshes", budget));
             for (int f = 0; f < animation.models.count && facts.version == 3 && !budget.IsExceeded(); ++f)
-                CheckMeshes(id, animation.models[f]->loadedMeshes, Text(" of key frame %d", f));
+                CheckMeshes(id, animation.models[f]->meshes, Text(" of key frame %d", f));
         }
     }
 
