@@ -1,9 +1,8 @@
-// The three gadgets, and the placement by pixels that one of them uses.
+// The three gadgets.
 #include "image/codec.h"
 #include "scene/cube_gadget.h"
 #include "scene/error_gadget.h"
 #include "scene/logo_gadget.h"
-#include "scene/screen_placement.h"
 #include "unit/scene_parts.h"
 
 #include <cmath>
@@ -40,85 +39,6 @@ protected:
     std::vector<std::string> calls_;
 };
 
-FXScrPos01 Placed(float screenW, float screenH, float picW, float picH, float x, float y) {
-    FXScrPos01 placement;
-    placement.screenW = screenW;
-    placement.screenH = screenH;
-    placement.picW = picW;
-    placement.picH = picH;
-    placement.SetPos(x, y);
-    return placement;
-}
-
-TEST_F(Gadget, APlacementPutsAPictureOnItsPixels) {
-    const FXMatrix before = Scale(0.5f, 0.5f, 1);
-    const auto expect = [&](FXScrPos01 placement, float sx, float sy, float x, float y) {
-        placement.ShiftPos(0.5f, 0.25f);
-        for (const bool relative : {true, false}) {
-            device_.gl.ApplyMatrix(&before);
-            placement.relative = relative;
-            placement.OnRender(&device_.gl, 0);
-            ExpectMatrix(device_.gl.matrix,
-                         {relative ? before : FXMatrix(), Move(x, y, 0), Scale(sx, sy, 1)});
-        }
-    };
-    expect(Placed(1024, 768, 300, 100, -502, -182), 0.29296875f, 0.13020833f, -0.6875f, 0.84375f);
-    expect(Placed(800, 600, 200, 300, 200, 150), 0.25f, 0.5f, 0.75f, -0.5f);
-    for (const FXScrPos01& noSize :
-         {Placed(0, 600, 200, 300, 5, 5), Placed(800, 0, 200, 300, 5, 5), Placed(800, 600, 0, 300, 5, 5),
-          Placed(800, 600, 200, -1, 5, 5), Placed(800, 600, 200, std::nanf(""), 5, 5)})
-        expect(noSize, 1, 1, 0, 0); // over the whole screen
-}
-
-TEST_F(Gadget, APlacementIsNarrowedForAnAreaThatIsWider) {
-    const auto expect = [](auto change, float sx, float sy, float x, float y) {
-        FXScrPos01 placement = Placed(800, 600, 200, 300, 100, 75);
-        change(placement);
-        ExpectMatrix(placement.placeMatrix, {Move(x, y, 0), Scale(sx, sy, 1)});
-    };
-    expect([](FXScrPos01& p) { p.UpdateSize(); }, 0.25f, 0.5f, 0, 0);
-    expect([](FXScrPos01& p) { p.picW = 0, p.UpdateSize(); }, 1, 1, 0, 0);
-    expect([](FXScrPos01& p) { p.UpdateAspectH1(0, 800, 300); }, 0.125f, 0.5f, -0.5f, 0.25f);   // centred
-    expect([](FXScrPos01& p) { p.UpdateAspectH1(1, 800, 300); }, 0.125f, 0.5f, -0.375f, 0.25f); // right
-    expect([](FXScrPos01& p) { p.UpdateAspectH1(7, 800, 300); }, 0.125f, 0.5f, -0.625f, 0.25f); // left
-    for (const auto& [w, h] : {std::pair{300, 300}, {300, 0}, {0, 0}}) // narrower, and no area
-        expect([=](FXScrPos01& p) { p.UpdateAspectH1(1, static_cast<float>(w), static_cast<float>(h)); },
-               0.25f, 0.5f, -0.5f, 0.25f);
-}
-
-TEST_F(Gadget, APlacementCountsItsPixelsOnAnotherScreen) {
-    const auto expect = [](const FXScrPos01& placement, int w, int h, const std::array<int, 4>& expected) {
-        FXRect rc = {9, 9, 9, 9};
-        placement.GetPixelRC(&rc, w, h);
-        EXPECT_EQ((std::array{rc.left, rc.top, rc.right, rc.bottom}), expected) << placement.posX;
-    };
-    expect(Placed(800, 600, 200.5f, 300, 100.75f, 75), 3200, 300,
-           {403, 37, 1204, 187}); // whole pixels at 301 and 375
-    expect(Placed(800, 600, 200.5f, 300, -101, -75), 400, 1200, {-50, -150, 49, 450});
-    expect(Placed(0, 600, 200.5f, 300, 100, 75), 400, 300, {});
-    expect(Placed(800, -1, 200.5f, 300, 100, 75), 400, 300, {});
-    expect(Placed(800, 600, 200.5f, 300, 1e30f, std::nanf("")), 400, 300, {});
-}
-
-TEST_F(Gadget, AreMadeFromFilesAlike) {
-    const std::filesystem::path start = std::filesystem::current_path();
-    std::filesystem::current_path(folder_.File(""));
-    folder_.Write("orin_medallion.om", TriangleModel(folder_));
-    FXCanvas canvas;
-    for (const auto& [entry, name] : {std::pair{0, "error_message.png"}, {5, "label.png"}, {6, "skin.png"}})
-        EXPECT_TRUE(canvas.CreateFromPictCN(&package_, entry) && canvas.SaveToPict(name));
-    FXErrGadget error;
-    FXOrinGadget logo;
-    FXDemoGadget cube;
-    error.Create();
-    logo.Create();
-    cube.Create("label.png", "skin.png");
-    std::filesystem::current_path(start);
-    EXPECT_TRUE(error.errMat.GetWidth() == 300 && error.placement.picW == 300 &&
-                logo.labelMat.GetWidth() == 3 && cube.envMat.GetWidth() == 3 && cube.skinMat.GetWidth() == 1);
-    EXPECT_EQ(Draw(&logo, 5).at(0).mesh->vertices[0].color[3], 0.4f) << "as faint as the label";
-}
-
 TEST_F(Gadget, ErrorPictureStandsInTheCornerWhenVisible) {
     FXErrGadget gadget;
     gadget.CreateCN(&package_, 0);
@@ -128,56 +48,39 @@ TEST_F(Gadget, ErrorPictureStandsInTheCornerWhenVisible) {
     const SceneDevice::Drawn drawn = Draw(&gadget, 0).at(0);
     EXPECT_FALSE(drawn.lights || drawn.depthTest || drawn.depthWrite);
     ExpectMatrix(drawn.matrix, {Move(-0.6875f, 0.84375f, 0), Scale(0.29296875f, 0.13020833f, 1)});
-    gadget.CreateCN(&package_, 99); // no such picture: white, over the whole screen
-    ExpectMatrix(Draw(&gadget, 0).at(0).matrix, {});
-    gadget.Destroy();
-    EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+    for (float FXScrPos01::*size :
+         {&FXScrPos01::screenW, &FXScrPos01::screenH, &FXScrPos01::picW, &FXScrPos01::picH}) {
+        FXScrPos01 placement = gadget.placement;
+        placement.*size = 0;
+        placement.Update();
+        ExpectMatrix(placement.placeMatrix, {}); // over the whole screen
+    }
 }
 
-TEST_F(Gadget, MedallionIsRoundOnAnyScreen) {
+TEST_F(Gadget, MedallionIsRoundAndTurnsFromItsFirstFrameOn) {
     FXOrinGadget gadget;
     gadget.CreateCN(&package_, 5, 4);
     device_.gl.height = 1024;
-    for (const auto& [width, sx, sy] : {std::tuple{768, 0.18f, 0.135f}, {2048, 0.09f, 0.18f}}) {
-        const FXMatrix move = Move(0.9f - sx, sy - 0.85f, -1);
+    for (const auto& [time, width, sx, sy] : {std::tuple{7, 768, 0.18f, 0.135f}, {9, 2048, 0.09f, 0.18f}}) {
         device_.gl.width = width;
-        gadget.needStart = true;
-        for (const auto& [time, degrees] : {std::pair{7.0, 0.0f}, {9.0, 90.0f}, {15.0, 0.0f}}) {
-            const auto& drawn = Draw(&gadget, time);
-            ASSERT_EQ(drawn.size(), 2u);
-            ExpectMatrix(drawn[0].matrix, {move, Scale(sx, sy, 1), TurnY(degrees)});
-            ExpectMatrix(drawn[1].matrix, {move, Move(0, -0.25f, 0), Scale(1.332f * sx, 0.333f * sy, 1)});
-            EXPECT_TRUE(drawn[1].mesh->vertices[2].color[3] == 0.4f && drawn[1].mesh->colorMode == 1);
-        }
+        const auto& drawn = Draw(&gadget, time);
+        ExpectMatrix(drawn.at(0).matrix, {Move(0.9f - sx, sy - 0.85f, -1), Scale(sx, sy, 1),
+                                          TurnY(45 * static_cast<float>(time - 7))});
+        EXPECT_TRUE(drawn.at(1).mesh->vertices[2].color[3] == 0.4f && drawn[1].mesh->colorMode == 1);
     }
-    gadget.showModel = false;
-    EXPECT_EQ(Draw(&gadget, 20).size(), 1u);
-    EXPECT_EQ(std::ranges::count(calls_, "glClear(GL_DEPTH_BUFFER_BIT)"), 0);
-    gadget.Destroy();
-    EXPECT_EQ(GLRecorder::LiveTextures(), 0);
 }
 
 TEST_F(Gadget, CubeWaitsThenFadesIn) {
     FXDemoGadget gadget;
     gadget.CreateCN(&package_, 5, 6);
-    const auto expect = [&](double time, std::size_t drawn, float alpha) { // of both materials
+    const std::tuple<double, std::size_t, float> kFrames[] = {
+        {100, 0, 1},    {114.9, 0, 1},    {115.5, 0, 1}, // late: the fade begins with this frame
+        {115.5, 12, 0}, {116, 12, 0.25f}, {117, 12, 0.75f}, {400, 12, 1}};
+    for (const auto& [time, drawn, alpha] : kFrames) {
         EXPECT_EQ(Draw(&gadget, time).size(), drawn) << time;
-        EXPECT_FLOAT_EQ(gadget.skinMat.diffuse[3], alpha) << time;
-        EXPECT_FLOAT_EQ(gadget.envMat.diffuse[3], alpha) << time;
-    };
-    expect(100, 0, 1);
-    expect(114.9, 0, 1);
-    expect(115.5, 0, 1); // late: the fade begins with this frame
-    expect(115.5, 12, 0);
-    expect(116, 12, 0.25f);
-    expect(117, 12, 0.75f);
-    expect(400, 12, 1);
+        EXPECT_TRUE(gadget.skinMat.diffuse[3] == alpha && gadget.envMat.diffuse[3] == alpha) << time;
+    }
     EXPECT_TRUE(gadget.skinMat.diffuse[0] == 1 && gadget.envMat.diffuse[0] == 0.5f);
-    EXPECT_TRUE(gadget.envMat.GetWidth() == 3 && gadget.skinMat.GetWidth() == 1);
-    gadget.CreateCN(&package_, 5, 6);
-    EXPECT_TRUE(Draw(&gadget, 500).empty()) << "waits again";
-    gadget.Destroy();
-    EXPECT_EQ(GLRecorder::LiveTextures(), 0);
 }
 
 TEST_F(Gadget, CubeTravelsOnARandomClosedCurve) {

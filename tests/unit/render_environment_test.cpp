@@ -16,9 +16,8 @@ constexpr double kForever = 100000;
 
 // Counts its frames; may hold one.
 struct Target : PRender {
-    void OnRender(PEnv* env, double time) override {
+    void OnRender(PEnv*, double time) override {
         NoteFakeCall("frame");
-        lastEnv = env;
         lastTime = time;
         ++frames;
         while (hold)
@@ -29,14 +28,13 @@ struct Target : PRender {
             fxSleep(0.001);
         return frames >= count;
     }
-    bool StandsStill(int allowed) const {
+    bool StandsStill() const {
         const int before = frames;
         fxSleep(0.02);
-        return frames <= before + allowed;
+        return frames == before;
     }
 
     std::atomic<int> frames = 0;
-    std::atomic<PEnv*> lastEnv = nullptr;
     std::atomic<double> lastTime = 0;
     std::atomic<bool> hold = false;
 };
@@ -63,7 +61,6 @@ TEST_F(Loop, DrawsFramesFromATenthOfASecondOnUntilItIsStopped) {
     EXPECT_TRUE(env_.StartLoop(&target_));
     ASSERT_TRUE(target_.WaitFor(1));
     EXPECT_GE(target_.lastTime - start, 0.099) << "the clock's, in whole milliseconds";
-    EXPECT_EQ(target_.lastEnv, &env_);
     ASSERT_TRUE(target_.WaitFor(3));
     env_.StopLoop(kForever);
     EXPECT_TRUE(env_.render == nullptr && !env_.running);
@@ -71,9 +68,6 @@ TEST_F(Loop, DrawsFramesFromATenthOfASecondOnUntilItIsStopped) {
     for (int i = 0; i < target_.frames; ++i)
         expected.insert(expected.end(), {"wglMakeCurrent(on)", "frame", "wglMakeCurrent(off)"});
     EXPECT_EQ(TakeFakeCalls(), expected);
-    EXPECT_TRUE(env_.StartLoop(&target_)) << "and again";
-    EXPECT_TRUE(target_.WaitFor(target_.frames + 1));
-    env_.StopLoop(kForever);
 }
 
 TEST_F(Loop, HoldsTheLockForAWholeFrameUnlessSetNotTo) {
@@ -98,21 +92,18 @@ TEST_F(Loop, ChangesItsTargetWhileItRuns) {
     EXPECT_TRUE(env_.StartLoop(&other));
     EXPECT_EQ(env_.thread, thread);
     ASSERT_TRUE(other.WaitFor(1));
-    EXPECT_TRUE(target_.StandsStill(0) && other.WaitFor(3));
-    EXPECT_TRUE(env_.StartLoop(nullptr)) << "draws nothing";
-    EXPECT_TRUE(other.StandsStill(1)) << "but the frame that was being drawn";
+    EXPECT_TRUE(target_.StandsStill() && other.WaitFor(3));
     env_.StopLoop(kForever);
 }
 
 TEST_F(Loop, StoppedBeforeItsFirstFrameDrawsNone) {
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_TRUE(env_.StartLoop(&target_));
-        env_.StopLoop(kForever);
-        EXPECT_EQ(env_.thread, nullptr);
-    }
-    const double start = fxGetTime();
-    env_.StopLoop(0.5);
-    EXPECT_LT(fxGetTime() - start, 0.3) << "nothing to wait for";
+    EXPECT_TRUE(env_.StartLoop(&target_));
+    env_.StopLoop(kForever);
+    EXPECT_EQ(env_.thread, nullptr);
+    env_.StopLoop(kForever); // nothing to wait for
+    fxSetAllocLimit(1);
+    EXPECT_FALSE(env_.StartLoop(&target_)) << "without a thread";
+    fxSetAllocLimit(0);
     fxSleep(0.12);
     EXPECT_EQ(target_.frames, 0);
 }
@@ -131,7 +122,7 @@ TEST_F(Loop, ThatDoesNotEndIsEndedAndLeavesALockBehindThatWorks) {
 // A device that lists which of its slots were used, and whose first loop ends at once.
 struct WatchedDevice : FXGL {
     void StopLoop(double timeout) override {
-        calls += "stop " + std::to_string(static_cast<int>(timeout * 10)) + " ";
+        calls += "stop ";
         FXGL::StopLoop(timeout);
     }
     void Lock(bool on) override {
@@ -156,19 +147,11 @@ TEST_F(Loop, ThatEndedByItselfIsStartedAgainAndStoppedWithItsEnvironment) {
     EXPECT_EQ(device->loops, 2);
     device->calls.clear();
     device->Destroy();
-    EXPECT_EQ(device->calls, "stop 5 lock unlock ") << "through its slots";
+    EXPECT_EQ(device->calls, "stop lock unlock ") << "through its slots";
     ASSERT_TRUE(device->CreateChild(kFakeWindow) && device->StartLoop(&target_));
     ASSERT_TRUE(target_.WaitFor(target_.frames + 1));
     device.reset();
-    EXPECT_TRUE(target_.StandsStill(0));
-}
-
-TEST_F(Loop, DoesNotStartWithoutAThread) {
-    fxSetAllocLimit(1);
-    EXPECT_FALSE(env_.StartLoop(&target_));
-    fxSetAllocLimit(0);
-    env_.StopLoop(kForever);
-    EXPECT_EQ(target_.frames, 0);
+    EXPECT_TRUE(target_.StandsStill());
 }
 
 TEST(Environment, HasPlacesForEightLights) {
@@ -178,25 +161,15 @@ TEST(Environment, HasPlacesForEightLights) {
         EXPECT_TRUE(env.RegisterLight(&lights[i]));
     EXPECT_FALSE(env.RegisterLight(&lights[8]));
     EXPECT_TRUE(env.RegisterLight(&lights[7])) << "is there already";
-    env.UnregisterLight(&lights[8]);
     for (int i = 0; i < 8; ++i)
         EXPECT_EQ(env.lights[i], &lights[i]);
-    env.UnregisterLight(&lights[2]);
-    EXPECT_TRUE(env.RegisterLight(&lights[1]));
-    EXPECT_EQ(env.lights[2], nullptr) << "one that stands before the gap stays where it is";
-    EXPECT_TRUE(env.RegisterLight(&lights[8]));
-    EXPECT_EQ(env.lights[2], &lights[8]);
 }
 
 TEST(Environment, StartsWithADefaultMaterialThatADeviceForgets) {
     FXGL env;
     EXPECT_EQ(env.GetDefaultMatlib()->FindMaterial(""), env.GetDefaultMaterial());
-    EXPECT_TRUE(env.lockEachFrame && env.depthWrite && env.depthTest && !env.lightsOn &&
-                !env.textureUnit0Bound);
     env.CreateChild(kFakeWindow);
     EXPECT_TRUE(env.GetDefaultMatlib()->materials.IsEmpty());
-    EXPECT_EQ(fxglobalEnv, nullptr) << "until it is set";
-    { const FXMaterial material; } // asks nobody
 }
 
 } // namespace
