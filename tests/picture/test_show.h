@@ -5,8 +5,6 @@
 
 #include <cstdlib>
 
-constexpr double kTestStep = 0.1; // seconds from frame to frame
-
 // Four colours, darker to the right and down, with a line every twenty pixels: turned, mirrored or stretched
 // it is another picture.
 inline Picture TestDesktop(int width, int height) {
@@ -30,7 +28,7 @@ inline ShowDriver::Settings TestShow() {
     ShowDriver::Settings settings;
     settings.width = 320;
     settings.height = 180;
-    settings.step = kTestStep;
+    settings.step = 0.1; // seconds
     settings.dataFolder = TAMBLOR_DATA_DIR;
     settings.desktop = TestDesktop(settings.width, settings.height);
     return settings;

@@ -1,4 +1,3 @@
-#include "base/memory.h"
 #include "image/material.h"
 #include "platform/clock.h"
 #include "scene/burning_desk.h"
@@ -110,20 +109,6 @@ TEST_F(Burning, GoesOutWhenNoMovingVertexIsOnTheScreen) {
     }
 }
 
-TEST_F(Burning, LastsAsLongAsItsSpeedsSay) {
-    fxSetAllocLimit(1); // nothing is allocated any more
-    std::ranges::fill(fire_.speeds, 0.7f);
-    double time = 0;
-    for (; !fire_.done && time < 30; time += 0.02)
-        fire_.UpdatePositions(time);
-    EXPECT_NEAR(time, 17.65, 0.15) << "to the corners";
-    fire_.ReCreate();
-    for (time = 0; !fire_.done && time < 30; time += 0.05)
-        Render(time);
-    EXPECT_TRUE(5 < time && time < 17) << "the bumps make it faster: " << time;
-    fxSetAllocLimit(0);
-}
-
 TEST_F(Burning, PictureStaysWhileTheGridRuns) {
     FXMaterial material;
     material.extentU = 0.75f;
@@ -198,17 +183,6 @@ TEST_F(Burning, SpeedsAreBumpsOfThreeSizesOverTheBase) {
     expect(&FXFireDesk::UpdateSpeeds2, false, 0.99f, 3.2f, 0.18f);
     expect(&FXFireDesk::UpdateSpeeds3, false, 0.49f, 5.4f, 0.12f);
     expect(&FXFireDesk::UpdateSpeeds1, true, 1.49f, 1.6f, 0.18f);
-}
-
-TEST_F(Burning, WithoutMemoryIsDoneAtOnce) {
-    for (const std::size_t limit : {1u, 650u * 76u - 1u, 0u}) {
-        fxSetAllocLimit(limit);
-        fire_.Create(64);
-        fxSetAllocLimit(0);
-        fire_.ReCreate();
-        Render(0);
-        EXPECT_EQ(fire_.done, limit != 0);
-    }
 }
 
 } // namespace

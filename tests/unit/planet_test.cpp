@@ -35,16 +35,6 @@ TEST_F(Planet, LayersFadeInAndOut) {
     }
 }
 
-TEST_F(Planet, HasTenLayers) {
-    planet_.SetLayerFluid(true);       // of no layer
-    planet_.AddLayerCN(&package_, 99); // no such model
-    EXPECT_TRUE(planet_.layerCount == 1 && Draw(0) == 0);
-    Add(11);
-    EXPECT_TRUE(planet_.layerCount == 10 && planet_.curLayer == 9 && Draw(0) == 9);
-    planet_.Destroy();
-    EXPECT_TRUE(planet_.layerCount == 0 && planet_.curLayer == -1 && Draw(0) == 0);
-}
-
 TEST_F(Planet, ALayerWithoutMemoryIsInNoList) {
     Add(1, 1);
     // Room in all lists before the refusing one.
