@@ -27,17 +27,6 @@ Pixels Picture(const FXCanvas& canvas) {
     return pixels;
 }
 
-void ExpectNear(const Pixels& actual, const Pixels& expected, int tolerance) {
-    ASSERT_EQ(actual.size(), expected.size());
-    for (std::size_t i = 0; i < 4 * actual.size(); ++i) {
-        const auto channel = [i](const Pixels& of) {
-            return static_cast<int>(of[i / 4] >> 8 * (i % 4) & 255);
-        };
-        EXPECT_NEAR(channel(actual), channel(expected), tolerance)
-            << "pixel " << i / 4 << ", channel " << i % 4;
-    }
-}
-
 // The file that the library itself writes: 2 x 1 pixels of one colour.
 std::string Saved(const TempFolder& folder, const char* name, std::uint32_t pixel) {
     FXCanvas canvas;
@@ -78,7 +67,7 @@ TEST_F(Codec, DecodesEveryFormatOfThePackage) {
         int type;
         std::string file;
         std::uint32_t pixel;
-        int tolerance;
+        std::uint32_t tolerance;
     } cases[] = {{kPng, Saved(folder_, "a.png", kHalf), kHalf, 0},
                  {kTga, Saved(folder_, "a.tga", kHalf), kHalf, 0},
                  {kBmp, Saved(folder_, "a.bmp", kHalf), kWhole, 0},
@@ -93,7 +82,8 @@ TEST_F(Codec, DecodesEveryFormatOfThePackage) {
         const auto claim = fxPictureSize(Bytes(c.file), c.type);
         EXPECT_TRUE(claim && claim->width == 2 && claim->height == 1);
         EXPECT_EQ(canvas.opaque, c.pixel == kWhole);
-        ExpectNear(Picture(canvas), {c.pixel, c.pixel}, c.tolerance);
+        for (const int shift : {0, 8, 16, 24})
+            EXPECT_NEAR(canvas.pixels[1] >> shift & 255, c.pixel >> shift & 255, c.tolerance) << shift;
     }
 }
 
@@ -220,82 +210,20 @@ TEST_F(Codec, TakesAlphaFromRedWhenTheFileNameSaysSo) {
 
 TEST_F(Codec, LeavesTheCanvasAsItWasWithoutAPicture) {
     const std::string garbage = "no picture, whatever its name may promise; " + std::string(100, '\xAB');
-    Load({{0, kGif, kGifFile},
-          {1, kPng, garbage},
-          {2, kJpeg, garbage},
-          {3, kTga, "TGA"},
-          {4, kBmp, garbage},
-          {5, kGif, garbage},
-          {6, kRaw, kGifFile},
-          {7, kGif, ""},
-          {8, 0x7777, kGifFile},
-          {9, kTga, Tga(0, 5, {})}});
+    const std::pair<int, std::string> kEntries[] = {
+        {kPng, garbage},  {kJpeg, garbage}, {kTga, "TGA"},      {kBmp, garbage},      {kGif, garbage},
+        {kRaw, kGifFile}, {kGif, ""},       {0x7777, kGifFile}, {kTga, Tga(0, 5, {})}};
     FXCanvas canvas;
     Fill(&canvas, 4, 4, 7);
-    for (int entry = 1; entry <= 10; ++entry)
-        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, entry)) << entry;
+    for (const auto& [type, bytes] : kEntries) {
+        Load({{0, kGif, kGifFile}, {1, type, bytes}});
+        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1)) << type;
+    }
     for (const char* text : {"", "tex", "99", "-"})
         EXPECT_FALSE(canvas.CreateFromPictC(&package_, text)) << text;
     for (const std::string& file : {std::string(), folder_.File("none"), folder_.Write("bad.png", garbage)})
         EXPECT_FALSE(canvas.CreateFromPict(file.c_str())) << file;
     EXPECT_EQ(Picture(canvas), Pixels(16, 7));
-}
-
-TEST_F(Codec, SavesThePictureAndItsMaskAsTheyLoadAgain) {
-    const std::tuple<std::string, bool, int> cases[] = {// has it an alpha; tolerance
-                                                        {"a.png", true, 0},
-                                                        {"a.TGA", true, 0},
-                                                        {"a.bmp", false, 0},
-                                                        {"a.Jpg", false, 90}};
-    FXCanvas canvas;
-    Fill(&canvas, 5, 3, 0); // rows of the storage are longer
-    for (std::uint32_t i = 0; i < 15; ++i)
-        canvas.pixels[i / 5 * 8 + i % 5] = (i * 17) << 24 | (i < 10 ? 0x00102030u + i : 0x00F0E0D0u + i);
-    for (const auto& [name, hasAlpha, tolerance] : cases) {
-        SCOPED_TRACE(name);
-        Pixels expected = Picture(canvas), greys;
-        for (std::uint32_t& pixel : expected) {
-            greys.push_back(0xFF000000u | (pixel >> 24) * 0x010101u);
-            pixel |= hasAlpha ? 0 : 0xFF000000u;
-        }
-        const std::string file = folder_.Write(name, "an old file"), mask = folder_.File("mask-" + name);
-        ASSERT_TRUE(canvas.SaveToPict(file.c_str()) && canvas.SaveToMask(mask.c_str()));
-        FXCanvas picture, grey;
-        ASSERT_TRUE(picture.CreateFromPict(file.c_str()) && grey.CreateFromPict(mask.c_str()));
-        ExpectNear(Picture(picture), expected, tolerance);
-        ExpectNear(Picture(grey), greys, tolerance);
-    }
-    for (const std::string& file : {folder_.File("no/folder.png"), folder_.File("a.none"), std::string()})
-        EXPECT_FALSE(canvas.SaveToPict(file.c_str()) || canvas.SaveToMask(file.c_str())) << file;
-    fxUnloadDevil();
-    EXPECT_FALSE(canvas.SaveToPict(folder_.File("b.png").c_str()));
-}
-
-TEST_F(Codec, TakesTheAlphaOfAMask) {
-    const std::string mask = Tga(2, 1, {0x00AABB80u, 0x123456FFu}), file = folder_.Write("TRANS.tga", mask);
-    Load({{1, kTga, mask},
-          {2, kTga, Tga(3, 2, Pixels(6, ~0u))},
-          {3, kTga, Tga(4, 1, {1, 2, 3, 4})},
-          {4, kTga, Tga(1, 3, {1, 2, 3})}});
-    constexpr std::uint32_t kOld = 0x09ABCDEF, kNone = 0x00ABCDEF, kAll = 0xFFABCDEF;
-    const Pixels kPart = {0x80ABCDEF, kAll, kNone, kNone, kNone, kNone};
-    const std::tuple<std::string, Pixels, bool> cases[] = {// an entry's number, or a file; is it opaque
-                                                           {"1", kPart, false},
-                                                           {file, kPart, false},
-                                                           {"2", Pixels(6, kAll), true},
-                                                           {"3", Pixels(6, kOld), true}, // too wide
-                                                           {"4", Pixels(6, kOld), true}, // too high
-                                                           {"mask", Pixels(6, kOld), true}};
-    for (const auto& [from, pixels, opaque] : cases) {
-        FXCanvas canvas;
-        Fill(&canvas, 3, 2, kOld);
-        const bool loaded =
-            from == file ? canvas.LoadMask(file.c_str()) : canvas.LoadMaskC(&package_, from.c_str());
-        EXPECT_EQ(loaded, pixels[0] != kOld) << from;
-        EXPECT_EQ(Picture(canvas), pixels) << from;
-        EXPECT_EQ(canvas.pixels[3], loaded ? kNone : kOld) << "beside the picture";
-        EXPECT_EQ(canvas.opaque, opaque) << from;
-    }
 }
 
 TEST(CodecModules, ThatAreMissingAreTracedAndLeaveNothingLoaded) {

