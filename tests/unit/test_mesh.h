@@ -21,8 +21,7 @@ struct TestVertex {
 inline void MakeMesh(FXMesh* mesh, const std::vector<TestVertex>& vertices, const std::vector<int>& indices) {
     ASSERT_TRUE(mesh->Realloc(static_cast<int>(vertices.size()), static_cast<int>(indices.size())));
     for (std::size_t i = 0; i < vertices.size(); ++i) {
-        tagFXVertex& v = mesh->vertices[i];
-        v = {};
+        tagFXVertex& v = mesh->vertices[i] = {};
         std::ranges::copy(vertices[i].pos, v.pos);
         std::ranges::copy(vertices[i].normal, v.normal);
         std::ranges::copy(vertices[i].tex, v.tex);

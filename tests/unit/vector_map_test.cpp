@@ -5,7 +5,6 @@
 #include "unit/test_package.h"
 
 #include <climits>
-#include <cmath>
 #include <numeric>
 #include <tuple>
 
@@ -103,32 +102,6 @@ TEST(Packing, KeepsManyVerticesOnOnePositionApart) {
     FXVectorMap map;
     Packed(&mesh, &map, 2000);
     EXPECT_EQ(map.posCount, 201);
-}
-
-// Writes down what it is asked, and consents to vertices of one mesh only.
-struct OneMesh : PMeshSaveClb {
-    bool TestRedirect(int meshA, int vertexA, int meshB, int vertexB) override {
-        asked.push_back({meshA, vertexA, meshB, vertexB});
-        return meshB == consenting;
-    }
-    int consenting = 9;
-    std::vector<std::array<int, 4>> asked;
-};
-
-TEST(Packing, SharesOnlyWithConsent) {
-    tagFXVertex v = {};
-    OneMesh clb;
-    FXVectorMap map;
-    Load(&map, Ints({3}) + Floats({0, 0, 0}) + Ints({0, 0}));
-    EXPECT_EQ(map.PushVecPos(&v, &clb, 1, 10), 1);
-    EXPECT_EQ(map.PushVecPos(&v, &clb, 1, 11), 2);
-    EXPECT_EQ(clb.asked, (std::vector<std::array<int, 4>>{{1, 10, -1, -1}, {1, 11, -1, -1}, {1, 11, 1, 10}}));
-    clb.consenting = 1;
-    EXPECT_EQ(map.PushVecPos(&v, &clb, 3, 30), 1) << "the lowest that may be shared";
-    EXPECT_EQ(map.PushVecPos(&v, nullptr, 3, 30), 0) << "nobody to ask";
-    v.pos[0] = std::nanf("");
-    EXPECT_EQ(map.PushVecPos(&v, nullptr, 4, 1), 3);
-    EXPECT_EQ(map.PushVecPos(&v, nullptr, 4, 1), 4) << "equals nothing, not even itself";
 }
 
 TEST(Unpacking, OfAMalformedStreamGivesAnEmptyMesh) {
