@@ -1,10 +1,12 @@
 // Another process, with an environment of its own; killed when this goes.
 #pragma once
 
+#include "unit/temp_folder.h"
+
+#include <csignal>
+#include <fcntl.h>
 #include <map>
-#include <string>
-#include <unistd.h>
-#include <vector>
+#include <sys/wait.h>
 
 using Environment = std::map<std::string, std::string>;
 
@@ -24,21 +26,57 @@ template <class Question> bool Eventually(Question question) {
 class Program {
 public:
     Program() = default;
-    ~Program();
+    ~Program() { Kill(); }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
     // The program by its whole path. It starts in that folder, and has one file: for its standard error
     // stream.
     void Start(std::vector<std::string> words, const Environment& environment, const std::string& folder,
-               const std::string& errors);
-    bool Running();
+               const std::string& errors) {
+        std::vector<std::string> settings;
+        for (const auto& [name, value] : environment)
+            settings.push_back(name + "=" + value);
+        const std::vector<char*> argv = Pointers(words), envp = Pointers(settings);
+        pid_ = fork();
+        if (pid_ != 0)
+            return;
+        const int nothing = open("/dev/null", O_RDWR);
+        dup2(nothing, STDIN_FILENO);
+        dup2(nothing, STDOUT_FILENO);
+        dup2(open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
+        if (chdir(folder.c_str()) == 0)
+            execve(argv[0], argv.data(), envp.data());
+        _exit(127);
+    }
+    bool Running() {
+        if (pid_ > 0 && waitpid(pid_, &status_, WNOHANG) == pid_)
+            pid_ = -1;
+        return pid_ > 0;
+    }
     // The exit code, or -1 when it does not end, or -2 when a signal ended it.
-    int WaitForExit();
-    void Signal(int number) const;
-    void Kill();
+    int WaitForExit() {
+        const bool ended = Eventually([this] { return !Running(); });
+        return !ended ? -1 : WIFEXITED(status_) ? WEXITSTATUS(status_) : -2;
+    }
+    void Signal(int number) const {
+        if (pid_ > 0)
+            kill(pid_, number);
+    }
+    void Kill() {
+        Signal(SIGKILL);
+        WaitForExit();
+    }
 
 private:
+    static std::vector<char*> Pointers(std::vector<std::string>& texts) {
+        std::vector<char*> all;
+        for (std::string& text : texts)
+            all.push_back(text.data());
+        all.push_back(nullptr);
+        return all;
+    }
+
     int pid_ = -1;
     int status_ = -1;
 };

@@ -1,4 +1,6 @@
-#include "integration/saver_command.h"
+#include "integration/saver_process.h"
+
+const int kReadsBeforeFrames = -1;
 
 std::vector<std::string> SaverCommand(const TempFolder&, Environment*) {
     return {TAMBLOR_EXE};
@@ -6,8 +8,4 @@ std::vector<std::string> SaverCommand(const TempFolder&, Environment*) {
 
 std::string SaverName(const std::string& file) {
     return file;
-}
-
-bool SaverDraws(std::uint32_t) {
-    return true;
 }

@@ -1,41 +1,131 @@
 // The real executable, started with a command line, an environment of its own and a clock that the test
-// turns.
+// turns; and a show on a display of its own.
 #pragma once
 
 #include "integration/virtual_display.h"
-#include "unit/temp_folder.h"
+
+#include <atomic>
+#include <sys/mman.h>
+
+// How the saver under test is started, chosen when the tests are linked: the executable of this system, or
+// the one for Windows under Wine. The program and what comes before the saver's own arguments; `data` is the
+// folder in which the saver is to find its package, what is needed besides is put into the environment.
+std::vector<std::string> SaverCommand(const TempFolder& data, Environment* environment);
+// The name by which the saver knows a file, which it says where something is wrong with that.
+std::string SaverName(const std::string& file);
+// It draws once it has read its clock more often than that. Not counted on this system (-1): there its window
+// comes up with the first frame due at once.
+extern const int kReadsBeforeFrames;
 
 class SaverProcess : public Program {
 public:
-    // The data folder holds the built package unless the test puts something else there before Start.
-    SaverProcess();
-    ~SaverProcess();
+    static constexpr std::uint32_t kStartMs = 1000000;
 
-    const TempFolder& Data() const { return data_; }
+    // The data folder holds the built package unless the test puts something else there before Start.
+    SaverProcess() {
+        std::filesystem::create_symlink(TAMBLOR_DATA_DIR "/tamb.dat", data.File("tamb.dat"));
+        environment["HOME"] = environment["TAMBLOR_DATA"] = data.Path();
+        environment["PATH"] = "/usr/bin:/bin";
+        environment["XDG_CONFIG_HOME"] = data.File("config");
+        environment["LIBGL_ALWAYS_SOFTWARE"] = "1";
+        // The driver and the toolkit libraries keep memory until the process ends; our own leaks are the unit
+        // tests' business.
+        environment["ASAN_OPTIONS"] = "detect_leaks=0";
+        // The saver reads its clock from this file instead of the system.
+        environment["TAMBLOR_CLOCK"] = data.Write("clock", std::string(sizeof(Clock), '\0'));
+        const int fd = open(environment["TAMBLOR_CLOCK"].c_str(), O_RDWR);
+        clock_ = static_cast<Clock*>(mmap(nullptr, sizeof(Clock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0));
+        close(fd);
+    }
+    ~SaverProcess() {
+        Kill(); // before its folder goes
+        munmap(clock_, sizeof(Clock));
+    }
+
     std::string Trace() const { return Text("tamb.log"); }
     std::string Errors() const { return Text("stderr"); } // everything that it wrote to that stream
+
+    void Start(const VirtualDisplay& display, const std::vector<std::string>& arguments) {
+        SetClock(0);
+        std::atomic_ref(clock_->reads).store(0);
+        environment["DISPLAY"] = display.Name();
+        std::vector<std::string> words = SaverCommand(data, &environment);
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        Program::Start(words, environment, folder, data.File("stderr"));
+    }
+    // The time on the saver's clock, in ms since Start: it stands still until the test moves it.
+    void SetClock(std::uint32_t ms) const { std::atomic_ref(clock_->tick).store(kStartMs + ms); }
+    // Waits until the saver's window is on the display and drawn. False when that does not come.
+    bool WaitUntilShown(const VirtualDisplay& display) const {
+        const auto draws = [this] {
+            return static_cast<int>(std::atomic_ref(clock_->reads)) > kReadsBeforeFrames;
+        };
+        return display.WaitForWindow() != 0 && Eventually(draws);
+    }
+    // Lets the clock run from its start until the desktop at that place, else at the screen's centre, begins
+    // to fade: frames are drawn, and their first stage lasts a second more at least. False when that does not
+    // happen.
+    bool SeeFrames(const VirtualDisplay& display, int x = -1, int y = -1) const {
+        constexpr std::uint32_t kStep = 40; // a slow machine may take longer for a frame, and miss some
+        constexpr std::uint32_t kMost = 20000;
+        x = x < 0 ? display.width / 2 : x;
+        y = y < 0 ? display.height / 2 : y;
+        for (std::uint32_t ms = 0; ms < kMost; ms += kStep) {
+            SetClock(ms);
+            usleep(kStep * 1000);
+            if (ChannelDistance(display.PixelAt(x, y), display.DesktopPixel(x, y)) > 12)
+                return true;
+        }
+        return false;
+    }
+
+    const TempFolder data;
     Environment environment;
     std::string folder = "/"; // in which it starts
 
-    void Start(const VirtualDisplay* display, const std::vector<std::string>& arguments);
-    // The time on the saver's clock, in ms: it stands still until the test moves it.
-    void SetClock(std::uint32_t ms) const;
-    // Waits until the saver's window is on the display and drawn. False when that does not come.
-    bool WaitUntilShown(const VirtualDisplay& display) const;
-    // Lets the clock run from kStartMs until the desktop at that place, else at the screen's centre, begins
-    // to fade: frames are drawn, and their first stage lasts a second more at least. False when that does not
-    // happen.
-    bool SeeFrames(const VirtualDisplay& display, int x = -1, int y = -1) const;
-
-    static constexpr std::uint32_t kStartMs = 1000000;
-
 private:
-    std::string Text(const char* file) const; // without the carriage returns of programs for Windows
-
-    TempFolder data_;
     struct Clock {
         std::uint32_t tick;
         std::uint32_t reads; // counted by a saver that can
     };
+    std::string Text(const char* file) const {
+        std::string text = data.Read(file);
+        std::erase(text, '\r'); // of programs for Windows
+        return text;
+    }
+
     Clock* clock_ = nullptr;
+};
+
+class ShowFixture : public testing::Test {
+protected:
+    ShowFixture(int width, int height, const char* lacks = nullptr) : display(width, height, lacks) {}
+    void SetUp() override { ASSERT_NE(display.connection, nullptr); }
+
+    void Start() {
+        saver.Start(display, {"/s"});
+        ASSERT_TRUE(saver.WaitUntilShown(display));
+    }
+    void ExpectAKeyEndsIt(KeySym key = XK_space) {
+        display.PressKey(key);
+        EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+    }
+    // Time for a wrong close to happen: too little of it misses a fault, and never fails.
+    void ExpectItGoesOn() {
+        usleep(300000);
+        EXPECT_TRUE(saver.Running()) << saver.Errors();
+    }
+    // The pointer passes over a preview and clicks, long after all times of grace; it goes on, and has
+    // written nothing.
+    void ExpectAPreviewIgnoresInput() {
+        EXPECT_FALSE(display.CursorIsHidden());
+        EXPECT_EQ(saver.Trace(), "");
+        saver.SetClock(60000);
+        display.MovePointer(150, 120);
+        display.ClickButton(1);
+        ExpectItGoesOn();
+    }
+
+    VirtualDisplay display;
+    SaverProcess saver;
 };

@@ -4,92 +4,289 @@
 
 #include "integration/program.h"
 
-#include <cstdint>
+#define Picture XPicture // the film tool has a type of that name
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+#include <X11/extensions/Xfixes.h>
+#include <X11/extensions/Xrandr.h>
+#include <X11/keysym.h>
+#undef Picture
 
-struct _XDisplay;
+#include <utility>
+
+struct Area {
+    int x, y, width, height;
+};
 
 // A picture of the screen: rows from the top, 0x00RRGGBB per pixel.
 struct ScreenPicture {
     int width = 0;
-    int height = 0;
     std::vector<std::uint32_t> pixels;
 
-    std::uint32_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y) * width + x]; }
-    int CountLit(int left, int top, int w, int h) const; // the pixels of that area that are not black
+    std::uint32_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
 };
 
 // The largest difference of any colour channel between two pixels, 0..255.
-int ChannelDistance(std::uint32_t a, std::uint32_t b);
+inline int ChannelDistance(std::uint32_t a, std::uint32_t b) {
+    int worst = 0;
+    for (int shift = 0; shift < 24; shift += 8)
+        worst = std::max(worst,
+                         std::abs(static_cast<int>(a >> shift & 255u) - static_cast<int>(b >> shift & 255u)));
+    return worst;
+}
 
 class VirtualDisplay {
 public:
     // `lacks` names an extension that the server is to be without.
-    VirtualDisplay(int width, int height, const char* lacks = nullptr);
+    VirtualDisplay(int screenWidth, int screenHeight, const char* lacks = nullptr)
+        : width(screenWidth), height(screenHeight) {
+        // Xvfb picks a free number itself and writes it to the pipe once it listens: no race between tests.
+        int ends[2];
+        if (pipe(ends) != 0)
+            return;
+        const std::string size = std::to_string(width) + "x" + std::to_string(height) + "x24";
+        std::vector<std::string> words = {
+            XVFB_EXE, "-displayfd", std::to_string(ends[1]), "-screen", "0", size, "-nolisten", "tcp"};
+        if (lacks != nullptr)
+            words.insert(words.end(), {"-extension", lacks});
+        server_.Start(words, {}, "/", "/dev/null");
+        close(ends[1]);
+        for (char c = 0; read(ends[0], &c, 1) == 1 && c != '\n';)
+            name_ += c;
+        close(ends[0]);
+        connection = name_ == ":" ? nullptr : XOpenDisplay(name_.c_str());
+        if (connection == nullptr)
+            return;
+        XSetErrorHandler([](Display*, XErrorEvent*) { return 0; }); // windows come and go under the queries
+        MovePointer(width / 3, height / 3);
+        PaintDesktop();
+    }
     ~VirtualDisplay() { Kill(); }
     VirtualDisplay(const VirtualDisplay&) = delete;
     VirtualDisplay& operator=(const VirtualDisplay&) = delete;
-    void Kill(); // the server goes away, as at a log-out
-
-    bool Ok() const { return display_ != nullptr; }
+    void Kill() { // the server goes away, as at a log-out
+        if (connection != nullptr)
+            XCloseDisplay(std::exchange(connection, nullptr));
+        server_.Signal(SIGTERM); // it has a file to remove
+        server_.WaitForExit();
+    }
     const std::string& Name() const { return name_; }
-    int Width() const { return width_; }
-    int Height() const { return height_; }
+    Window Root() const { return DefaultRootWindow(connection); }
+    void Sync() const { XSync(connection, False); }
 
     // What the desktop shows at a pixel: smooth ramps with a fine pattern, so that a shift by one pixel is
     // seen.
-    std::uint32_t DesktopPixel(int x, int y) const;
-    ScreenPicture Photograph() const;
-    std::uint32_t PixelAt(int x, int y) const;
+    std::uint32_t DesktopPixel(int left, int top) const {
+        const auto ramp = [](int at, int size) { return static_cast<std::uint32_t>(40 + at * 160 / size); };
+        const std::uint32_t fine = (left / 4 + top / 4) % 2 ? 40u : 0u;
+        return (ramp(left, width) + fine) << 16 | (ramp(top, height) + fine) << 8 | ramp(width - left, width);
+    }
+    ScreenPicture Photograph() const { return Photograph(Root(), {0, 0, width, height}); }
     // Of a window's own picture, also where it lies outside of the screen.
-    std::uint32_t PixelIn(unsigned long window, int x, int y) const;
+    ScreenPicture Photograph(Window window, const Area& area) const {
+        const auto [w, h] = std::pair{static_cast<unsigned>(area.width), static_cast<unsigned>(area.height)};
+        ScreenPicture picture{area.width, std::vector<std::uint32_t>(std::size_t{w} * h)};
+        XImage* image = XGetImage(connection, window, area.x, area.y, w, h, AllPlanes, ZPixmap);
+        for (unsigned i = 0; image != nullptr && i < w * h; ++i)
+            picture.pixels[i] = static_cast<std::uint32_t>(
+                                    XGetPixel(image, static_cast<int>(i % w), static_cast<int>(i / w))) &
+                                0xFFFFFFu;
+        if (image != nullptr)
+            XDestroyImage(image);
+        return picture;
+    }
+    std::uint32_t PixelAt(int left, int top) const { return Photograph(Root(), {left, top, 1, 1}).At(0, 0); }
     // Until the screen's pixel comes within `tolerance` of (or, with `differ`, leaves) the colour.
-    bool WaitForPixel(int x, int y, std::uint32_t colour, int tolerance, bool differ = false) const;
-    bool CursorIsHidden() const;
-    bool WaitForHiddenCursor() const;
+    bool WaitForPixel(int left, int top, std::uint32_t colour, int tolerance, bool differ = false) const {
+        return Eventually(
+            [&] { return (ChannelDistance(PixelAt(left, top), colour) <= tolerance) != differ; });
+    }
+    bool WaitForBlack(const Area& area) const {
+        return Eventually([&] {
+            const std::vector<std::uint32_t> pixels = Photograph(Root(), area).pixels;
+            return std::ranges::count(pixels, 0u) == std::ssize(pixels);
+        });
+    }
+    bool CursorIsHidden() const {
+        XFixesCursorImage* cursor = XFixesGetCursorImage(connection);
+        bool hidden = true;
+        for (int i = 0; cursor != nullptr && i < cursor->width * cursor->height; ++i)
+            hidden = hidden && (cursor->pixels[i] >> 24 & 255u) == 0;
+        XFree(cursor);
+        return hidden;
+    }
+    bool WaitForHiddenCursor() const {
+        return Eventually([this] { return CursorIsHidden(); });
+    }
 
-    // Visible windows within another one, the lowest first, and those on the screen that are not just a pixel
-    // for messages.
-    std::vector<unsigned long> ChildrenOf(unsigned long window) const;
-    std::vector<unsigned long> VisibleWindows() const;
-    unsigned long WaitForWindow() const;
+    // Visible windows on the screen or within another one, the lowest first; as it is, without those of a
+    // single pixel that are there for messages.
+    std::vector<Window> VisibleWindows(Window within = None, int narrowest = 2) const {
+        Window root = 0, parent = 0, *children = nullptr;
+        unsigned count = 0;
+        XQueryTree(connection, within != None ? within : Root(), &root, &parent, &children, &count);
+        std::vector<Window> windows(children, children + count);
+        XFree(children);
+        std::erase_if(windows, [&](Window window) {
+            const XWindowAttributes attributes = Attributes(window);
+            return attributes.map_state != IsViewable || attributes.width < narrowest;
+        });
+        return windows;
+    }
+    Window WaitForWindow() const {
+        std::vector<Window> windows;
+        Eventually([&] { return !(windows = VisibleWindows()).empty(); });
+        return windows.empty() ? 0 : windows.back();
+    }
     // A visible window of that size on the screen or in a window there; 0 when there is none.
-    unsigned long WindowOfSize(int width, int height) const;
-    bool HasFocus(unsigned long window) const;
+    Window WindowOfSize(int wantedWidth, int wantedHeight) const {
+        for (const Window outer : VisibleWindows(None, 1)) {
+            std::vector<Window> windows = VisibleWindows(outer, 1);
+            windows.push_back(outer);
+            for (const Window window : windows) {
+                const XWindowAttributes attributes = Attributes(window);
+                if (attributes.width == wantedWidth && attributes.height == wantedHeight)
+                    return window;
+            }
+        }
+        return 0;
+    }
+    bool HasFocus(Window window) const {
+        Window focus = None;
+        int revert = 0;
+        XGetInputFocus(connection, &focus, &revert);
+        return focus == window;
+    }
 
-    void PressKey(unsigned long keysym) { HoldKey(keysym), ReleaseKey(keysym); }
-    void HoldKey(unsigned long keysym);
-    void ReleaseKey(unsigned long keysym);
-    void MovePointer(int x, int y);
-    void ClickButton(unsigned button);
+    void PressKey(KeySym key) const {
+        TurnKey(key, true);
+        TurnKey(key, false);
+    }
+    void TurnKey(KeySym key, bool down) const {
+        XTestFakeKeyEvent(connection, XKeysymToKeycode(connection, key), down, CurrentTime);
+        Sync();
+    }
+    void MovePointer(int left, int top) const {
+        XTestFakeMotionEvent(connection, -1, left, top, CurrentTime);
+        Sync();
+    }
+    void ClickButton(unsigned button) const {
+        for (const bool down : {true, false})
+            XTestFakeButtonEvent(connection, button, down, CurrentTime);
+        Sync();
+    }
 
     // Above all others, in one colour, 0x00RRGGBB.
-    unsigned long ShowWindow(int x, int y, int width, int height, unsigned long colour = 0);
-    void ResizeWindow(unsigned long window, int width, int height);
-    void DestroyWindow(unsigned long window);
-    void TakeFocus(unsigned long window);
-    bool ReceivedAKey(); // one of the windows shown here
-    // Keyboard and pointer. False when somebody else has one of them.
-    bool GrabInput();
-    void ReleaseInput();
-    bool WaitUntilInputIsGrabbed(); // both, by somebody else
-    // With no time in between for anybody to react.
-    bool UnmapAndGrabInput(unsigned long window);
-    // How often windows on the screen change, in that time.
-    int CountChangesOfWindows(int milliseconds);
+    Window ShowWindow(const Area& area, unsigned long colour = 0) const {
+        const Window window =
+            XCreateSimpleWindow(connection, Root(), area.x, area.y, static_cast<unsigned>(area.width),
+                                static_cast<unsigned>(area.height), 0, 0, colour);
+        XSelectInput(connection, window, KeyPressMask);
+        XMapRaised(connection, window);
+        Sync();
+        return window;
+    }
+    void DestroyWindow(Window window) const {
+        XDestroyWindow(connection, window);
+        Sync();
+    }
+    void TakeFocus(Window window) const {
+        XSetInputFocus(connection, window, RevertToPointerRoot, CurrentTime);
+        Sync();
+    }
+    // Keyboard and pointer, each with the server's answer.
+    std::pair<int, int> GrabInput() const {
+        return {XGrabKeyboard(connection, Root(), False, GrabModeAsync, GrabModeAsync, CurrentTime),
+                XGrabPointer(connection, Root(), False, 0, GrabModeAsync, GrabModeAsync, None, None,
+                             CurrentTime)};
+    }
+    void ReleaseInput() const {
+        XUngrabKeyboard(connection, CurrentTime);
+        XUngrabPointer(connection, CurrentTime);
+        Sync();
+    }
+    bool WaitUntilInputIsGrabbed() const { // both, by somebody else
+        return Eventually([this] {
+            const auto answers = GrabInput();
+            ReleaseInput();
+            return answers == std::pair{AlreadyGrabbed, AlreadyGrabbed};
+        });
+    }
 
     // Anew, where there is one of that name. The first one takes the place of the screen's own.
-    void SetMonitor(const char* name, int x, int y, int width, int height, bool primary);
-    void DeleteMonitor(const char* name);
+    void SetMonitor(const char* name, const Area& area, bool primary) const {
+        DeleteMonitor(name);
+        int count = 0;
+        XRRMonitorInfo* before = XRRGetMonitors(connection, Root(), True, &count);
+        const RROutput output = before != nullptr && before->automatic != 0 ? before->outputs[0] : None;
+        XRRFreeMonitors(before);
+        XRRMonitorInfo* info = XRRAllocateMonitor(connection, output != None ? 1 : 0);
+        if (output != None)
+            info->outputs[0] = output;
+        info->name = XInternAtom(connection, name, False);
+        info->primary = primary;
+        info->x = area.x;
+        info->y = area.y;
+        info->width = area.width;
+        info->height = area.height;
+        info->mwidth = info->mheight = 100;
+        XRRSetMonitor(connection, Root(), info);
+        XRRFreeMonitors(info);
+        Sync();
+    }
+    void DeleteMonitor(const char* name) const {
+        XRRDeleteMonitor(connection, Root(), XInternAtom(connection, name, False));
+        Sync();
+    }
     // Not beyond what it was when the server started.
-    void SetScreenSize(int width, int height);
+    void SetScreenSize(int newWidth, int newHeight) {
+        XRRScreenResources* resources = XRRGetScreenResourcesCurrent(connection, Root());
+        std::string name = "mode " + std::to_string(++modesMade_);
+        XRRModeInfo info = {};
+        info.width = info.hTotal = static_cast<unsigned>(newWidth);
+        info.height = info.vTotal = static_cast<unsigned>(newHeight);
+        info.dotClock = 60ul * info.width * info.height;
+        info.name = name.data();
+        info.nameLength = static_cast<unsigned>(name.size());
+        RRMode mode = XRRCreateMode(connection, Root(), &info);
+        XRRAddOutputMode(connection, resources->outputs[0], mode);
+        const RRCrtc crtc = resources->crtcs[0];
+        XRRSetCrtcConfig(connection, resources, crtc, CurrentTime, 0, 0, None, RR_Rotate_0, nullptr, 0);
+        XRRSetScreenSize(connection, Root(), newWidth, newHeight, newWidth, newHeight);
+        XRRSetCrtcConfig(connection, resources, crtc, CurrentTime, 0, 0, mode, RR_Rotate_0,
+                         resources->outputs, 1);
+        XRRFreeScreenResources(resources);
+        Sync();
+    }
+
+    Display* connection = nullptr; // null: there is no server
+    const int width, height;
 
 private:
-    void PaintDesktop();
-    unsigned long Root() const;
+    void PaintDesktop() const {
+        const int screen = DefaultScreen(connection);
+        std::vector<std::uint32_t> pixels;
+        for (int i = 0; i < width * height; ++i)
+            pixels.push_back(DesktopPixel(i % width, i / width));
+        const auto [w, h] = std::pair{static_cast<unsigned>(width), static_cast<unsigned>(height)};
+        const Pixmap pixmap = XCreatePixmap(connection, Root(), w, h, 24);
+        XImage* image = XCreateImage(connection, DefaultVisual(connection, screen), 24, ZPixmap, 0,
+                                     reinterpret_cast<char*>(pixels.data()), w, h, 32, 0);
+        XPutImage(connection, pixmap, DefaultGC(connection, screen), image, 0, 0, 0, 0, w, h);
+        image->data = nullptr; // the vector's
+        XDestroyImage(image);
+        XSetWindowBackgroundPixmap(connection, Root(), pixmap);
+        XClearWindow(connection, Root());
+        XFreePixmap(connection, pixmap);
+        Sync();
+    }
+    XWindowAttributes Attributes(Window window) const {
+        XWindowAttributes attributes = {};
+        XGetWindowAttributes(connection, window, &attributes);
+        return attributes;
+    }
 
-    _XDisplay* display_ = nullptr;
     Program server_;
-    std::string name_;
-    int width_;
-    int height_;
+    std::string name_ = ":";
+    int modesMade_ = 0;
 };

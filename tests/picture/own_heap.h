@@ -1,7 +1,57 @@
-// The heap of Tamblor's own code, without what the OpenGL driver and other libraries hold.
+// The heap of Tamblor's own code, without what the OpenGL driver and other libraries hold. The linker sends
+// every call of malloc and its kin from our objects, and from nobody else's, to __wrap_... here
+// (CMakeLists.txt names them); __real_... is what was meant. For one source file of a program.
 #pragma once
 
+#include <malloc.h>
+
+#include <atomic>
 #include <cstddef>
 
+inline std::atomic<std::ptrdiff_t> ownHeapInUse = 0;
+
 // Bytes in use, of blocks taken and given back by code that was linked into this program statically.
-std::ptrdiff_t OwnHeapInUse();
+inline std::ptrdiff_t OwnHeapInUse() {
+    return ownHeapInUse;
+}
+
+inline void* Taken(void* block) {
+    ownHeapInUse += static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+    return block;
+}
+inline void* GivenBack(void* block) {
+    ownHeapInUse -= static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+    return block;
+}
+
+extern "C" {
+void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __real_realloc(void* block, std::size_t size);
+void __real_free(void* block);
+void* __real__Znwm(std::size_t size);               // operator new
+void __real__ZdlPvm(void* block, std::size_t size); // operator delete, with the block's size
+void __real__ZdlPv(void* block);                    // and without
+
+void* __wrap_malloc(std::size_t size) {
+    return Taken(__real_malloc(size));
+}
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return Taken(__real_calloc(count, size));
+}
+void* __wrap_realloc(void* block, std::size_t size) { // never for more than there is
+    return Taken(__real_realloc(GivenBack(block), size));
+}
+void __wrap_free(void* block) {
+    __real_free(GivenBack(block));
+}
+void* __wrap__Znwm(std::size_t size) {
+    return Taken(__real__Znwm(size));
+}
+void __wrap__ZdlPvm(void* block, std::size_t size) {
+    __real__ZdlPvm(GivenBack(block), size);
+}
+void __wrap__ZdlPv(void* block) {
+    __real__ZdlPv(GivenBack(block));
+}
+}

@@ -9,24 +9,27 @@
 // own code calls them, and new also where the C++ library calls it. The picture codec's own are not counted.
 class FailingHeap {
 public:
-    FailingHeap(int n, bool alsoAllLater);
-    ~FailingHeap();
+    FailingHeap(int n, bool alsoAllLater) {
+        failed = false;
+        goesOn = alsoAllLater;
+        left = n;
+    }
+    ~FailingHeap() { left = -1; }
     FailingHeap(const FailingHeap&) = delete;
     FailingHeap& operator=(const FailingHeap&) = delete;
 
-    bool HasFailed() const;
+    static bool Refuses() {
+        if (left < 0 || left-- > 0)
+            return false;
+        failed = true;
+        if (goesOn)
+            left = 0;
+        return true;
+    }
 
-    // Nothing fails, and nothing is counted, while one lives: for what stands in for another library.
-    class Pause {
-    public:
-        Pause();
-        ~Pause();
-        Pause(const Pause&) = delete;
-        Pause& operator=(const Pause&) = delete;
-
-    private:
-        int left_;
-    };
+    static inline thread_local int left = -1; // allocations until one fails; -1: none will
+    static inline thread_local bool goesOn = false;
+    static inline thread_local bool failed = false;
 };
 
 // Attempts the same again and again: allocation 0 fails, then 1, 2, ... until nothing fails; first that one
@@ -39,7 +42,7 @@ template <class Attempt, class Check> void FailEachAllocation(Attempt attempt, C
             try {
                 const FailingHeap heap(n, alsoAllLater);
                 attempt();
-                failed = heap.HasFailed();
+                failed = FailingHeap::failed;
             } catch (const std::bad_alloc&) {
                 ADD_FAILURE() << "an exception left it";
             }

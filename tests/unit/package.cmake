@@ -1,2 +1,1 @@
-tamb_add_unit_test(package_test SOURCES ${CMAKE_CURRENT_LIST_DIR}/package_data_test.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/package_test.cpp ${CMAKE_CURRENT_LIST_DIR}/package_build_test.cpp LIBS tamb_package)
+tamb_add_unit_test(package_test SOURCES ${CMAKE_CURRENT_LIST_DIR}/package_test.cpp LIBS tamb_package)

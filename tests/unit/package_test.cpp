@@ -1,10 +1,94 @@
+// The package: its values, its file, and making one.
 #include "package/package.h"
 #include "package/scramble.h"
-#include "unit/package_bytes.h"
+#include "unit/test_package.h"
 
+#include <numeric>
 #include <tuple>
 
+namespace fs = std::filesystem;
+
 namespace {
+
+// A cursor over a block of exactly these bytes, so that a sanitizer sees one read too far.
+struct Block {
+    explicit Block(const std::string& bytes) : memory(bytes.begin(), bytes.end()) {
+        cursor.InitData(memory.data(), static_cast<int>(memory.size()));
+    }
+    std::vector<unsigned char> memory;
+    FXPackageData cursor;
+};
+
+TEST(PackageData, ReadsWhatFitsAndConsumesNothingElse) {
+    Block values("\1\2" + Ints({-2, 0x3FC00000, 0, 0x3FF80000, 1, 2, 3, 0x40000000}));
+    EXPECT_TRUE(values.cursor.ReadBool());
+    EXPECT_FALSE(values.cursor.ReadBool()) << "only 1 is true";
+    EXPECT_EQ(values.cursor.ReadInt(), -2);
+    EXPECT_EQ(values.cursor.ReadFloat(), 1.5f);
+    EXPECT_EQ(values.cursor.ReadDouble(), 1.5);
+    float four[4] = {};
+    values.cursor.ReadFloat4(four);
+    EXPECT_EQ(four[3], 2.0f);
+    EXPECT_EQ(values.cursor.left, 0);
+
+    Block block("\1\1\1");
+    char copy[8] = "before";
+    EXPECT_EQ(block.cursor.ReadInt(), 0);
+    EXPECT_EQ(block.cursor.ReadDouble(), 0.0);
+    block.cursor.WriteInt(7);
+    block.cursor.ReadFloat4(four);
+    EXPECT_EQ(four[3], 2.0f);
+    for (const int n : {4, -1, INT_MAX, INT_MIN})
+        EXPECT_EQ(block.cursor.ReadCopyBlc(copy, n), nullptr) << n;
+    EXPECT_STREQ(copy, "before");
+    EXPECT_EQ(block.cursor.ReadBlc(3), block.memory.data());
+    EXPECT_FALSE(block.cursor.ReadBool());
+}
+
+TEST(PackageData, StringsStayInsideTheBlockAndTheirCapacity) {
+    const std::string tooLong(2000, 'x');
+    const std::tuple<std::string, std::string, int> cases[] = {
+        {Ints({2}) + "abc", "ab", 1},
+        {Ints({-7}) + "abc", "", 3},
+        {Ints({INT_MAX}) + "abc", "abc", 0},
+        {"abc", "", 3},
+        {Ints({2000}) + tooLong + "a", tooLong.substr(0, 1023), 1},
+    };
+    for (const auto& [bytes, text, left] : cases) {
+        Block block(bytes);
+        FXStr s("old");
+        block.cursor.ReadString(&s);
+        EXPECT_EQ(s.text, text);
+        EXPECT_EQ(s.len, static_cast<int>(text.size()));
+        EXPECT_EQ(block.cursor.left, left) << text;
+    }
+}
+
+TEST(PackageData, CountedReadsEndWithDefaultsUpToABoundOfTheirOwn) {
+    constexpr int kSure = FXPackageData::kSureCount;
+    // bytes, then the count and the sum of the elements, and what is left
+    const std::tuple<std::string, int, int, int> cases[] = {
+        {Ints({2, 5, 6, 7}), 2, 11, 4},
+        {Ints({2, 5}) + "abc", 2, 5, 3},
+        {Ints({INT_MAX, 5}), kSure, 5, 0},
+        {Ints({kSure + 2, 5}) + std::string(4 * kSure, '\0'), kSure + 1, 5, 0}, // what the bytes hold
+        {Ints({-1, 5}), 0, 0, 4},
+    };
+    for (const auto& [bytes, count, sum, left] : cases) {
+        Block block(bytes);
+        FXArray<int> ints;
+        ints.Push(9);
+        block.cursor.ReadArray(&ints);
+        EXPECT_EQ(ints.count, count);
+        EXPECT_EQ(std::accumulate(ints.begin(), ints.end(), 0), sum);
+        EXPECT_EQ(block.cursor.left, left);
+    }
+    Block strings(Ints({INT_MAX, 1}) + "a");
+    FXStrArray a;
+    strings.cursor.ReadStringArray(&a);
+    ASSERT_EQ(a.count, kSure);
+    EXPECT_STREQ(a.Get(0), "a");
+}
 
 std::string Scrambled(std::string body) {
     fxScramble(reinterpret_cast<unsigned char*>(body.data()), body.size());
@@ -17,9 +101,8 @@ const std::string kBody =
 
 TEST(Scramble, TransposesTheLargestSquareAndKeepsTheRest) {
     EXPECT_EQ(Scrambled("0123456789"), "0361472589");
-    EXPECT_EQ(Scrambled(""), "");
-    for (const std::size_t side : {1, 15, 16, 17, 100, 1023, 1040}) {
-        std::string body(side * side + side, '\0');
+    for (const std::size_t side : {0, 1, 15, 16, 17, 1023, 1040}) {
+        std::string body(side * side + side % 2 * side, '\0'); // of the even ones nothing is left over
         for (std::size_t i = 0; i < body.size(); ++i)
             body[i] = static_cast<char>(i * 2654435761u >> 13);
         std::string turned = body;
@@ -31,7 +114,8 @@ TEST(Scramble, TransposesTheLargestSquareAndKeepsTheRest) {
 
 TEST(Package, LoadsPlainAndScrambled) {
     const TempFolder folder;
-    for (const std::string& file : {Header("pck01") + kBody, Header("pck01s") + Scrambled(kBody)}) {
+    for (const std::string& file : {Header("pck01") + kBody, Header("pck01s") + Scrambled(kBody),
+                                    Header("pck01-s") + Scrambled(kBody)}) {
         FXPackage package;
         ASSERT_TRUE(package.Load(folder.Write("p", file).c_str()));
         EXPECT_STREQ(package.problem.text, "");
@@ -58,18 +142,13 @@ TEST(Package, IsEmptyWithoutAPackageAndSaysWhy) {
         {folder.Write("4", Ints({-5}) + "pck01" + kBody), "is not a Tamblor package"},
         {folder.Write("5", Header("pck01")), "cannot be read: too large, or no memory"}};
     // A hole, no disk: beyond what an int counts.
-    std::filesystem::resize_file(std::rbegin(bad)->first, (1ull << 31) + 9);
+    fs::resize_file(std::rbegin(bad)->first, (1ull << 31) + 9);
     for (const auto& [file, problem] : bad) {
         ASSERT_TRUE(package.Load(folder.Write("good", Header("pck01") + kBody).c_str()));
         EXPECT_FALSE(package.Load(file.c_str())) << file;
         EXPECT_EQ(package.problem.text, problem);
         EXPECT_EQ(Entry(package, 5), "none");
         EXPECT_EQ(package.GetDataType(2), -1);
-    }
-    for (const std::string& nothing : {Ints({0, 0, 0, 0}), std::string()}) {
-        EXPECT_TRUE(package.Load(folder.Write("none", Header("pck01") + nothing).c_str()));
-        EXPECT_STREQ(package.problem.text, "has no entries");
-        EXPECT_EQ(package.firstId, 0);
     }
 }
 
@@ -78,6 +157,8 @@ TEST(Package, WrongTablesReadNothingOutside) {
     const std::string ones = Table({1});
     const char* const kCut = "is damaged or ends too early: some of its entries are missing";
     const std::tuple<std::string, std::string, const char*> cases[] = {
+        {"", "none", "has no entries"},
+        {Ints({-1, 1}), "none", "has no entries"},
         {ones + Table({0}) + Table({4}) + ones, "", kCut}, // beyond the end
         {ones + Table({-1}) + Table({2}) + ones, "", kCut},
         {ones + Table({3}) + Table({-1}) + ones, "", kCut},
@@ -85,32 +166,96 @@ TEST(Package, WrongTablesReadNothingOutside) {
         {ones + Table({INT_MIN}) + Table({INT_MIN}) + ones, "", kCut},
         {ones + Table({1}) + Table({2}) + Ints({0}), "bc", ""}, // no type
         {ones + Table({1}) + Table({2, 3, 4}) + ones, "bc", ""},
-        {Table({1, 2, 3}) + Table({1}) + Table({2}) + ones, "bc", kCut},
-        {Ints({-1, 1}), "none", "has no entries"},
         {Table({2, 1}) + Table({1}) + Table({2, 1}), "a", kCut}, // what a table lacks is 0: here the offset
         {Table({2, 1}) + Table({1, 1}) + Table({2}), "", kCut},  // the size
     };
     FXPackage package;
     for (const auto& [tables, entry, problem] : cases) {
-        EXPECT_TRUE(package.Load(folder.Write("p", Header("pck01") + tables + "abc").c_str()));
+        const std::string data = tables.empty() ? "" : "abc";
+        EXPECT_TRUE(package.Load(folder.Write("p", Header("pck01") + tables + data).c_str()));
         EXPECT_EQ(Entry(package, 1), entry) << testing::PrintToString(tables);
         EXPECT_STREQ(package.problem.text, problem) << testing::PrintToString(tables);
     }
-    // Ids alone, and a count that ends with the file: entries of value 0, without a byte.
-    ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Ints({3, 7})).c_str()));
-    EXPECT_EQ(Entry(package, 7) + Entry(package, 0), "");
-    EXPECT_EQ(package.GetDataType(7), 0);
-}
-
-TEST(Package, NumbersNamesBehindItsLargestId) {
-    const TempFolder folder;
-    const std::pair<std::vector<std::int32_t>, int> kCases[] = {
-        {{-7, -5, -6}, -4}, {{3, INT_MAX}, INT_MAX}, {{INT_MIN}, INT_MIN + 1}};
-    for (const auto& [ids, first] : kCases) {
-        FXPackage package;
+    const std::pair<std::vector<std::int32_t>, int> kFirstIds[] = {
+        {{-7, -5, -6}, -4}, {{3, INT_MAX}, INT_MAX}, {{INT_MIN}, INT_MIN + 1}, {{}, 0}};
+    for (const auto& [ids, first] : kFirstIds) {
         ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Table(ids)).c_str()));
         EXPECT_EQ(package.firstId, first);
     }
+}
+
+TEST(PackageBuild, AppendsAndWritesTheFormatToTheByte) {
+    const TempFolder folder;
+    FXPackage first;
+    first.AddDataFile(7, folder.Write("raw", "abc").c_str());
+    ASSERT_TRUE(first.Save(folder.File("p").c_str(), 0));
+    EXPECT_EQ(folder.Read("p"), Header("pck01") + Table({7}) + Table({0}) + Table({3}) + Table({-1}) + "abc");
+    EXPECT_FALSE(fs::exists(folder.File("p.new")));
+
+    FXPackage more;
+    ASSERT_TRUE(more.Load(folder.File("p").c_str()));
+    const std::pair<const char*, int> kFiles[] = {
+        {"b.JPG", kJpeg}, {"a.b.png", kPng}, {"m.jpeg", kRaw}, {"m.png.", kRaw}};
+    for (int i = 0; const auto& file : kFiles)
+        more.AddDataFile(++i, folder.Write(file.first, file.first).c_str());
+    ASSERT_TRUE(more.Save(folder.File("p").c_str(), FXPackage::kScrambled));
+    EXPECT_TRUE(more.pendingIds.IsEmpty() && more.pendingFiles.IsEmpty());
+    FXPackage back;
+    ASSERT_TRUE(back.Load(folder.File("p").c_str()));
+    for (FXPackage* package : {&more, &back}) {
+        EXPECT_EQ(Entry(*package, 7), "abc");
+        for (int i = 0; const auto& [name, type] : kFiles) {
+            EXPECT_EQ(Entry(*package, ++i), name);
+            EXPECT_EQ(package->GetDataType(i), type) << name;
+        }
+    }
+    ASSERT_TRUE(back.Save(folder.File("again").c_str(), FXPackage::kScrambled));
+    EXPECT_EQ(folder.Read("again"), folder.Read("p"));
+    EXPECT_EQ(folder.Read("again").substr(0, 10), Header("pck01s"));
+    for (const auto& [name, expected] : {std::pair{"xxpng", kPng}, {"png", kRaw}}) {
+        int size = -1, type = 0;
+        EXPECT_FALSE(FXPackage::CheckFile(name, &size, &type)) << "there is no such file";
+        EXPECT_TRUE(type == expected && size == 0) << name;
+    }
+}
+
+TEST(PackageBuild, AFailedSaveLeavesEverythingAsItWas) {
+    const TempFolder folder;
+    const std::string target = folder.File("p");
+    FXPackage package;
+    package.AddDataFile(1, folder.Write("a", "kept").c_str());
+    ASSERT_TRUE(package.Save(target.c_str(), 0));
+    const std::string before = folder.Read("p");
+    package.AddDataFile(2, folder.File("missing").c_str());
+    EXPECT_FALSE(package.Save(target.c_str(), 0));
+    package.pendingFiles.Change(0, folder.Write("b", "found").c_str());
+    EXPECT_FALSE(package.Save(folder.File("no/such/folder").c_str(), FXPackage::kScrambled));
+    if (fs::exists("/dev/full")) {
+        fs::create_symlink("/dev/full", target + ".new");
+        EXPECT_FALSE(package.Save(target.c_str(), 0)) << "full disk";
+    }
+    EXPECT_EQ(folder.Read("p"), before);
+    EXPECT_EQ(Entry(package, 1) + Entry(package, 2), "keptnone");
+    EXPECT_TRUE(package.Save(target.c_str(), 0)) << "and can be repeated";
+    EXPECT_EQ(Entry(package, 2), "found");
+}
+
+TEST(PackageBuild, NamesBecomeIdsOnceAndAHeader) {
+    const TempFolder folder;
+    const std::string file = folder.File("sun (core)-1.png");
+    FXPackage package;
+    package.firstId = 40;
+    FXStr name(file.c_str()), again(file.c_str()), empty;
+    EXPECT_EQ(package.BuildId("other"), 40);
+    for (FXStr* given : {&name, &again, &empty})
+        package.AddDataFile1(given);
+    EXPECT_STREQ(name.text, "41");
+    EXPECT_STREQ(again.text, "41");
+    EXPECT_EQ(package.pendingIds.count, 1);
+    EXPECT_TRUE(package.SaveNamesCpp(folder.File("names.h").c_str()));
+    EXPECT_EQ(folder.Read("names.h"), "#define FXNAME_OTHER  40\n#define FXNAME_SUN__CORE__1_PNG  41\n");
+    package.firstId = INT_MAX;
+    EXPECT_EQ(package.FindId(file.c_str()), -1) << "no id is left for it";
 }
 
 } // namespace

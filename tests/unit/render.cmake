@@ -3,7 +3,3 @@ tamb_add_unit_test(render_test SOURCES
     ${here}/render_environment_test.cpp ${here}/gl_device_test.cpp ${here}/gl_mesh_test.cpp ${here}/desktop_test.cpp
     ${here}/codec_modules_test.cpp
     LIBS tamb_render tamb_gl_recorder tamb_fake_desktop tamb_fake_win32)
-
-# X11, where there is no X server.
-tamb_add_unit_test(desktop_linux_test SOURCES ${here}/desktop_linux_test.cpp
-    LIBS tamb_desktop_linux tamb_win32_windowing tamb_win32_x11 tamb_win32_posix)

@@ -3,13 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 // Values as the formats store them.
@@ -20,13 +19,8 @@ inline std::string Ints(const std::vector<std::int32_t>& values) {
 class TempFolder {
 public:
     TempFolder() {
-        static int made = 0;
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        std::string name = "tamblor-" + std::to_string(getpid()) + "-" + std::to_string(++made) + "-" +
-                           test->test_suite_name() + "-" + test->name();
-        std::ranges::replace(name, '/', '_');
-        path_ = std::filesystem::path(testing::TempDir()) / name;
-        std::filesystem::create_directories(path_);
+        std::string name = testing::TempDir() + "tamblor-XXXXXX";
+        path_ = mkdtemp(name.data());
     }
     ~TempFolder() {
         std::error_code ignored;

@@ -1,7 +1,31 @@
-// Packages of a few entries, and the records and pictures in them.
+// Packages byte by byte, the records and pictures in them, and what comes out of them.
 #pragma once
 
-#include "unit/package_bytes.h"
+#include "package/package.h"
+#include "unit/temp_folder.h"
+
+inline std::string Floats(const std::vector<float>& values) {
+    return {reinterpret_cast<const char*>(values.data()), 4 * values.size()};
+}
+inline std::string Table(const std::vector<std::int32_t>& values) {
+    return Ints({static_cast<std::int32_t>(values.size())}) + Ints(values);
+}
+inline std::string Header(const std::string& text) {
+    return Ints({static_cast<std::int32_t>(text.size())}) + text;
+}
+
+// A cursor at the first byte; the text must outlive it.
+inline FXPackageData CursorOf(const std::string& record) {
+    FXPackageData data;
+    data.InitData(record.data(), static_cast<int>(record.size()));
+    return data;
+}
+
+// The bytes of an entry; "none" when there is no such entry.
+inline std::string Entry(FXPackage& package, int id) {
+    const FXPackageData* data = package.GetDataPtr(id);
+    return data ? std::string(data->start, data->start + data->size) : "none";
+}
 
 struct TestEntry {
     int id;
@@ -20,25 +44,14 @@ inline void LoadTestPackage(FXPackage& package, const TempFolder& folder,
         types.push_back(entry.type);
         data += entry.bytes;
     }
-    const std::string file =
-        Header("pck01") + Table(ids) + Table(offsets) + Table(sizes) + Table(types) + data;
-    ASSERT_TRUE(package.Load(folder.Write("test-package", file).c_str()));
+    const std::string tables = Table(ids) + Table(offsets) + Table(sizes) + Table(types);
+    ASSERT_TRUE(package.Load(folder.Write("test-package", Header("pck01") + tables + data).c_str()));
 }
 
-inline std::string Floats(const std::vector<float>& values) {
-    return {reinterpret_cast<const char*>(values.data()), 4 * values.size()};
-}
-
-// A TGA file of 32 bits per pixel, its top row first. Pixels as a canvas has them: 0xAABBGGRR.
+// A TGA file of 32 bits per pixel, 8 of them alpha, its top row first. Pixels as a canvas has them:
+// 0xAABBGGRR.
 inline std::string Tga(int w, int h, const std::vector<std::uint32_t>& pixels) {
-    std::string file(18, '\0');
-    file[2] = 2; // true colour
-    file[12] = static_cast<char>(w);
-    file[13] = static_cast<char>(w >> 8);
-    file[14] = static_cast<char>(h);
-    file[15] = static_cast<char>(h >> 8);
-    file[16] = 32;
-    file[17] = 0x28; // eight bits of alpha, from the top
+    std::string file = std::string("\0\0\2\0\0\0\0\0\0\0\0\0", 12) + Ints({h << 16 | w}) + "\x20\x28";
     for (const std::uint32_t pixel : pixels)
         for (const int shift : {16, 8, 0, 24})
             file += static_cast<char>(pixel >> shift);

@@ -21,46 +21,27 @@ template <class Result, class... Parameters> struct Signature<Result(WINAPI*)(Pa
     }
 };
 
-// Of functions, given by their pointers.
-template <class Ours, class Real> constexpr bool Functions() {
-    return Signature<Ours>::Is(Signature<Real>());
-}
-
-template <class Ours, class Real> constexpr bool Pointees() {
-    if (std::is_const_v<Ours> != std::is_const_v<Real>)
-        return false;
-    using A = std::remove_const_t<Ours>;
-    using B = std::remove_const_t<Real>;
-    if constexpr (std::is_void_v<A> || std::is_void_v<B>)
-        return true; // we name no type where the product passes nothing or raw bytes
-    else if constexpr (std::is_class_v<A> || std::is_class_v<B>)
-        return std::is_class_v<A> == std::is_class_v<B>; // structures are compared by themselves
-    else
-        return Types<A, B>();
-}
-
+// Structures are compared by themselves. A pointer to void stands beside any other: we name no type where the
+// product passes nothing or raw bytes.
 template <class Ours, class Real> constexpr bool Types() {
-    if constexpr (std::is_void_v<Ours> || std::is_void_v<Real>)
-        return std::is_void_v<Ours> == std::is_void_v<Real>;
-    else if constexpr (sizeof(Ours) != sizeof(Real) || std::is_pointer_v<Ours> != std::is_pointer_v<Real>)
+    using A = std::remove_pointer_t<Ours>;
+    using B = std::remove_pointer_t<Real>;
+    if constexpr (std::is_pointer_v<Ours> != std::is_pointer_v<Real> ||
+                  std::is_void_v<Ours> != std::is_void_v<Real> || std::extent_v<Ours> != std::extent_v<Real>)
         return false;
-    else if constexpr (std::is_pointer_v<Ours>) {
-        if constexpr (std::is_function_v<std::remove_pointer_t<Ours>> &&
-                      std::is_function_v<std::remove_pointer_t<Real>>)
-            return Functions<Ours, Real>();
-        else
-            return Pointees<std::remove_pointer_t<Ours>, std::remove_pointer_t<Real>>();
-    } else
-        return std::is_signed_v<Ours> == std::is_signed_v<Real>;
-}
-
-// Of structures' fields, which may be arrays or structures.
-template <class Ours, class Real> constexpr bool Fields() {
-    if constexpr (std::is_array_v<Ours> && std::is_array_v<Real>)
-        return std::extent_v<Ours> == std::extent_v<Real> &&
-               Types<std::remove_extent_t<Ours>, std::remove_extent_t<Real>>();
+    else if constexpr (std::is_array_v<Ours>)
+        return Types<std::remove_extent_t<Ours>, std::remove_extent_t<Real>>();
+    else if constexpr (std::is_function_v<A> && std::is_function_v<B>)
+        return Signature<Ours>::Is(Signature<Real>());
+    else if constexpr (std::is_pointer_v<Ours>)
+        return std::is_const_v<A> == std::is_const_v<B> &&
+               (std::is_void_v<A> || std::is_void_v<B> || Types<A, B>());
+    else if constexpr (std::is_void_v<Ours>)
+        return true;
+    else if constexpr (std::is_class_v<Ours> || std::is_class_v<Real>)
+        return std::is_class_v<Ours> == std::is_class_v<Real>;
     else
-        return Types<Ours, Real>();
+        return sizeof(Ours) == sizeof(Real) && std::is_signed_v<Ours> == std::is_signed_v<Real>;
 }
 
 template <class Ours, class Real> constexpr bool Values(Ours ours, Real real) {

@@ -41,20 +41,12 @@ void PumpMessages() {
         DispatchMessageA(&message);
 }
 
-std::string Beside(const char* name, int number) {
-    static const std::string folder = [] {
-        char text[MAX_PATH] = "";
-        GetCurrentDirectoryA(sizeof text, text);
-        return std::string(text) + "\\"; // the show makes the package's folder the current one
-    }();
-    return folder + name + std::to_string(number);
-}
-
-void ShowUntilSeen(int number) {
-    std::FILE* shown = std::fopen(Beside("shown-", number).c_str(), "w");
+void ShowUntilSeen(const std::string& folder, int number) {
+    std::FILE* shown = std::fopen((folder + "/shown-" + std::to_string(number)).c_str(), "w");
     if (shown != nullptr)
         std::fclose(shown);
-    while (GetFileAttributesA(Beside("seen-", number).c_str()) == INVALID_FILE_ATTRIBUTES) {
+    const std::string seen = folder + "/seen-" + std::to_string(number);
+    while (GetFileAttributesA(seen.c_str()) == INVALID_FILE_ATTRIBUTES) {
         PumpMessages();
         Sleep(10);
     }
@@ -72,7 +64,8 @@ LRESULT CALLBACK FramesProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 int main(int count, char** words) {
     if (count < 4)
         return 1;
-    Beside("", 0);
+    char folder[MAX_PATH] = "";
+    GetCurrentDirectoryA(sizeof folder, folder); // the show makes the package's folder the current one
     std::snprintf(orinPath, sizeof orinPath, "%s", words[1]);
     const double step = std::atof(words[2]);
     showTicks = static_cast<DWORD>(kFirstFrame * 1000);
@@ -93,7 +86,7 @@ int main(int count, char** words) {
             DrawAt(next, false);
         DrawAt(wanted, true);
         next = std::max(next, wanted + step);
-        ShowUntilSeen(i - 2);
+        ShowUntilSeen(folder, i - 2);
     }
     DestroyScene();
     DestroyWindow(window);

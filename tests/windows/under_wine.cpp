@@ -1,17 +1,25 @@
+// Runs the tests of the Windows saver; where there is no Wine it says so, and CTest counts them as skipped.
 #include "windows/under_wine.h"
 
-#include "integration/saver_command.h"
+#include "integration/saver_process.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-std::string buildFolder;
-std::string wineProgram;
-std::string serverProgram;
+constexpr int kSkipped = 77;
+std::string buildFolder, wineProgram, serverProgram; // what the build for Windows is, and what runs it
 
-std::string Prefix() {
-    return WindowsBuild("wine-prefix");
+// What is there stays as it is. WINEDLLPATH is where the codec is.
+void AddWineSettings(Environment* environment) {
+    environment->insert({
+        {"WINEPREFIX", WindowsBuild("wine-prefix")},
+        {"WINEDEBUG", "-all"},
+        {"WINEDLLPATH", WindowsBuild("tests/codec")},
+        // The clock of the tests comes before the system's; nothing asks for what Wine would download.
+        {"WINEDLLOVERRIDES", "winmm=n,b;mscoree,mshtml="},
+        {"LIBGL_ALWAYS_SOFTWARE", "1"},
+    });
 }
 
 // With what else the tests' own environment has.
@@ -34,11 +42,33 @@ int Run(const std::vector<std::string>& words, const std::string& prefix) {
     return program.WaitForExit();
 }
 
-void LinkInto(const fs::path& folder, const char* built) {
-    std::error_code ignored;
-    const fs::path file = WindowsBuild(built);
-    fs::create_symlink(file, folder / file.filename(), ignored);
+// Makes the prefix when there is none yet, which takes some seconds.
+bool PrepareWine() {
+    const std::string prefix = WindowsBuild("wine-prefix"), coming = prefix + ".new"; // until it is whole
+    if (fs::exists(prefix))
+        return true;
+    fs::remove_all(coming);
+    fs::create_directories(coming);
+    if (Run({wineProgram, "wineboot", "-i"}, coming) != 0 || Run({serverProgram, "-w"}, coming) != 0)
+        return false;
+    fs::rename(coming, prefix);
+    return true;
 }
+
+// Cases that mean nothing without pictures. CTest runs each case by itself.
+bool NeedsCodec() {
+    const std::string filter = testing::GTEST_FLAG(filter);
+    return filter.starts_with("Frames.") || filter.starts_with("PreviewInPane.Shows") ||
+           filter.starts_with("FullScreen.TheTrace");
+}
+
+// Ends what still runs in the prefix, the services too: the next test has another display.
+class FreshWine : public testing::EmptyTestEventListener {
+    void OnTestEnd(const testing::TestInfo&) override {
+        Run({serverProgram, "-k"}, WindowsBuild("wine-prefix"));
+        Run({serverProgram, "-w"}, WindowsBuild("wine-prefix"));
+    }
+};
 
 } // namespace
 
@@ -48,47 +78,8 @@ std::string WindowsBuild(const std::string& name) {
 
 std::string WindowsPath(const std::string& file) {
     std::string path = "Z:" + file;
-    for (char& c : path)
-        if (c == '/')
-            c = '\\';
+    std::ranges::replace(path, '/', '\\');
     return path;
-}
-
-bool ChooseWine(const std::string& build, const std::string& wine, const std::string& wineserver) {
-    buildFolder = build;
-    wineProgram = wine;
-    serverProgram = wineserver;
-    return access(wine.c_str(), X_OK) == 0 && access(wineserver.c_str(), X_OK) == 0;
-}
-
-std::string PrepareWine() {
-    if (fs::exists(Prefix()))
-        return "";
-    // Under another name until it is whole.
-    const std::string coming = Prefix() + ".new";
-    std::error_code problem;
-    fs::remove_all(coming, problem);
-    fs::create_directories(coming, problem);
-    if (Run({wineProgram, "wineboot", "-i"}, coming) != 0 || Run({serverProgram, "-w"}, coming) != 0)
-        return "wineboot does not make " + coming;
-    fs::rename(coming, Prefix(), problem);
-    return problem ? coming + ": " + problem.message() : "";
-}
-
-void EndWine() {
-    Run({serverProgram, "-k"}, Prefix());
-    Run({serverProgram, "-w"}, Prefix());
-}
-
-void AddWineSettings(Environment* environment) {
-    environment->insert({
-        {"WINEPREFIX", Prefix()},
-        {"WINEDEBUG", "-all"},
-        {"WINEDLLPATH", WindowsBuild("tests/codec")},
-        // The clock of the tests comes before the system's; nothing asks for what Wine would download.
-        {"WINEDLLOVERRIDES", "winmm=n,b;mscoree,mshtml="},
-        {"LIBGL_ALWAYS_SOFTWARE", "1"},
-    });
 }
 
 WineProgram::WineProgram(const std::string& display, const std::string& folder,
@@ -104,16 +95,15 @@ WineProgram::WineProgram(const std::string& display, const std::string& folder,
 std::vector<std::string> SaverCommand(const TempFolder& data, Environment* environment) {
     AddWineSettings(environment);
     const fs::path folder = data.Path() / "saver";
-    std::error_code problem;
-    fs::create_directories(folder, problem);
-    fs::copy_file(WindowsBuild("bin/tamb.scr"), folder / "tamb.scr", fs::copy_options::skip_existing,
-                  problem);
-    for (const char* module : {"tests/clock/winmm.dll", "tests/codec/devil.dll", "tests/codec/ilu.dll"})
-        LinkInto(folder, module);
-    const std::string path = environment->count("TAMBLOR_DATA") != 0 ? environment->at("TAMBLOR_DATA") : "";
+    fs::create_directories(folder);
+    fs::copy_file(WindowsBuild("bin/tamb.scr"), folder / "tamb.scr", fs::copy_options::skip_existing);
+    for (const char* module : {"tests/clock/winmm.dll", "tests/codec/devil.dll", "tests/codec/ilu.dll"}) {
+        std::error_code ignored; // it may lie there from before
+        fs::create_symlink(WindowsBuild(module), folder / fs::path(module).filename(), ignored);
+    }
     WineProgram((*environment)["DISPLAY"], "/",
                 {"reg", "add", "HKCU\\Software\\OrinLab\\Screensavers\\Tamblor", "/v", "path", "/d",
-                 WindowsPath(path), "/f"})
+                 WindowsPath((*environment)["TAMBLOR_DATA"]), "/f"})
         .WaitForExit();
     return {wineProgram, (folder / "tamb.scr").string()};
 }
@@ -122,9 +112,33 @@ std::string SaverName(const std::string& file) {
     return WindowsPath(file);
 }
 
-// Each line of the trace reads it once, each frame too.
-bool SaverDraws(std::uint32_t clockReads) {
-    constexpr std::uint32_t kLines = 30;
-    constexpr std::uint32_t kFrames = 10;
-    return clockReads > kLines + kFrames;
+// Each line of the trace reads the clock once, each frame too.
+const int kReadsBeforeFrames = 30 + 10;
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (testing::GTEST_FLAG(list_tests))
+        return RUN_ALL_TESTS();
+    if (argc != 4) {
+        std::fputs("usage: wine_test [--gtest_...] BUILDFOLDER WINE WINESERVER\n", stderr);
+        return 1;
+    }
+    buildFolder = argv[1];
+    wineProgram = argv[2];
+    serverProgram = argv[3];
+    const char* lacks = nullptr;
+    if (access(argv[2], X_OK) != 0 || access(argv[3], X_OK) != 0)
+        lacks = "no Wine here runs it (Debian: wine64 for the 64-bit one, wine32 for the 32-bit one)";
+    else if (NeedsCodec() && !fs::exists(WindowsBuild("tests/codec/devil.dll")))
+        lacks = "no codec for it (Debian: wine64-tools and libwine-dev make the 64-bit one)";
+    if (lacks != nullptr) {
+        std::printf("skipped: %s/bin/tamb.scr: %s\n", argv[1], lacks);
+        return kSkipped;
+    }
+    if (!PrepareWine()) {
+        std::fputs("wineboot makes no prefix\n", stderr);
+        return 1;
+    }
+    testing::UnitTest::GetInstance()->listeners().Append(new FreshWine);
+    return RUN_ALL_TESTS();
 }

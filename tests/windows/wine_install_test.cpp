@@ -1,5 +1,5 @@
 // The saver as it lies with a user: what its install.cmd leaves, and a machine without the codec's modules.
-#include "integration/show_fixture.h"
+#include "integration/saver_process.h"
 #include "windows/under_wine.h"
 
 namespace {

@@ -61,7 +61,7 @@ foreach(name ${structures})
     names("([A-Za-z]+)[,@]" "${body}" fields)
     foreach(field ${fields})
         string(APPEND checks "static_assert(offsetof(ours::${name}, ${field}) == offsetof(::${name}, ${field}))@\n"
-            "static_assert(alike::Fields<decltype(ours::${name}::${field}), decltype(::${name}::${field})>())@\n")
+            "static_assert(alike::Types<decltype(ours::${name}::${field}), decltype(::${name}::${field})>())@\n")
     endforeach()
 endforeach()
 
@@ -77,7 +77,7 @@ if(NOT found EQUAL declared OR NOT found EQUAL wanted OR found EQUAL 0 OR consta
     message(FATAL_ERROR "${HEADER}: ${declared} functions, of which ${found} are understood (${wanted} with their calling convention)")
 endif()
 foreach(name ${functions})
-    string(APPEND checks "static_assert(alike::Functions<decltype(&ours::${name}), decltype(&::${name})>())@\n")
+    string(APPEND checks "static_assert(alike::Types<decltype(&ours::${name}), decltype(&::${name})>())@\n")
 endforeach()
 
 set(source "#include \"windows/declarations_alike.h\"\n\n${before}\nnamespace ours {\n${ours}\n${within}}\n\n${checks}")
