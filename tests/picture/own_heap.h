@@ -15,12 +15,8 @@ inline std::ptrdiff_t OwnHeapInUse() {
     return ownHeapInUse;
 }
 
-inline void* Taken(void* block) {
-    ownHeapInUse += static_cast<std::ptrdiff_t>(malloc_usable_size(block));
-    return block;
-}
-inline void* GivenBack(void* block) {
-    ownHeapInUse -= static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+inline void* Count(void* block, int sign) {
+    ownHeapInUse += sign * static_cast<std::ptrdiff_t>(malloc_usable_size(block));
     return block;
 }
 
@@ -34,24 +30,24 @@ void __real__ZdlPvm(void* block, std::size_t size); // operator delete, with the
 void __real__ZdlPv(void* block);                    // and without
 
 void* __wrap_malloc(std::size_t size) {
-    return Taken(__real_malloc(size));
+    return Count(__real_malloc(size), 1);
 }
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-    return Taken(__real_calloc(count, size));
+    return Count(__real_calloc(count, size), 1);
 }
 void* __wrap_realloc(void* block, std::size_t size) { // never for more than there is
-    return Taken(__real_realloc(GivenBack(block), size));
+    return Count(__real_realloc(Count(block, -1), size), 1);
 }
 void __wrap_free(void* block) {
-    __real_free(GivenBack(block));
+    __real_free(Count(block, -1));
 }
 void* __wrap__Znwm(std::size_t size) {
-    return Taken(__real__Znwm(size));
+    return Count(__real__Znwm(size), 1);
 }
 void __wrap__ZdlPvm(void* block, std::size_t size) {
-    __real__ZdlPvm(GivenBack(block), size);
+    __real__ZdlPvm(Count(block, -1), size);
 }
 void __wrap__ZdlPv(void* block) {
-    __real__ZdlPv(GivenBack(block));
+    __real__ZdlPv(Count(block, -1));
 }
 }

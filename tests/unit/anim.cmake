@@ -1,7 +1,3 @@
 set(here ${CMAKE_CURRENT_LIST_DIR})
 tamb_add_unit_test(anim_test SOURCES ${here}/bezier_test.cpp ${here}/morph_test.cpp ${here}/morph_file_test.cpp
     LIBS tamb_anim tamb_render tamb_gl_recorder tamb_fake_gl_window tamb_win32_posix)
-if(TARGET tamb_model_import)
-    tamb_add_unit_test(import_test SOURCES ${here}/import_test.cpp
-        LIBS tamb_model_import tamb_anim tamb_render tamb_gl_recorder tamb_fake_gl_window tamb_win32_posix)
-endif()

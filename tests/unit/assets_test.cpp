@@ -1,6 +1,5 @@
 #include "anim/morph_animation.h"
 #include "geometry/mesh.h"
-#include "image/material_library.h"
 
 #include <gtest/gtest.h>
 
@@ -8,39 +7,20 @@
 #include <cmath>
 #include <set>
 #include <span>
-#include <string>
-#include <tuple>
 
 namespace {
-
-constexpr const char* kDesktop = "Material001"; // the scene's, so in no library
-
-std::string Asset(const char* name) {
-    return std::string(SHOW_ASSETS "/") + name;
-}
 
 std::span<const tagFXVertex> Vertices(const FXMesh& mesh) {
     return {mesh.vertices, static_cast<std::size_t>(mesh.vertexCount)};
 }
 
-void ExpectMaterials(const FXModel& model, const char* libraryFile) {
-    FXMatlib library;
-    library.Load(Asset(libraryFile).c_str());
-    EXPECT_STREQ(library.name.text, model.matlibName.text);
-    for (const FXMesh* mesh : model.meshes)
-        EXPECT_TRUE(mesh->materialName.Compare(kDesktop) ||
-                    library.FindMaterial(mesh->materialName.text) != nullptr)
-            << mesh->materialName.text;
-}
-
 // A sheet that shows the desktop picture, and embers.
 TEST(Morph, HasOneTopologyInTheVisibleDepthAndEndsAsTheDesktopPicture) {
     FXAnim anim;
-    ASSERT_TRUE(anim.Load(Asset("72-morph.oa").c_str()) && anim.models.count >= 8);
+    ASSERT_TRUE(anim.Load(SHOW_ASSETS "/72-morph.oa") && anim.models.count >= 8);
     const int last = anim.models.count - 1;
     ASSERT_EQ(anim.frameTimes.count, anim.models.count);
-    ExpectMaterials(*anim.models[0], "42-morph.lib");
-    EXPECT_TRUE(anim.models[0]->meshes[0]->materialName.Compare(kDesktop));
+    EXPECT_TRUE(anim.models[0]->meshes[0]->materialName.Compare("Material001"));
     const auto mesh = [&](int frame, int m) -> const FXMesh& { return *anim.models[frame]->meshes[m]; };
     for (int f = 0; f <= last; ++f) {
         ASSERT_EQ(anim.models[f]->meshes.count, 2);
@@ -87,24 +67,6 @@ TEST(Morph, HasOneTopologyInTheVisibleDepthAndEndsAsTheDesktopPicture) {
     EXPECT_GE(textured, mesh(1, 1).vertexCount - 4);
     for (const tagFXVertex& v : Vertices(mesh(last - 1, 1)))
         EXPECT_TRUE(v.pos[0] == 0 && v.pos[1] == 0 && v.pos[2] < 0);
-}
-
-TEST(SunAndMedallion, NameMaterialsOfTheirLibraries) {
-    const std::tuple<const char*, const char*, float> rows[] = {// the farthest to the side
-                                                                {"04-medallion.om", "41-medallion.lib", 1.0f},
-                                                                {"11-sun-core.om", "40-sun.lib", 1.0f},
-                                                                {"13-shell-1.om", "40-sun.lib", 1.01f},
-                                                                {"15-shell-2.om", "40-sun.lib", 1.03f},
-                                                                {"17-shell-3.om", "40-sun.lib", 1.06f}};
-    for (const auto& [file, library, half] : rows) {
-        FXModel model;
-        ASSERT_TRUE(model.Load(Asset(file).c_str())) << file;
-        model.UpdateMeshes();
-        ExpectMaterials(model, library);
-        float box[6] = {};
-        model.FindMaxims(box);
-        EXPECT_TRUE(std::fabs(box[0] + half) < 1e-6f && std::fabs(box[1] - half) < 1e-6f) << file << box[1];
-    }
 }
 
 } // namespace

