@@ -78,9 +78,9 @@ TEST(Spline, PhasesFollowTheChords) {
 
 TEST(Spline, IsEvaluatedOverItsWholeLength) {
     FXBezierSpline spline;
-    Fill(&spline, {{0}, {1}, {3}}, {true, true});
-    const std::pair<float, float> kCases[] = {{0.5f, 3},     {1 / 3.0f, 2}, {1, 0}, {0, 0},
-                                              {0.75f, 1.5f}, {-1, 0},       {2, 0}, {std::nanf(""), 0}};
+    Fill(&spline, {{0}, {-1}, {1}}, {true, true}); // phases: 0, 0.25, 0.75
+    const std::pair<float, float> kCases[] = {{0.75f, 1},     {0.5f, 0}, {1, 0}, {0.125f, -0.5f},
+                                              {0.875f, 0.5f}, {-1, 0},   {2, 0}, {std::nanf(""), 0}};
     for (const auto& [phase, x] : kCases) { // in this order: the walk starts where the last one ended
         Point point;
         spline.GetAll(point.data(), phase);
