@@ -12,6 +12,7 @@
 #include <X11/keysym.h>
 #undef Picture
 
+#include <algorithm>
 #include <utility>
 
 struct Area {
