@@ -2,33 +2,24 @@
 
 FakeDesktop fakeDesktop;
 
-namespace {
-
-void Note(const std::string& call) {
-    fakeDesktop.calls += (fakeDesktop.calls.empty() ? "" : ", ") + call;
-}
-
-} // namespace
-
 bool fxDesktopCopy(int w, int h) {
-    Note("copy " + std::to_string(w) + "x" + std::to_string(h));
-    fakeDesktop.held = !fakeDesktop.copyFails;
-    return fakeDesktop.held;
+    fakeDesktop.calls += "copy " + std::to_string(w) + "x" + std::to_string(h);
+    return fakeDesktop.held = !fakeDesktop.copyFails;
 }
 
 bool fxDesktopLock(FXDesktopPixels* pixels) {
-    Note("lock");
+    fakeDesktop.calls += ", lock";
     *pixels = fakeDesktop.pixels;
     return !fakeDesktop.lockFails;
 }
 
 void fxDesktopUnlock() {
-    Note("unlock");
+    fakeDesktop.calls += ", unlock";
     fakeDesktop.held = false;
 }
 
 void fxDesktopRelease() {
-    Note("release");
+    fakeDesktop.calls += fakeDesktop.calls.empty() ? "release" : ", release";
     fakeDesktop.atRelease();
     fakeDesktop.held = false;
 }

@@ -6,17 +6,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 
-namespace {
-
-std::vector<std::string> keys; // opened; a handle is the place, from 1
-
-} // namespace
-
-LSTATUS RegOpenKeyA(HKEY root, const char* name, HKEY* key) {
-    return RegOpenKeyExA(root, name, 0, KEY_QUERY_VALUE, key);
-}
+FAKE(LSTATUS, RegOpenKeyA, (HKEY root, const char* name, HKEY* key),
+     RegOpenKeyExA(root, name, 0, KEY_QUERY_VALUE, key))
 
 LSTATUS RegOpenKeyExA(HKEY root, const char* name, DWORD, DWORD, HKEY* key) {
     const std::string prefix = std::string(name) + "\\";
@@ -24,13 +16,13 @@ LSTATUS RegOpenKeyExA(HKEY root, const char* name, DWORD, DWORD, HKEY* key) {
         fakeWin32.registry, [&](const auto& entry) { return entry.first.starts_with(prefix); });
     if (root != HKEY_CURRENT_USER || !known)
         return ERROR_FILE_NOT_FOUND;
-    keys.push_back(prefix);
-    *key = reinterpret_cast<HKEY>(static_cast<UINT_PTR>(keys.size()));
+    static std::set<std::string> opened;
+    *key = reinterpret_cast<HKEY>(const_cast<std::string*>(&*opened.insert(prefix).first));
     return ERROR_SUCCESS;
 }
 
 LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD*, DWORD*, BYTE* data, DWORD* size) {
-    const auto value = fakeWin32.registry.find(keys.at(reinterpret_cast<UINT_PTR>(key) - 1) + name);
+    const auto value = fakeWin32.registry.find(*reinterpret_cast<std::string*>(key) + name);
     if (value == fakeWin32.registry.end())
         return ERROR_FILE_NOT_FOUND;
     const DWORD room = *size;
@@ -48,34 +40,27 @@ HMODULE LoadLibraryA(const char* name) {
     if (const auto library = fakeWin32.libraries.find(name); library != fakeWin32.libraries.end())
         return static_cast<HMODULE>(dlopen(library->second, RTLD_NOW));
     const auto module = fakeWin32.modules.find(name);
-    const auto number = std::distance(fakeWin32.modules.begin(), module) + 1;
-    return module != fakeWin32.modules.end() ? reinterpret_cast<HMODULE>(number) : nullptr;
+    return module != fakeWin32.modules.end() ? reinterpret_cast<HMODULE>(&module->second) : nullptr;
 }
 
 FARPROC GetProcAddress(HMODULE module, const char* name) {
-    const auto number = reinterpret_cast<UINT_PTR>(module);
-    if (number > fakeWin32.modules.size())
-        return reinterpret_cast<FARPROC>(dlsym(module, name));
-    const auto& entries =
-        std::next(fakeWin32.modules.begin(), static_cast<std::ptrdiff_t>(number) - 1)->second;
-    const auto entry = entries.find(name);
-    return entry != entries.end() ? entry->second : nullptr;
+    for (auto& [file, entries] : fakeWin32.modules)
+        if (module == reinterpret_cast<HMODULE>(&entries))
+            return entries.contains(name) ? entries[name] : nullptr;
+    return reinterpret_cast<FARPROC>(dlsym(module, name));
 }
 
 FAKE(BOOL, FreeLibrary, (HMODULE module), module != nullptr, "FreeLibrary(%s)", module ? "module" : "null")
 
-DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
-    return static_cast<DWORD>(std::snprintf(buffer, size, "/start"));
-}
+FAKE(DWORD, GetCurrentDirectoryA, (DWORD size, char* buffer),
+     static_cast<DWORD>(std::snprintf(buffer, size, "/start")))
 FAKE(BOOL, SetCurrentDirectoryA, (const char* path), !FakeFails("SetCurrentDirectoryA"),
      "SetCurrentDirectoryA(%s)", path)
 FAKE(BOOL, CreateDirectoryA, (const char* path, void*), TRUE, "CreateDirectoryA(%s)", path)
 FAKE(DWORD, GetFileAttributesA, (const char*), INVALID_FILE_ATTRIBUTES)
 
-HRESULT SHGetFolderPathA(HWND, int folder, HANDLE, DWORD, char* path) {
-    std::snprintf(path, MAX_PATH, "C:\\Folder%d", folder);
-    return 0;
-}
+FAKE(HRESULT, SHGetFolderPathA, (HWND, int folder, HANDLE, DWORD, char* path),
+     std::snprintf(path, MAX_PATH, "C:\\Folder%d", folder) < 0)
 FAKE(HINSTANCE, ShellExecuteA, (HWND, const char* verb, const char* file, const char*, const char*, int show),
      nullptr, "ShellExecuteA(%s, %s, %d)", verb, file, show)
 
@@ -84,10 +69,7 @@ FAKE(HANDLE, GetCurrentProcess, (), nullptr)
 FAKE(BOOL, SetPriorityClass, (HANDLE, DWORD priority), TRUE, "SetPriorityClass(0x%x)", priority)
 FAKE(BOOL, SetThreadPriority, (HANDLE, int), TRUE)
 
-BOOL GetVersionExA(OSVERSIONINFOA* version) {
-    version->dwPlatformId = fakeWin32.platform;
-    return version->dwOSVersionInfoSize == 148;
-}
-
+FAKE(BOOL, GetVersionExA, (OSVERSIONINFOA * version),
+     (version->dwPlatformId = fakeWin32.platform, version->dwOSVersionInfoSize == 148))
 FAKE(BOOL, SystemParametersInfoA, (UINT action, UINT parameter, void*, UINT), TRUE,
      "SystemParametersInfoA(%u, %u)", action, parameter)

@@ -92,10 +92,9 @@ FAKE(BOOL, ShowWindow, (HWND, int show), TRUE, "ShowWindow(%d)", show)
 FAKE(BOOL, UpdateWindow, (HWND), TRUE, "UpdateWindow()")
 FAKE(BOOL, ValidateRect, (HWND, const RECT*), TRUE, "ValidateRect()")
 FAKE(BOOL, GetClientRect, (HWND, RECT* area), (*area = fakeWin32.clientArea, TRUE))
-BOOL GetWindowRect(HWND window, RECT* area) {
-    const auto at = fakeWin32.windowAreas.find(window);
-    return *area = at != fakeWin32.windowAreas.end() ? at->second : fakeWin32.clientArea, TRUE;
-}
+FAKE(BOOL, GetWindowRect, (HWND window, RECT* area),
+     (*area = fakeWin32.windowAreas.contains(window) ? fakeWin32.windowAreas[window] : fakeWin32.clientArea,
+      TRUE))
 FAKE(HWND, SetParent, (HWND, HWND parent), std::exchange(fakeWin32.parent, parent), "SetParent(0x%x)",
      Number(parent))
 FAKE(HWND, GetForegroundWindow, (), fakeWin32.foreground)
@@ -123,9 +122,8 @@ BOOL GetMessageA(MSG* message, HWND, UINT, UINT) {
 
 FAKE(BOOL, TranslateMessage, (const MSG*), FALSE)
 
-LRESULT DispatchMessageA(const MSG* message) {
-    return SendMessageA(message->hwnd, message->message, message->wParam, message->lParam);
-}
+FAKE(LRESULT, DispatchMessageA, (const MSG* message),
+     SendMessageA(message->hwnd, message->message, message->wParam, message->lParam))
 
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     NoteFakeCall("PostMessageA(0x%x)", message);
@@ -134,9 +132,8 @@ BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     return Lives(window);
 }
 
-LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return Lives(window) && classProc != nullptr ? classProc(window, message, wParam, lParam) : 0;
-}
+FAKE(LRESULT, SendMessageA, (HWND window, UINT message, WPARAM wParam, LPARAM lParam),
+     Lives(window) && classProc != nullptr ? classProc(window, message, wParam, lParam) : 0)
 
 void PostQuitMessage(int exitCode) {
     NoteFakeCall("PostQuitMessage(%d)", exitCode);

@@ -35,7 +35,7 @@ CONSTANTS(GL_LEQUAL, GL_GREATER, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_FRONT,
           GL_SEPARATE_SPECULAR_COLOR, GL_TEXTURE0, GL_TEXTURE1)
 #undef CONSTANTS
 
-std::mutex mutex; // of the three below
+std::recursive_mutex mutex; // of the three below
 std::vector<std::string> calls;
 std::set<GLuint> textures;
 GLuint lastTexture = 0;
@@ -86,11 +86,9 @@ std::string Pixels(const void* bytes, GLsizei width, GLsizei height) {
 }
 
 template <class... Arguments> void Note(const char* function, const Arguments&... arguments) {
-    std::string call = std::string(function) + "(";
-    ((call += Text(arguments), call += ','), ...);
-    if (call.back() == ',')
-        call.pop_back();
-    call += ')';
+    std::string call;
+    ((call += "," + Text(arguments)), ...);
+    call = std::string(function) + "(" + call.substr(call.empty() ? 0 : 1) + ")";
     const std::lock_guard lock(mutex);
     if (!nullMode)
         calls.push_back(std::move(call));
@@ -148,13 +146,12 @@ void GLRecorder::Reset() {
 }
 
 PROC wglGetProcAddress(const char* name) {
-    const std::string_view wanted = name;
-    if (wanted == driver.missing)
-        return nullptr;
-    return wanted == "glActiveTexture"      ? std::bit_cast<PROC>(&ActiveTexture)
-           : wanted == "glMultiTexCoord2f"  ? std::bit_cast<PROC>(&MultiTexCoord2f)
-           : wanted == "glMultiTexCoord2fv" ? std::bit_cast<PROC>(&MultiTexCoord2fv)
-                                            : nullptr;
+    const std::pair<std::string_view, PROC> known[] = {
+        {"glActiveTexture", std::bit_cast<PROC>(&ActiveTexture)},
+        {"glMultiTexCoord2f", std::bit_cast<PROC>(&MultiTexCoord2f)},
+        {"glMultiTexCoord2fv", std::bit_cast<PROC>(&MultiTexCoord2fv)}};
+    const auto* found = std::ranges::find(known, name, &std::pair<std::string_view, PROC>::first);
+    return found == std::end(known) || found->first == driver.missing ? nullptr : found->second;
 }
 
 extern "C" {
@@ -221,16 +218,14 @@ RECORD(glPixelStorei, (GLenum parameter, GLint value), Name(parameter), value)
 
 // The product makes and deletes one at a time.
 void GLAPIENTRY glGenTextures(GLsizei, GLuint* name) {
-    {
-        const std::lock_guard lock(mutex);
-        textures.insert(*name = ++lastTexture);
-    }
+    const std::lock_guard lock(mutex);
+    textures.insert(*name = ++lastTexture);
     Note("glGenTextures", 1, *name);
 }
 void GLAPIENTRY glDeleteTextures(GLsizei, const GLuint* name) {
-    Note("glDeleteTextures", 1, *name);
     const std::lock_guard lock(mutex);
     textures.erase(*name);
+    Note("glDeleteTextures", 1, *name);
 }
 void GLAPIENTRY glTexImage2D(GLenum target, GLint level, GLint components, GLsizei width, GLsizei height,
                              GLint border, GLenum format, GLenum type, const void* pixels) {

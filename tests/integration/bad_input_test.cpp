@@ -9,19 +9,18 @@ namespace {
 const std::string kHomeTrace = ".local/state/tamblor/tamb.log"; // the home folder is the data folder
 const std::string kUnopened = "tamb.dat cannot be opened: No such file or directory";
 
+// Files are in the data folder.
 struct Case {
     const char* what;
     Environment environment;
-    std::vector<const char*> missing, folders; // taken from the data folder, and made there
-    std::string words;                         // $/ stands for the data folder, @/ for the current one
+    std::string missing, folder; // the one is taken away, the other made a folder
+    std::string words;           // $/ stands for the data folder, @/ for the current one
     std::string trace = "tamb.log";
-    std::string file = "", bytes = ""; // put into the data folder
+    std::string file = "", bytes = ""; // a file to write
 };
 
 class BadInput : public ShowFixture {
 protected:
-    BadInput() : ShowFixture(320, 240) {}
-
     // The show runs (the desktop fades as it should) and ends with a key. The words are all that it said, and
     // in the trace they are an error.
     void ExpectAShow(const Case& c) {
@@ -36,10 +35,9 @@ protected:
         };
         for (const auto& [name, value] : c.environment)
             one.environment[name] = whole(value);
-        for (const char* name : c.missing)
-            fs::remove(one.data.File(name));
-        for (const char* name : c.folders)
-            fs::create_directories(one.data.File(name));
+        if (!c.missing.empty())
+            fs::remove(one.data.File(c.missing));
+        fs::create_directories(one.data.File(c.folder));
         if (!c.file.empty()) {
             fs::create_directories(fs::path(one.data.File(c.file)).parent_path());
             one.data.Write(c.file, whole(c.bytes));
@@ -68,7 +66,7 @@ TEST_F(BadInput, AnyPackageWillDo) {
     const std::string damaged =
         "package $/tamb.dat is damaged or ends too early: some of its entries are missing";
     const auto package = [&](const char* what, const std::string& words, const std::string& bytes) {
-        ExpectAShow({what, {}, {"tamb.dat"}, {}, words, "tamb.log", "tamb.dat", bytes});
+        ExpectAShow({what, {}, "tamb.dat", "", words, "tamb.log", "tamb.dat", bytes});
     };
     package("text", "package $/tamb.dat is not a Tamblor package", "This was never meant to be a package.");
     package("counts near 2^31", damaged, Header("pck01") + Ints({INT_MAX, 18, INT_MAX, INT_MAX}));
@@ -79,32 +77,19 @@ TEST_F(BadInput, AnyPackageWillDo) {
 TEST_F(BadInput, WhatIsMissingIsNamedAndNothingIsWrittenElsewhere) {
     const std::string none =
         "data folder /no/such/folder: there is no such folder\ntamblor: package @/" + kUnopened;
-    const std::string settings = "config/tamblor/tamblor.conf";
+    const std::string conf = "config/tamblor/tamblor.conf";
+    const std::string mistake =
+        "configuration: $/" + conf + ":1: path must be a whole path, beginning with / or ~/";
+    const std::string folder = "package $/tamb.dat cannot be read: Is a directory";
     const Case cases[] = {
-        {"no package", {}, {"tamb.dat"}, {}, "package $/" + kUnopened},
-        {"a folder for a package",
-         {},
-         {"tamb.dat"},
-         {"tamb.dat"},
-         "package $/tamb.dat cannot be read: Is a directory"},
-        {"no data folder", {{"TAMBLOR_DATA", "/no/such/folder"}}, {}, {}, none, kHomeTrace},
-        {"nothing can be written there",
-         {{"TAMBLOR_DATA", "/proc"}},
-         {},
-         {},
-         "package /proc/" + kUnopened,
-         kHomeTrace},
-        {"a folder for a trace", {{"XDG_STATE_HOME", "state"}}, {}, {"tamb.log"}, "", kHomeTrace},
-        {"a state folder", {{"XDG_STATE_HOME", "$/my"}}, {}, {"tamb.log"}, "", "my/tamblor/tamb.log"},
-        {"settings", {{"TAMBLOR_DATA", ""}}, {}, {}, "", "tamb.log", settings, "# mine\npath = $/\n"},
-        {"bad settings",
-         {},
-         {},
-         {},
-         "configuration: $/" + settings + ":1: path must be a whole path, beginning with / or ~/",
-         "tamb.log",
-         settings,
-         "path = relative/folder\n\x01garbage\n"},
+        {"no package", {}, "tamb.dat", "", "package $/" + kUnopened},
+        {"a folder for a package", {}, "tamb.dat", "tamb.dat", folder},
+        {"no data folder", {{"TAMBLOR_DATA", "/no/such/folder"}}, "", "", none, kHomeTrace},
+        {"not to be written", {{"TAMBLOR_DATA", "/proc"}}, "", "", "package /proc/" + kUnopened, kHomeTrace},
+        {"a folder for a trace", {{"XDG_STATE_HOME", "state"}}, "", "tamb.log", "", kHomeTrace},
+        {"a state folder", {{"XDG_STATE_HOME", "$/my"}}, "", "tamb.log", "", "my/tamblor/tamb.log"},
+        {"settings", {{"TAMBLOR_DATA", ""}}, "", "", "", "tamb.log", conf, "# mine\npath = $/\n"},
+        {"bad settings", {}, "", "", mistake, "tamb.log", conf, "path = relative/folder\n\x01garbage\n"},
     };
     for (const Case& c : cases)
         ExpectAShow(c);

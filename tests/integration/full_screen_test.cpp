@@ -1,26 +1,18 @@
-// The show on a whole screen: what it covers, what ends it, and what it writes down.
+// Which command line does what, and the show on a whole screen: what it covers, what ends it, what it writes
+// down.
 #include "integration/saver_process.h"
 
 #include <regex>
 
 namespace {
 
-constexpr int kWidth = 640;
-constexpr int kHeight = 480;
-
-class FullScreen : public ShowFixture {
-protected:
-    FullScreen() : ShowFixture(kWidth, kHeight) {}
-
-    void StartAndSeeFrames() {
-        ASSERT_NO_FATAL_FAILURE(Start());
-        ASSERT_TRUE(saver.SeeFrames(display)) << "nothing was drawn";
-    }
-};
+class FullScreen : public ShowFixture {};
 
 TEST_F(FullScreen, CoversTheScreenHidesThePointerAndEndsWithAnyKey) {
-    for (const KeySym key : {XK_space, XK_Shift_L, XK_F10, XK_Escape}) {
-        Start();
+    for (const auto& [line, key] :
+         {std::pair{"/s", XK_space}, {"-S", XK_Shift_L}, {"s", XK_F10}, {"/s", XK_Escape}}) {
+        saver.Start(display, {line});
+        ASSERT_TRUE(saver.WaitUntilShown(display)) << line;
         EXPECT_TRUE(display.WaitForHiddenCursor());
         ExpectAKeyEndsIt(key);
     }
@@ -29,7 +21,8 @@ TEST_F(FullScreen, CoversTheScreenHidesThePointerAndEndsWithAnyKey) {
 
 TEST_F(FullScreen, TheMouseDoesNothingForFourSecondsAndClosesAfter) {
     for (const bool byButton : {true, false}) {
-        StartAndSeeFrames();
+        Start();
+        ASSERT_TRUE(saver.SeeFrames(display));
         saver.SetClock(4000);
         display.MovePointer(20, 20);
         display.ClickButton(1);
@@ -43,20 +36,21 @@ TEST_F(FullScreen, TheMouseDoesNothingForFourSecondsAndClosesAfter) {
 TEST_F(FullScreen, TheFirstFrameShowsTheDesktopPixelForPixel) {
     // Before the saver draws, its window shows the desktop too: so frames are seen to fade it first. Turned
     // back to the start, the clock makes every frame the first one.
-    StartAndSeeFrames();
+    Start();
+    ASSERT_TRUE(saver.SeeFrames(display));
     saver.SetClock(0);
-    EXPECT_TRUE(
-        display.WaitForPixel(kWidth / 2, kHeight / 2, display.DesktopPixel(kWidth / 2, kHeight / 2), 3));
+    const int width = display.width, size = width * display.height;
+    EXPECT_TRUE(display.WaitForPixel(160, 120, display.DesktopPixel(160, 120), 3));
     const ScreenPicture picture = display.Photograph();
     int worst = 0, different = 0;
-    for (int i = 0; i < kWidth * kHeight; ++i) {
-        const int x = i % kWidth, y = i / kWidth;
-        const int distance = ChannelDistance(picture.At(x, y), display.DesktopPixel(x, y));
+    for (int i = 0; i < size; ++i) {
+        const int distance =
+            ChannelDistance(picture.At(i % width, i / width), display.DesktopPixel(i % width, i / width));
         worst = std::max(worst, distance);
         different += distance > 1;
     }
     EXPECT_LE(worst, 3);
-    EXPECT_LE(different, kWidth * kHeight / 1000);
+    EXPECT_LE(different, size / 1000);
 }
 
 TEST_F(FullScreen, TheTraceFileHoldsTheStartUpFacts) {
@@ -70,6 +64,40 @@ TEST_F(FullScreen, TheTraceFileHoldsTheStartUpFacts) {
                            "unload devil\n$");
     EXPECT_TRUE(std::regex_match(saver.Trace(), whole)) << saver.Trace();
     EXPECT_EQ(saver.Errors(), "");
+}
+
+class Modes : public ShowFixture {};
+
+TEST_F(Modes, NoneOfTheseShowsAWindowAndEachSaysWhy) {
+    const std::string noWindow = "tamblor: there is no window ",
+                      nothing = "tamblor: there is nothing to set up";
+    const std::string noNumber = "tamblor: the preview needs the number of a window, as in /p 1234\n";
+    const std::pair<std::vector<std::string>, std::string> lines[] = {
+        {{}, nothing},          // there is no settings dialog
+        {{"/c:1234"}, nothing}, // as the settings panel asks
+        {{"-q"}, nothing},      // no known letter
+        {{"/p"}, noNumber},     // preview without a window
+        {{"/p", "99999999"}, noWindow + "99999999\n"},
+        {{"/p", "0xFfffff"}, noWindow + "16777215\n"}, // as X tools write it
+        {{"p0Xffffffff"}, noWindow + "4294967295\n"},
+        {{"/p", "0x100000000"}, noWindow + "0\n"},     // beyond any window's: left as it is
+        {{"/p", "0xfffffg"}, noWindow + "0\n"},        // not hexadecimal
+        {{"/p", "12", "0xffffff"}, noWindow + "12\n"}, // not behind the switch
+        {{"/a"}, ""},                                  // no password provider on this system
+        {{"-A", "0xffffff"}, noWindow + "16777215\n"},
+        {{"register_scrsaver"}, "tamblor: the system has no way to install"},
+    };
+    const bool says = SaverName("/") == "/"; // Windows has words of its own
+    for (const auto& [line, words] : lines) {
+        saver.Start(display, line);
+        const std::string shown = line.empty() ? "(nothing)" : line.back();
+        EXPECT_EQ(saver.WaitForExit(), 0) << shown;
+        EXPECT_TRUE(display.VisibleWindows().empty()) << shown;
+        EXPECT_EQ(saver.Trace(), "") << shown;
+        const bool whole = words.empty() || words.ends_with('\n');
+        EXPECT_TRUE(!says || (whole ? saver.Errors() == words : saver.Errors().starts_with(words)))
+            << shown << ": " << saver.Errors();
+    }
 }
 
 } // namespace

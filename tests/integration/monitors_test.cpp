@@ -1,6 +1,8 @@
-// Several monitors, and monitors and windows that change their size under the show. The clock stands at the
-// first frame, which is the photograph of the primary monitor stretched over the window.
+// Several monitors, and monitors and windows that change their size under the show, and the preview. The
+// clock stands at the first frame, which is the photograph of the primary monitor stretched over the window.
 #include "integration/saver_process.h"
+
+#include <sstream>
 
 namespace {
 
@@ -73,32 +75,31 @@ TEST_F(Monitors, TheShowFollowsAScreenThatGrowsAndShrinks) {
     ExpectAKeyEndsIt();
 }
 
-TEST_F(Monitors, AMoveOnABlackMonitorCounts) {
-    display.SetMonitor("left", kLeft, true);
-    display.SetMonitor("right", kRight, false);
-    Start();
-    ASSERT_TRUE(saver.SeeFrames(display, 160, 240));
-    saver.SetClock(4001);
-    display.MovePointer(630, 10);
-    EXPECT_EQ(saver.WaitForExit(), 0);
-}
-
-TEST_F(Monitors, APreviewFollowsItsParent) {
-    constexpr Area kBefore = {100, 80, 152, 112};
-    const Window parent = display.ShowWindow(kBefore);
-    saver.Start(display, {"/p", std::to_string(parent)});
-    EXPECT_TRUE(display.WaitForPixel(kBefore.x + 30, kBefore.y + 90, 0x000000, 40, true));
-    const ScreenPicture before = display.Photograph(parent, {0, 0, kBefore.width, kBefore.height});
-    XResizeWindow(display.connection, parent, 2 * kBefore.width, 2 * kBefore.height);
+TEST_F(Monitors, APreviewLiesInItsParentAndFollowsIt) {
+    constexpr Area kPane = {0, 0, 152, 112};
+    const Window parent = display.ShowWindow({100, 80, kPane.width, kPane.height});
+    std::ostringstream number; // as X tools write it
+    number << std::hex << std::showbase << parent;
+    saver.Start(display, {"/p", number.str()});
+    // The parent is black, the still is not: its sun stands at the lower left.
+    EXPECT_TRUE(display.WaitForPixel(130, 170, 0x000000, 40, true));
+    EXPECT_EQ(display.VisibleWindows().size(), 1u) << "the saver has no window of its own on the screen";
+    for (const auto& [x, y] : {std::pair{99, 100}, {252, 100}, {150, 79}, {150, 192}})
+        EXPECT_LE(ChannelDistance(display.PixelAt(x, y), display.DesktopPixel(x, y)), 1) << x << "," << y;
+    const ScreenPicture before = display.Photograph(parent, kPane);
+    XResizeWindow(display.connection, parent, 2 * kPane.width, 2 * kPane.height);
     EXPECT_TRUE(Eventually([&] { // until it is the same still at twice the size
-        const ScreenPicture after = display.Photograph(parent, {0, 0, 2 * kBefore.width, 2 * kBefore.height});
+        const ScreenPicture after = display.Photograph(parent, {0, 0, 2 * kPane.width, 2 * kPane.height});
         int sum = 0;
-        for (int y = 0; y < kBefore.height; ++y)
-            for (int x = 0; x < kBefore.width; ++x)
-                sum += ChannelDistance(before.At(x, y), after.At(2 * x, 2 * y));
-        return sum <= 12 * kBefore.width * kBefore.height;
+        for (int i = 0; i < kPane.width * kPane.height; ++i)
+            sum += ChannelDistance(before.pixels[static_cast<std::size_t>(i)],
+                                   after.At(2 * (i % kPane.width), 2 * (i / kPane.width)));
+        return sum <= 12 * kPane.width * kPane.height;
     }));
-    EXPECT_TRUE(saver.Running());
+    ExpectAPreviewIgnoresInput();
+    display.DestroyWindow(parent);
+    EXPECT_EQ(saver.WaitForExit(), 0) << "it goes with its parent";
+    EXPECT_EQ(saver.Errors(), "");
 }
 
 } // namespace

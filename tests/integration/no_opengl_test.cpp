@@ -3,12 +3,10 @@
 
 namespace {
 
-constexpr Area kScreen = {0, 0, 320, 240};
-
 // With true, the server knows nothing of OpenGL, else there is no driver.
 class NoOpenGL : public ShowFixture, public testing::WithParamInterface<bool> {
 protected:
-    NoOpenGL() : ShowFixture(kScreen.width, kScreen.height, GetParam() ? "GLX" : nullptr) {
+    NoOpenGL() : ShowFixture(320, 240, GetParam() ? "GLX" : nullptr) {
         if (!GetParam())
             saver.environment["LIBGL_DRIVERS_PATH"] = "/no/such/folder";
     }
@@ -25,7 +23,7 @@ protected:
 TEST_P(NoOpenGL, TheWholeScreenIsBlackUntilInputEndsIt) {
     for (const bool byKey : {true, false}) {
         saver.Start(display, {"/s"});
-        EXPECT_TRUE(display.WaitForBlack(kScreen));
+        EXPECT_TRUE(display.WaitForBlack({0, 0, 320, 240}));
         EXPECT_TRUE(display.WaitForHiddenCursor());
         saver.SetClock(4000);
         display.MovePointer(20, 20);

@@ -62,14 +62,11 @@ public:
         };
         return display.WaitForWindow() != 0 && Eventually(draws);
     }
-    // Lets the clock run from its start until the desktop at that place, else at the screen's centre, begins
-    // to fade: frames are drawn, and their first stage lasts a second more at least. False when that does not
-    // happen.
-    bool SeeFrames(const VirtualDisplay& display, int x = -1, int y = -1) const {
+    // Lets the clock run from its start until the desktop at that place begins to fade: frames are drawn, and
+    // their first stage lasts a second more at least. False when that does not happen.
+    bool SeeFrames(const VirtualDisplay& display, int x = 160, int y = 120) const {
         constexpr std::uint32_t kStep = 40; // a slow machine may take longer for a frame, and miss some
         constexpr std::uint32_t kMost = 20000;
-        x = x < 0 ? display.width / 2 : x;
-        y = y < 0 ? display.height / 2 : y;
         for (std::uint32_t ms = 0; ms < kMost; ms += kStep) {
             SetClock(ms);
             usleep(kStep * 1000);
@@ -99,7 +96,8 @@ private:
 
 class ShowFixture : public testing::Test {
 protected:
-    ShowFixture(int width, int height, const char* lacks = nullptr) : display(width, height, lacks) {}
+    ShowFixture(int width = 320, int height = 240, const char* lacks = nullptr)
+        : display(width, height, lacks) {}
     void SetUp() override { ASSERT_NE(display.connection, nullptr); }
 
     void Start() {

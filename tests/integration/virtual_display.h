@@ -13,6 +13,7 @@
 #undef Picture
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 struct Area {
@@ -75,8 +76,7 @@ public:
     Window Root() const { return DefaultRootWindow(connection); }
     void Sync() const { XSync(connection, False); }
 
-    // What the desktop shows at a pixel: smooth ramps with a fine pattern, so that a shift by one pixel is
-    // seen.
+    // What the desktop shows: smooth ramps with a fine pattern, so that a shift by one pixel is seen.
     std::uint32_t DesktopPixel(int left, int top) const {
         const auto ramp = [](int at, int size) { return static_cast<std::uint32_t>(40 + at * 160 / size); };
         const std::uint32_t fine = (left / 4 + top / 4) % 2 ? 40u : 0u;
@@ -85,15 +85,15 @@ public:
     ScreenPicture Photograph() const { return Photograph(Root(), {0, 0, width, height}); }
     // Of a window's own picture, also where it lies outside of the screen.
     ScreenPicture Photograph(Window window, const Area& area) const {
-        const auto [w, h] = std::pair{static_cast<unsigned>(area.width), static_cast<unsigned>(area.height)};
-        ScreenPicture picture{area.width, std::vector<std::uint32_t>(std::size_t{w} * h)};
-        XImage* image = XGetImage(connection, window, area.x, area.y, w, h, AllPlanes, ZPixmap);
-        for (unsigned i = 0; image != nullptr && i < w * h; ++i)
-            picture.pixels[i] = static_cast<std::uint32_t>(
-                                    XGetPixel(image, static_cast<int>(i % w), static_cast<int>(i / w))) &
-                                0xFFFFFFu;
-        if (image != nullptr)
+        const unsigned w = static_cast<unsigned>(area.width), h = static_cast<unsigned>(area.height);
+        ScreenPicture picture{area.width,
+                              std::vector<std::uint32_t>(std::size_t{w} * h, 0xFFFFFF)}; // when it fails
+        if (XImage* image = XGetImage(connection, window, area.x, area.y, w, h, AllPlanes, ZPixmap)) {
+            std::memcpy(picture.pixels.data(), image->data, 4 * picture.pixels.size());
             XDestroyImage(image);
+        }
+        for (std::uint32_t& pixel : picture.pixels)
+            pixel &= 0xFFFFFFu;
         return picture;
     }
     std::uint32_t PixelAt(int left, int top) const { return Photograph(Root(), {left, top, 1, 1}).At(0, 0); }
@@ -152,13 +152,6 @@ public:
         }
         return 0;
     }
-    bool HasFocus(Window window) const {
-        Window focus = None;
-        int revert = 0;
-        XGetInputFocus(connection, &focus, &revert);
-        return focus == window;
-    }
-
     void PressKey(KeySym key) const {
         TurnKey(key, true);
         TurnKey(key, false);
@@ -219,20 +212,20 @@ public:
         DeleteMonitor(name);
         int count = 0;
         XRRMonitorInfo* before = XRRGetMonitors(connection, Root(), True, &count);
-        const RROutput output = before != nullptr && before->automatic != 0 ? before->outputs[0] : None;
+        RROutput output = before != nullptr && before->automatic != 0 ? before->outputs[0] : None;
         XRRFreeMonitors(before);
-        XRRMonitorInfo* info = XRRAllocateMonitor(connection, output != None ? 1 : 0);
-        if (output != None)
-            info->outputs[0] = output;
-        info->name = XInternAtom(connection, name, False);
-        info->primary = primary;
-        info->x = area.x;
-        info->y = area.y;
-        info->width = area.width;
-        info->height = area.height;
-        info->mwidth = info->mheight = 100;
-        XRRSetMonitor(connection, Root(), info);
-        XRRFreeMonitors(info);
+        XRRMonitorInfo info = {XInternAtom(connection, name, False),
+                               primary,
+                               False,
+                               output != None ? 1 : 0,
+                               area.x,
+                               area.y,
+                               area.width,
+                               area.height,
+                               100,
+                               100,
+                               &output};
+        XRRSetMonitor(connection, Root(), &info);
         Sync();
     }
     void DeleteMonitor(const char* name) const {
@@ -269,7 +262,7 @@ private:
         std::vector<std::uint32_t> pixels;
         for (int i = 0; i < width * height; ++i)
             pixels.push_back(DesktopPixel(i % width, i / width));
-        const auto [w, h] = std::pair{static_cast<unsigned>(width), static_cast<unsigned>(height)};
+        const unsigned w = static_cast<unsigned>(width), h = static_cast<unsigned>(height);
         const Pixmap pixmap = XCreatePixmap(connection, Root(), w, h, 24);
         XImage* image = XCreateImage(connection, DefaultVisual(connection, screen), 24, ZPixmap, 0,
                                      reinterpret_cast<char*>(pixels.data()), w, h, 32, 0);

@@ -2,6 +2,7 @@
 #include "platform/paths.h"
 #include "platform/random.h"
 #include "platform/threads.h"
+#include "platform/trace.h"
 #include "unit/temp_folder.h"
 #include "win32/win32.h"
 
@@ -141,6 +142,44 @@ TEST(Paths, EndWithTheSeparatorTheyUse) {
     }
     EXPECT_STREQ(fxGetActPath(), ".\\");
     fs::current_path(start);
+}
+
+const std::string kLine = std::string(48, '-') + "\n";
+
+class Trace : public testing::Test {
+protected:
+    Trace() {
+        fxSetTickSource([] { return 40000001u; }); // a millisecond that single precision cannot hold
+    }
+    ~Trace() override {
+        fxCloseTraces();
+        fxSetTickSource(nullptr);
+    }
+
+    TempFolder folder_;
+    std::string name_ = folder_.File("tamb.log");
+    std::string banner_ = kLine + " fxOpenTraces (filename:" + name_ + ")\n" + kLine + "\n";
+};
+
+TEST_F(Trace, WritesEachEntryAtOnceIntoTheFirstFileUntilItIsClosed) {
+    err("nobody hears %d\n", 1);
+    EXPECT_FALSE(fxOpenTraces(folder_.File("no/such/folder").c_str()));
+    EXPECT_FALSE(fxTracesOpened());
+    folder_.Write("tamb.log", "an old trace");
+    ASSERT_TRUE(fxOpenTraces(name_.c_str()));
+    trc("started %s\n", "well");
+    err("%s", std::string(5000, 'b').c_str());
+    char prefix[64];
+    std::snprintf(prefix, sizeof prefix, "%08x: [40000.000] ", static_cast<unsigned>(GetCurrentThreadId()));
+    std::string whole = banner_ + prefix + "started well\n#ERROR: " + prefix + std::string(4096, 'b');
+    EXPECT_EQ(folder_.Read("tamb.log"), whole);
+    EXPECT_FALSE(fxOpenTraces("other.log"));
+    whole += kLine + "fxOpenTraces - attempt to open another traces\n               (filename:other.log)\n" +
+             kLine + "\n";
+    EXPECT_EQ(folder_.Read("tamb.log"), whole);
+    fxCloseTraces();
+    trc("nobody hears\n");
+    EXPECT_EQ(folder_.Read("tamb.log"), whole + "\n" + kLine + " end of traces\n" + kLine + "\n");
 }
 
 } // namespace

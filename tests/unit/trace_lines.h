@@ -17,15 +17,11 @@ public:
 
     // What was written up to now, e.g. {"loading devil", "#ERROR: failed"}.
     std::vector<std::string> Lines() const {
-        const std::string error = "#ERROR: ";
         std::vector<std::string> lines;
         std::istringstream log(folder_.Read("trace"));
-        for (std::string line; std::getline(log, line);) {
-            const std::size_t time = line.find(": [");
-            const std::size_t text = line.find("] ");
-            if (time != std::string::npos && text != std::string::npos)
-                lines.push_back((line.starts_with(error) ? error : "") + line.substr(text + 2));
-        }
+        for (std::string line; std::getline(log, line);)
+            if (const std::size_t text = line.find("] "); text != std::string::npos)
+                lines.push_back((line.starts_with("#ERROR: ") ? "#ERROR: " : "") + line.substr(text + 2));
         return lines;
     }
 

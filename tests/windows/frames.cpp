@@ -22,15 +22,10 @@ constexpr double kFirstFrame = 1000;
 constexpr unsigned kSeed = 5;
 DWORD showTicks = 0;
 
-void DrawAt(double seconds, bool visible) {
+void DrawAt(double seconds) {
     showTicks = static_cast<DWORD>(std::lround((kFirstFrame + seconds) * 1000));
     show::gr.SetAct(true);
-    if (!visible) { // computed whole, but fills one pixel
-        glEnable(GL_SCISSOR_TEST);
-        glScissor(0, 0, 1, 1);
-    }
     show::sc.OnRender(&show::gr, fxGetTime());
-    glDisable(GL_SCISSOR_TEST);
     glFinish();
     show::gr.SetAct(false);
 }
@@ -83,8 +78,8 @@ int main(int count, char** words) {
     for (int i = 3; i < count; ++i) {
         const double wanted = std::atof(words[i]);
         for (; next < wanted - 1e-9; next += step)
-            DrawAt(next, false);
-        DrawAt(wanted, true);
+            DrawAt(next);
+        DrawAt(wanted);
         next = std::max(next, wanted + step);
         ShowUntilSeen(folder, i - 2);
     }

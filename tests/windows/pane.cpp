@@ -14,18 +14,6 @@ template <class... Values> void Write(const char* file, const char* format, Valu
     }
 }
 
-void TellOfChild(HWND pane) {
-    const HWND child = GetWindow(pane, GW_CHILD);
-    if (child == nullptr || IsWindowVisible(child) == FALSE)
-        return;
-    char name[64] = "";
-    RECT area = {};
-    GetClassNameA(child, name, sizeof name);
-    GetWindowRect(child, &area);
-    MapWindowPoints(nullptr, pane, reinterpret_cast<POINT*>(&area), 2);
-    Write("child", "%s %ld,%ld %ld,%ld\n", name, area.left, area.top, area.right, area.bottom);
-}
-
 } // namespace
 
 int main() {
@@ -46,7 +34,15 @@ int main() {
     while (GetFileAttributesA("end") == INVALID_FILE_ATTRIBUTES) {
         for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;)
             DispatchMessageA(&message);
-        TellOfChild(pane);
+        if (const HWND child = GetWindow(pane, GW_CHILD);
+            child != nullptr && IsWindowVisible(child) != FALSE) {
+            char name[64] = "";
+            RECT area = {};
+            GetClassNameA(child, name, sizeof name);
+            GetWindowRect(child, &area);
+            MapWindowPoints(nullptr, pane, reinterpret_cast<POINT*>(&area), 2);
+            Write("child", "%s %ld,%ld %ld,%ld\n", name, area.left, area.top, area.right, area.bottom);
+        }
         Sleep(20);
     }
     DestroyWindow(panel);

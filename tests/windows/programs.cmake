@@ -1,14 +1,3 @@
-# Our own declarations of what the product calls, beside the system's: this builds only where they agree.
-set(CHECKS ${CMAKE_CURRENT_BINARY_DIR}/declaration_checks.cpp)
-add_custom_command(OUTPUT ${CHECKS}
-    COMMAND ${CMAKE_COMMAND} -DHEADER=${CMAKE_SOURCE_DIR}/src/win32/win32.h -DOUTPUT=${CHECKS}
-        -P ${CMAKE_CURRENT_SOURCE_DIR}/write_declaration_checks.cmake
-    DEPENDS ${CMAKE_SOURCE_DIR}/src/win32/win32.h write_declaration_checks.cmake
-    COMMENT "Reading the declarations of win32.h" VERBATIM)
-add_library(declaration_checks OBJECT ${CHECKS})
-target_include_directories(declaration_checks PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-target_link_libraries(declaration_checks PRIVATE tamb_win32)
-
 # A clock that the tests turn.
 add_library(test_clock MODULE clock/winmm.cpp)
 target_link_libraries(test_clock PRIVATE tamb_options)

@@ -76,18 +76,16 @@ std::string WindowsBuild(const std::string& name) {
     return buildFolder + "/" + name;
 }
 
-std::string WindowsPath(const std::string& file) {
+std::string SaverName(const std::string& file) {
     std::string path = "Z:" + file;
     std::ranges::replace(path, '/', '\\');
     return path;
 }
 
 WineProgram::WineProgram(const std::string& display, const std::string& folder,
-                         const std::vector<std::string>& words) {
-    std::vector<std::string> command = {wineProgram};
-    command.insert(command.end(), words.begin(), words.end());
-    StartUnderWine(this, command, display.empty() ? Environment() : Environment{{"DISPLAY", display}},
-                   folder);
+                         std::vector<std::string> words) {
+    words.insert(words.begin(), wineProgram);
+    StartUnderWine(this, words, {{"DISPLAY", display}}, folder);
 }
 
 // As it lies with a user, in a folder with what it needs, but for the clock that the test turns. The registry
@@ -103,13 +101,9 @@ std::vector<std::string> SaverCommand(const TempFolder& data, Environment* envir
     }
     WineProgram((*environment)["DISPLAY"], "/",
                 {"reg", "add", "HKCU\\Software\\OrinLab\\Screensavers\\Tamblor", "/v", "path", "/d",
-                 WindowsPath((*environment)["TAMBLOR_DATA"]), "/f"})
+                 SaverName((*environment)["TAMBLOR_DATA"]), "/f"})
         .WaitForExit();
     return {wineProgram, (folder / "tamb.scr").string()};
-}
-
-std::string SaverName(const std::string& file) {
-    return WindowsPath(file);
 }
 
 // Each line of the trace reads the clock once, each frame too.

@@ -3,8 +3,6 @@
 
 #include "integration/program.h"
 
-// The name by which a Windows program knows a file.
-std::string WindowsPath(const std::string& file);
 // A file that the build for Windows has made, by its name within that build's folder.
 std::string WindowsBuild(const std::string& name);
 
@@ -12,5 +10,5 @@ std::string WindowsBuild(const std::string& name);
 // one.
 class WineProgram : public Program {
 public:
-    WineProgram(const std::string& display, const std::string& folder, const std::vector<std::string>& words);
+    WineProgram(const std::string& display, const std::string& folder, std::vector<std::string> words);
 };

@@ -25,19 +25,19 @@ TEST(Frames, LookOnWindowsAsTheyDoOnLinux) {
     ASSERT_NE(display.connection, nullptr);
     ShowDriver linux_show;
     std::string error;
-    ShowDriver::Settings settings;
-    settings.width = kWidth;
-    settings.height = kHeight;
-    settings.step = kStep;
-    settings.dataFolder = TAMBLOR_DATA_DIR;
-    settings.desktop = Opaque([&](int x, int y) { return display.DesktopPixel(x, y); });
+    const ShowDriver::Settings settings = {
+        .width = kWidth,
+        .height = kHeight,
+        .dataFolder = TAMBLOR_DATA_DIR,
+        .desktop = Opaque([&](int x, int y) { return display.DesktopPixel(x, y); }),
+        .step = kStep};
     ASSERT_TRUE(linux_show.Open(settings, &error)) << error;
 
     const TempFolder folder;
     for (const char* file : {"tests/frames.exe", "tests/codec/devil.dll", "tests/codec/ilu.dll"})
         std::filesystem::copy(WindowsBuild(file), folder.Path());
     std::filesystem::copy(std::filesystem::path(TAMBLOR_DATA_DIR) / "tamb.dat", folder.Path());
-    std::vector<std::string> words = {folder.File("frames.exe"), WindowsPath(folder.Path().string()),
+    std::vector<std::string> words = {folder.File("frames.exe"), SaverName(folder.Path().string()),
                                       std::to_string(kStep)};
     for (const auto& moment : moments)
         words.push_back(std::to_string(moment.second));

@@ -9,30 +9,23 @@
 
 namespace {
 
-struct Clock {
-    volatile LONG tick;
-    volatile LONG reads;
-};
-
-Clock* MappedClock() {
+// The tick, and how often it was read; null without a file.
+volatile LONG* MappedClock() {
     const char* name = std::getenv("TAMBLOR_CLOCK");
     if (name == nullptr)
         return nullptr;
     const HANDLE file = CreateFileA((std::string("Z:") + name).c_str(), GENERIC_READ | GENERIC_WRITE,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return nullptr;
-    const HANDLE mapping = CreateFileMappingA(file, nullptr, PAGE_READWRITE, 0, sizeof(Clock), nullptr);
-    void* page = mapping != nullptr ? MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, sizeof(Clock)) : nullptr;
-    return static_cast<Clock*>(page);
+    const HANDLE mapping = CreateFileMappingA(file, nullptr, PAGE_READWRITE, 0, 8, nullptr);
+    return static_cast<LONG*>(mapping != nullptr ? MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 8) : nullptr);
 }
 
 } // namespace
 
 extern "C" __declspec(dllexport) DWORD WINAPI timeGetTime() {
-    static Clock* const clock = MappedClock();
+    static volatile LONG* const clock = MappedClock();
     if (clock == nullptr)
         return GetTickCount();
-    InterlockedIncrement(&clock->reads);
-    return static_cast<DWORD>(clock->tick);
+    InterlockedIncrement(&clock[1]);
+    return static_cast<DWORD>(clock[0]);
 }

@@ -5,54 +5,38 @@
 
 #include <cstddef>
 
+#ifdef BRIDGE_ilu
+#define LIBRARY "libILU.so.1"
+#define FUNCTIONS(USE) USE(iluScale) USE(iluImageParameter)
+#else
+#define LIBRARY "libIL.so.1"
+#define FUNCTIONS(USE)                                                                                       \
+    USE(ilInit)                                                                                              \
+    USE(ilShutDown)                                                                                          \
+    USE(ilEnable) USE(ilDisable) USE(ilSetInteger) USE(ilGenImages) USE(ilDeleteImages) USE(ilBindImage)     \
+        USE(ilGetInteger) USE(ilLoadImage) USE(ilLoadL) USE(ilSaveImage) USE(ilCloneCurImage)                \
+            USE(ilConvertImage) USE(ilCopyPixels) USE(ilSetPixels) USE(ilGetData) USE(ilTexImage)
+#endif
+
 namespace {
 
-void* Entry(const char* library, const char* name) {
-    void* module = dlopen(library, RTLD_NOW | RTLD_LOCAL);
-    return module != nullptr ? dlsym(module, name) : nullptr;
+// The parameters are whole numbers and addresses, nine at the most. On the 64-bit system, for which alone
+// this is built, one signature passes them all: what a function does not take, it does not look at.
+using Word = std::size_t;
+using Function = Word (*)(Word, Word, Word, Word, Word, Word, Word, Word, Word);
+
+Function Entry(const char* name) {
+    void* module = dlopen(LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    return reinterpret_cast<Function>(module != nullptr ? dlsym(module, name) : nullptr);
 }
 
 } // namespace
 
 // Without the library every call answers 0, and the saver sees pictures that do not load.
-#define BRIDGE(library, result, name, parameters, arguments)                                                 \
-    extern "C" result WINAPI Bridge_##name parameters {                                                      \
-        static const auto target = reinterpret_cast<result(*) parameters>(Entry(library, #name));            \
-        return target != nullptr ? target arguments : static_cast<result>(0);                                \
+#define BRIDGE(name)                                                                                         \
+    extern "C" Word WINAPI Bridge_##name(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h,     \
+                                         Word i) {                                                           \
+        static const Function target = Entry(#name);                                                         \
+        return target != nullptr ? target(a, b, c, d, e, f, g, h, i) : 0;                                    \
     }
-
-#ifdef BRIDGE_ilu
-
-BRIDGE("libILU.so.1", unsigned char, iluScale, (unsigned w, unsigned h, unsigned d), (w, h, d))
-BRIDGE("libILU.so.1", void, iluImageParameter, (unsigned name, unsigned value), (name, value))
-
-#else
-
-#define IL "libIL.so.1"
-BRIDGE(IL, void, ilInit, (), ())
-BRIDGE(IL, void, ilShutDown, (), ())
-BRIDGE(IL, unsigned char, ilEnable, (unsigned mode), (mode))
-BRIDGE(IL, unsigned char, ilDisable, (unsigned mode), (mode))
-BRIDGE(IL, void, ilSetInteger, (unsigned mode, int value), (mode, value))
-BRIDGE(IL, void, ilGenImages, (std::size_t count, unsigned* images), (count, images))
-BRIDGE(IL, void, ilDeleteImages, (std::size_t count, const unsigned* images), (count, images))
-BRIDGE(IL, void, ilBindImage, (unsigned image), (image))
-BRIDGE(IL, int, ilGetInteger, (unsigned mode), (mode))
-BRIDGE(IL, unsigned char, ilLoadImage, (const char* file), (file))
-BRIDGE(IL, unsigned char, ilLoadL, (unsigned type, const void* lump, unsigned size), (type, lump, size))
-BRIDGE(IL, unsigned char, ilSaveImage, (const char* file), (file))
-BRIDGE(IL, unsigned, ilCloneCurImage, (), ())
-BRIDGE(IL, unsigned char, ilConvertImage, (unsigned format, unsigned type), (format, type))
-BRIDGE(IL, unsigned, ilCopyPixels,
-       (unsigned x, unsigned y, unsigned z, unsigned w, unsigned h, unsigned d, unsigned f, unsigned t,
-        void* to),
-       (x, y, z, w, h, d, f, t, to))
-BRIDGE(IL, void, ilSetPixels,
-       (int x, int y, int z, unsigned w, unsigned h, unsigned d, unsigned f, unsigned t, void* from),
-       (x, y, z, w, h, d, f, t, from))
-BRIDGE(IL, unsigned char*, ilGetData, (), ())
-BRIDGE(IL, unsigned char, ilTexImage,
-       (unsigned w, unsigned h, unsigned d, unsigned char n, unsigned f, unsigned t, void* from),
-       (w, h, d, n, f, t, from))
-
-#endif
+FUNCTIONS(BRIDGE)

@@ -1,4 +1,5 @@
-// The little pane of the settings panel, in a process of its own (pane.cpp).
+// The Windows saver as it lies with a user: what its install.cmd leaves, and the little pane of the settings
+// panel, which is in a process of its own (pane.cpp).
 #include "integration/saver_process.h"
 #include "windows/under_wine.h"
 
@@ -6,6 +7,20 @@ namespace {
 
 // Where the pane is on the screen, and how large.
 constexpr Area kPane = {100, 80, 152, 112};
+
+TEST(Install, NamesItsOwnFolderInTheRegistry) {
+    const TempFolder files;
+    const std::filesystem::path home = files.Path() / "with a blank";
+    std::filesystem::create_directories(home);
+    std::filesystem::copy(WindowsBuild("packaging/install.cmd"), home);
+    EXPECT_EQ(WineProgram("", home.string(), {"cmd", "/c", "install.cmd", "/quiet"}).WaitForExit(), 0);
+    // The line of a value ends with it.
+    WineProgram("", files.Path().string(),
+                {"cmd", "/c", "reg query HKCU\\Software\\OrinLab\\Screensavers\\Tamblor /v path > value"})
+        .WaitForExit();
+    const std::string value = files.Read("value");
+    EXPECT_NE(value.find("    " + SaverName(home.string()) + "\r\n"), std::string::npos) << value;
+}
 
 class PreviewInPane : public ShowFixture {
 protected:
