@@ -1,4 +1,5 @@
 // tamb-make-show: draws everything that the default show is made of into a folder.
+#include "drawn_sizes.h"
 #include "models/models.h"
 #include "pictures/drawing.h"
 #include "pictures/pictures.h"
@@ -11,16 +12,30 @@
 
 namespace {
 
-// Writes one file; empty when well, else what went wrong.
-using Maker = std::string (*)(const std::string& file);
+// Writes one file for that screen; empty when well, else what went wrong.
+using Maker = std::string (*)(const std::string& file, const Screen& screen);
 
-template <Raster (*Draw)()> std::string localPicture(const std::string& file) {
+template <Raster (*Draw)()> std::string localPicture(const std::string& file, const Screen&) {
     return Draw().WritePng(file);
 }
 
-// As a photograph: what is all detail shows no trace of the packing at this quality.
-template <Raster (*Draw)()> std::string localPhotograph(const std::string& file) {
-    return Draw().WriteJpeg(file, 92);
+template <Raster (*Draw)(const Size&), const Drawn& drawn>
+std::string localPicture(const std::string& file, const Screen& screen) {
+    return Draw(TexelsFor(drawn, screen)).WritePng(file);
+}
+
+// What is opaque, as a photograph. At this quality nothing shows of the packing, also where somebody
+// brightens what is dark.
+constexpr int kQuality = 96;
+
+template <Raster (*Draw)(const Size&), const Drawn& drawn>
+std::string localPhotograph(const std::string& file, const Screen& screen) {
+    return Draw(TexelsFor(drawn, screen)).WriteJpeg(file, kQuality);
+}
+
+// A pane for a preview has nothing to do with the screen. It is of 4:3.
+std::string localPreview(const std::string& file, const Screen&) {
+    return DrawPreview({512, 256}).WriteJpeg(file, kQuality);
 }
 
 struct Output {
@@ -30,43 +45,44 @@ struct Output {
 
 constexpr Output kOutputs[] = {
     {"00-error.png", localPicture<DrawErrorNotice>},
-    {"01-preview.png", localPicture<DrawPreview>},
+    {"01-preview.jpg", localPreview},
     {"04-medallion.om", WriteMedallion},
-    {"05-label.png", localPicture<DrawLabel>},
+    {"05-label.png", localPicture<DrawLabel, kDrawnLabel>},
     {"11-sun-core.om", WriteSunCore},
     {"13-shell-1.om", WriteSunShell1},
     {"15-shell-2.om", WriteSunShell2},
     {"17-shell-3.om", WriteSunShell3},
-    {"18-space.png", localPicture<DrawSpace>},
-    {"19-halo.png", localPicture<DrawHalo>},
-    {"20-rays.png", localPicture<DrawRays>},
-    {"21-lens.png", localPicture<DrawLens>},
-    {"30-sun-core.jpg", localPhotograph<DrawSunCore>},
-    {"31-plasma-a.png", localPicture<DrawPlasmaA>},
-    {"32-plasma-b.png", localPicture<DrawPlasmaB>},
-    {"33-plasma-c.png", localPicture<DrawPlasmaC>},
-    {"34-gold.jpg", localPhotograph<DrawGold>},
-    {"35-emblem.jpg", localPhotograph<DrawEmblem>},
+    {"18-space.jpg", localPhotograph<DrawSpace, kDrawnSpace>},
+    {"19-halo.png", localPicture<DrawHalo, kDrawnHalo>},
+    {"20-rays.png", localPicture<DrawRays, kDrawnRays>},
+    {"21-lens.png", localPicture<DrawLens, kDrawnLens>},
+    {"30-sun-core.jpg", localPhotograph<DrawSunCore, kDrawnSunCore>},
+    {"31-plasma-a.png", localPicture<DrawPlasmaA, kDrawnPlasma>},
+    {"32-plasma-b.png", localPicture<DrawPlasmaB, kDrawnPlasma>},
+    {"33-plasma-c.png", localPicture<DrawPlasmaC, kDrawnPlasma>},
+    {"34-gold.jpg", localPhotograph<DrawGold, kDrawnGold>},
+    {"35-emblem.jpg", localPhotograph<DrawEmblem, kDrawnEmblem>},
     {"36-ember.png", localPicture<DrawEmber>},
     {"40-sun.lib", WriteSunLibrary},
     {"41-medallion.lib", WriteMedallionLibrary},
     {"42-morph.lib", WriteMorphLibrary},
     {"72-morph.oa", WriteMorph},
-    {"73-studio.jpg", localPhotograph<DrawStudio>},
-    {"74-skin.png", localPicture<DrawSkin>},
+    {"73-studio.jpg", localPhotograph<DrawStudio, kDrawnStudio>},
+    {"74-skin.png", localPicture<DrawSkin, kDrawnSkin>},
     {"desktop.png", localPicture<DrawDesktop>},
     {"tamb.ico", WriteIcons},
 };
 
 int localUsage() {
-    std::fputs("usage: tamb-make-show OUTFOLDER [--only NAME]\n"
+    std::fputs("usage: tamb-make-show OUTFOLDER [--screen WIDTH] [--only NAME]\n"
                "Makes the show's pictures and models in OUTFOLDER, which is made when it is missing.\n"
-               "--only NAME   makes that file alone, for instance 18-space.png\n",
+               "--screen WIDTH  for screens up to so many pixels wide: 2560 (if nothing is said) or 3840\n"
+               "--only NAME     makes that file alone, for instance 18-space.jpg\n",
                stderr);
     return 1;
 }
 
-int localMakeAll(const std::filesystem::path& folder, std::string_view only) {
+int localMakeAll(const std::filesystem::path& folder, const Screen& screen, std::string_view only) {
     std::error_code problem;
     std::filesystem::create_directories(folder, problem);
     if (problem) {
@@ -79,7 +95,7 @@ int localMakeAll(const std::filesystem::path& folder, std::string_view only) {
         if (!only.empty() && only != output.name)
             continue;
         found = true;
-        const std::string trouble = output.make((folder / output.name).string());
+        const std::string trouble = output.make((folder / output.name).string(), screen);
         if (!trouble.empty()) {
             std::fprintf(stderr, "tamb-make-show: %s\n", trouble.c_str());
             return 1;
@@ -97,12 +113,18 @@ int localMakeAll(const std::filesystem::path& folder, std::string_view only) {
 } // namespace
 
 int main(int argc, char** argv) {
+    constexpr Screen kScreens[] = {{2560, 1440}, {3840, 2160}};
     const char* folder = nullptr;
+    Screen screen = kScreens[0];
     std::string_view only;
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument = argv[i];
         if (argument == "--only" && i + 1 < argc && only.empty())
             only = argv[++i];
+        else if (argument == "--screen" && i + 1 < argc && std::string_view(argv[i + 1]) == "2560")
+            screen = kScreens[0], ++i;
+        else if (argument == "--screen" && i + 1 < argc && std::string_view(argv[i + 1]) == "3840")
+            screen = kScreens[1], ++i;
         else if (!argument.empty() && argument.front() != '-' && folder == nullptr)
             folder = argv[i];
         else
@@ -110,7 +132,7 @@ int main(int argc, char** argv) {
     }
     if (folder == nullptr)
         return localUsage();
-    const int result = localMakeAll(folder, only);
+    const int result = localMakeAll(folder, screen, only);
     ReleaseFonts();
     return result;
 }

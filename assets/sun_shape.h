@@ -6,3 +6,8 @@
 constexpr float kSunTall = 1.25f;
 // What the sun covers of the half width of the pictures centred on it.
 constexpr float kSunShare = 0.4f;
+// How much of the screen's width the core covers (kSunScale of the scene).
+constexpr float kSunAcross = 0.6f;
+// What of the core lies below this height, if its radius is 1, is always below the screen's edge; a little
+// less.
+constexpr float kSunLowest = -0.42f;

@@ -55,18 +55,18 @@ std::string localWriteLibrary(const std::string& file, const char* name, std::in
 
 } // namespace
 
-std::string WriteSunLibrary(const std::string& file) {
+std::string WriteSunLibrary(const std::string& file, const Screen&) {
     return localWriteLibrary(file, "40",
                              {localPlain("SunCore", "30"), localPlain("PlasmaA", "31"),
                               localPlain("PlasmaB", "32"), localPlain("PlasmaC", "33")});
 }
 
-std::string WriteMedallionLibrary(const std::string& file) {
+std::string WriteMedallionLibrary(const std::string& file, const Screen&) {
     return localWriteLibrary(
         file, "41", {localMetal("Gold", "34", 0.56f, 0.85f), localMetal("Emblem", "35", 0.58f, 0.85f)});
 }
 
 // The sheet's material is not here: it is the desktop picture, which the scene registers.
-std::string WriteMorphLibrary(const std::string& file) {
+std::string WriteMorphLibrary(const std::string& file, const Screen&) {
     return localWriteLibrary(file, "42", {localGlowing("Ember", "36")});
 }

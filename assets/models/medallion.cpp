@@ -11,15 +11,14 @@
 namespace {
 
 constexpr const char* kLibrary = "41";
-constexpr int kSectors = 96;
+constexpr float kAcross = 0.1013f; // of the screen (kSize of the scene)
 constexpr float kFaceRadius = 0.84f;
 constexpr float kFaceHeight = 0.052f;
 constexpr float kRise = 0.075f; // of the emblem over the face, in radii of the face
 
 // Where the face has corners, from the middle outwards: close together where the emblem stands out of it.
-constexpr float kFaceRings[] = {0.00f, 0.08f, 0.16f, 0.24f, 0.30f, 0.34f, 0.37f, 0.40f, 0.42f,
-                                0.44f, 0.46f, 0.48f, 0.50f, 0.52f, 0.54f, 0.56f, 0.58f, 0.60f,
-                                0.63f, 0.66f, 0.70f, 0.78f, 0.85f, 0.92f, 0.96f, 1.00f};
+constexpr float kFaceRings[] = {0.00f, 0.16f, 0.28f, 0.36f, 0.41f, 0.45f, 0.50f,
+                                0.55f, 0.59f, 0.64f, 0.72f, 0.86f, 1.00f};
 
 // The medallion is drawn flattened to about a tenth of its width and a sixth of its height, its depth left
 // alone, which steepens every slope for the light as much. Normals are stored flatter by as much, so that
@@ -47,8 +46,8 @@ constexpr Step kRim[] = {
 struct Direction {
     float x, y;
 };
-Direction localDirectionOf(int sector) {
-    const float turn = 2 * kPi * static_cast<float>(sector % kSectors) / static_cast<float>(kSectors);
+Direction localDirectionOf(int sector, int sectors) {
+    const float turn = 2 * kPi * static_cast<float>(sector % sectors) / static_cast<float>(sectors);
     return {std::cos(turn), std::sin(turn)};
 }
 
@@ -57,8 +56,8 @@ Direction localDirectionOf(int sector) {
 struct Side {
     float z;
     bool isBack;
+    int sectors;
 };
-constexpr Side kSides[] = {{-1, false}, {1, true}};
 
 // Rows run outwards and columns clockwise on the front, so that triangles run anticlockwise; on the back, the
 // other way round.
@@ -66,12 +65,12 @@ template <class CornerAt>
 void localAddRings(MeshBuilder* mesh, const Side& side, int rings, CornerAt cornerAt) {
     int first = -1;
     for (int ring = 0; ring < rings; ++ring)
-        for (int sector = 0; sector <= kSectors; ++sector) {
-            const Direction d = localDirectionOf(side.isBack ? sector : kSectors - sector);
+        for (int sector = 0; sector <= side.sectors; ++sector) {
+            const Direction d = localDirectionOf(side.isBack ? sector : side.sectors - sector, side.sectors);
             const int number = mesh->Add(cornerAt(ring, d));
             first = first < 0 ? number : first;
         }
-    mesh->JoinGrid(first, kSectors + 1, rings);
+    mesh->JoinGrid(first, side.sectors + 1, rings);
 }
 
 // How far the emblem stands out at a place of the face.
@@ -114,10 +113,11 @@ void localAddRim(MeshBuilder* mesh, const Side& side) {
 
 } // namespace
 
-std::string WriteMedallion(const std::string& file) {
+std::string WriteMedallion(const std::string& file, const Screen& screen) {
+    const int sectors = PiecesOfCircle(kAcross * static_cast<float>(screen.width) / 2);
     MeshBuilder faces("Emblem");
     MeshBuilder rim("Gold");
-    for (const Side& side : kSides) {
+    for (const Side& side : {Side{-1, false, sectors}, Side{1, true, sectors}}) {
         localAddFace(&faces, side);
         localAddRim(&rim, side);
     }

@@ -26,6 +26,8 @@ void MeshBuilder::JoinGrid(int first, int columns, int rows) {
             const int b = a + 1;
             const int c = a + columns;
             const int d = c + 1;
+            if (localSamePlace(at(a), at(c)) && localSamePlace(at(b), at(d)))
+                continue;
             if (!localSamePlace(at(a), at(b)))
                 Triangle(a, c, b);
             if (!localSamePlace(at(c), at(d)))

@@ -34,7 +34,7 @@ public:
     void Triangle(int a, int b, int c) { indices_.insert(indices_.end(), {a, b, c}); }
     // Corners first .. first + columns * rows - 1 are a grid, row by row; seen with columns to the right and
     // rows downwards, its triangles run anticlockwise. A quad with an edge that is one point becomes one
-    // triangle.
+    // triangle; one that is a line, none.
     void JoinGrid(int first, int columns, int rows);
 
     std::unique_ptr<FXMesh> Build() const;

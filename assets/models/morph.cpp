@@ -5,6 +5,7 @@
 #include "models/mesh_builder.h"
 #include "models/models.h"
 #include "models/morph_curve.h"
+#include "models/morph_packing.h"
 #include "models/morph_sheet.h"
 #include "models/morph_swirl.h"
 
@@ -82,8 +83,7 @@ void localAddBirdFrame(FXAnim* anim, float seconds, float next) {
     const BirdPose pose = localPoseAt(seconds);
     const Vec3 centre = {pose.x, pose.y, 0};
     SheetCorners corners;
-    for (int i = 0; i < kPatches * kPatchCorners; ++i)
-        corners.push_back(BirdPoint(PlaceOf(i / kPatchCorners, i % kPatchCorners), pose));
+    ForEachCorner([&](int patch, int corner) { corners.push_back(BirdPoint(PlaceOf(patch, corner), pose)); });
     ScatterShards(&corners, seconds, centre);
     MeshBuilder sheet(kDesktopMaterial);
     MeshBuilder embers("Ember", kGlowing);
@@ -102,12 +102,12 @@ void localAddFlatFrame(FXAnim* anim, void (*addEmbers)(MeshBuilder*)) {
 
 } // namespace
 
-std::string WriteMorph(const std::string& file) {
+std::string WriteMorph(const std::string& file, const Screen&) {
     FXAnim anim;
     anim.loop = false;
     for (std::size_t i = 0; i < std::size(kMoments); ++i)
         localAddBirdFrame(&anim, kMoments[i], i + 1 < std::size(kMoments) ? kMoments[i + 1] : kFlatAt);
     localAddFlatFrame(&anim, AddSpentEmbers);
     localAddFlatFrame(&anim, AddEmbersForTexture);
-    return anim.Save(file.c_str()) ? "" : file + ": cannot be written";
+    return WriteAnimation(file, anim);
 }

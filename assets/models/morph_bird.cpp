@@ -10,7 +10,6 @@ namespace {
 
 // In the bird's own frame x is forwards, y to its left and z upwards.
 
-constexpr int kBodyColumns = 8;
 constexpr float kBodyShare = static_cast<float>(kBodyColumns) / kPatchColumns; // of the sheet's width
 constexpr float kPleat = 2.0f / kPatchRows;                                    // its width on the sheet
 constexpr float kDegree = kPi / 180;
@@ -103,7 +102,7 @@ Vec3 localSpine(float t, float neck) {
                Vec3{CurveAt(kRaisedX, t), 0, CurveAt(kRaisedZ, t)}, neck);
 }
 
-Vec3 localBodyPlace(const SheetPlace& place, const BirdPose& pose) {
+Vec3 localBodyInside(const SheetPlace& place, const BirdPose& pose) {
     const float across = place.s / kBodyShare;
     const Vec3 ridge = localSpine(place.t, pose.neck);
     const Vec3 forward =
@@ -118,6 +117,17 @@ Vec3 localBodyPlace(const SheetPlace& place, const BirdPose& pose) {
     Vec3 bird = ridge - up * hang + forward * (tail * (0.16f * across * across + 0.03f * zigzag));
     bird.y = -across * CurveAt(kHalfWidth, place.t);
     return Mix(bird, {place.t, -place.s * kAspect, 0}, pose.bodySheet);
+}
+
+// Its edge is straight along every patch, as the wings' edges are.
+Vec3 localBodyPlace(const SheetPlace& place, const BirdPose& pose) {
+    if (std::fabs(place.s) < kBodyShare)
+        return localBodyInside(place, pose);
+    SheetPlace below = place;
+    SheetPlace above = place;
+    below.t = localRowEdge(place.row);
+    above.t = localRowEdge(place.row + 1);
+    return Mix(localBodyInside(below, pose), localBodyInside(above, pose), (place.t - below.t) / kPleat);
 }
 
 // Once the sheet unfolds, the wings' roots, which lay under the bird's back, are drawn out to where the
@@ -151,10 +161,6 @@ void localTurn(float* a, float* b, float degrees) {
 }
 
 } // namespace
-
-bool IsBodyPatch(int column) {
-    return column >= (kPatchColumns - kBodyColumns) / 2 && column < (kPatchColumns + kBodyColumns) / 2;
-}
 
 Vec3 BirdPoint(const SheetPlace& place, const BirdPose& pose) {
     Vec3 own = IsBodyPatch(place.column) ? localBodyPlace(place, pose) : localWingPlace(place, pose);

@@ -11,6 +11,7 @@ constexpr float kAspect = 16.0f / 9.0f;
 // neighbours. Rows of patches are folded against each other in the wings, columns in the tail.
 constexpr int kPatchColumns = 32;
 constexpr int kPatchRows = 18;
+constexpr int kBodyColumns = 8;
 
 // A place on the sheet: s from -1 at the left to 1 at the right, t from -1 at the bottom to 1 at the top, and
 // the patch that it is a corner of.
@@ -40,4 +41,6 @@ struct BirdPose {
 // screen.
 Vec3 BirdPoint(const SheetPlace& place, const BirdPose& pose);
 // Patches of head, body and tail, as opposed to the wings.
-bool IsBodyPatch(int column);
+constexpr bool IsBodyPatch(int column) {
+    return column >= (kPatchColumns - kBodyColumns) / 2 && column < (kPatchColumns + kBodyColumns) / 2;
+}

@@ -2,14 +2,13 @@
 #include "models/mesh_builder.h"
 #include "pictures/colour.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr int kSteps = kPatchSide - 1; // cells of a patch, each way
-constexpr int kGridColumns = kPatchColumns * kSteps + 1;
-constexpr int kGridRows = kPatchRows * kSteps + 1;
+constexpr int kGridColumns = 2 * kPatchColumns + 1; // of half patches
+constexpr int kGridRows = 2 * kPatchRows + 1;
 constexpr float kTouching = 1e-4f;
 constexpr float kSmoothFold = 0.80f;   // cosine of the sharpest fold that is rounded
 constexpr float kTowardsViewer = 0.5f; // how much all surfaces are lit as if they faced the viewer more
@@ -19,47 +18,62 @@ struct GridPlace {
     int column, row;
 };
 
+// From a patch's left and bottom, in half patches.
+constexpr GridPlace kWingCorners[] = {{0, 2}, {1, 2}, {2, 2}, {0, 0}, {1, 0}, {2, 0}};
+constexpr GridPlace kBodyCorners[] = {{0, 2}, {2, 2}, {0, 1}, {2, 1}, {0, 0}, {2, 0}};
+constexpr int kWingTriangles[][3] = {{0, 3, 1}, {1, 3, 4}, {1, 4, 2}, {2, 4, 5}};
+constexpr int kBodyTriangles[][3] = {{0, 2, 1}, {1, 2, 3}, {2, 4, 3}, {3, 4, 5}};
+
+bool localIsBody(int patch) {
+    return IsBodyPatch(patch % kPatchColumns);
+}
+
+GridPlace localOnGrid(int patch, GridPlace inside) {
+    return {2 * (patch % kPatchColumns) + inside.column, 2 * (patch / kPatchColumns) + inside.row};
+}
+
 GridPlace localOnGrid(int patch, int corner) {
-    return {patch % kPatchColumns * kSteps + corner % kPatchSide,
-            patch / kPatchColumns * kSteps + kSteps - corner / kPatchSide};
+    return localOnGrid(patch, localIsBody(patch) ? kBodyCorners[corner] : kWingCorners[corner]);
+}
+
+// operation(a, b, c) for the corners of every triangle of the patch.
+template <class Operation> void localForEachTriangle(int patch, Operation operation) {
+    const int first = patch * kPatchCorners;
+    for (const auto& [a, b, c] : localIsBody(patch) ? kBodyTriangles : kWingTriangles)
+        operation(first + a, first + b, first + c);
 }
 
 float localShare(int number, int count) {
     return static_cast<float>(2 * number - (count - 1)) / static_cast<float>(count - 1);
 }
 
-// The patch's normal at each of its corners, from its own cells.
-std::array<Vec3, kPatchCorners> localPatchNormals(const Vec3* corners) {
-    std::array<Vec3, kPatchCorners> normals;
-    for (int corner = 0; corner < kPatchCorners; ++corner) {
-        const int column = corner % kPatchSide;
-        const int row = corner / kPatchSide;
-        const Vec3* here = corners + corner;
-        const Vec3 right = here[column < kSteps ? 1 : 0] - here[column > 0 ? -1 : 0];
-        const Vec3 up = here[row > 0 ? -kPatchSide : 0] - here[row < kSteps ? kPatchSide : 0];
-        normals[static_cast<std::size_t>(corner)] = Unit(Cross(right, up));
-    }
-    return normals;
-}
-
 // For each place of the grid, the corners that belong there.
 std::vector<std::vector<int>> localSharedPlaces() {
     std::vector<std::vector<int>> shared(static_cast<std::size_t>(kGridColumns) * kGridRows);
-    for (int patch = 0; patch < kPatches; ++patch)
-        for (int corner = 0; corner < kPatchCorners; ++corner) {
-            const GridPlace at = localOnGrid(patch, corner);
-            const int place = at.row * kGridColumns + at.column;
-            shared[static_cast<std::size_t>(place)].push_back(patch * kPatchCorners + corner);
-        }
+    ForEachCorner([&](int patch, int corner) {
+        const GridPlace at = localOnGrid(patch, corner);
+        shared[static_cast<std::size_t>(at.row) * kGridColumns + at.column].push_back(patch * kPatchCorners +
+                                                                                      corner);
+    });
     return shared;
 }
 
-std::vector<Vec3> localSheetNormals(const SheetCorners& corners) {
-    std::vector<Vec3> own;
+// Of each patch by itself: the larger a triangle, the more its corners face as it does.
+std::vector<Vec3> localPatchNormals(const SheetCorners& corners) {
+    std::vector<Vec3> normals(corners.size());
+    const auto at = [](int number) { return static_cast<std::size_t>(number); };
     for (int patch = 0; patch < kPatches; ++patch)
-        for (const Vec3& normal :
-             localPatchNormals(&corners[static_cast<std::size_t>(patch) * kPatchCorners]))
-            own.push_back(normal);
+        localForEachTriangle(patch, [&](int a, int b, int c) {
+            const Vec3 facing = Cross(corners[at(b)] - corners[at(a)], corners[at(c)] - corners[at(a)]);
+            for (const int number : {a, b, c})
+                normals[at(number)] = normals[at(number)] + facing;
+        });
+    std::transform(normals.begin(), normals.end(), normals.begin(), Unit);
+    return normals;
+}
+
+std::vector<Vec3> localSheetNormals(const SheetCorners& corners) {
+    const std::vector<Vec3> own = localPatchNormals(corners);
     std::vector<Vec3> smooth = own;
     for (const std::vector<int>& place : localSharedPlaces())
         for (const int a : place)
@@ -79,45 +93,39 @@ Vec3 localLit(Vec3 normal) {
     return Unit(unit + Vec3{0, 0, kTowardsViewer * unit.z / (std::fabs(unit.z) + 0.25f)});
 }
 
-Corner localCornerAt(Vec3 position, Vec3 normal, const SheetPlace& place) {
-    return {position, normal, (1 + place.s) / 2, (1 - place.t) / 2};
+void localJoinPatches(MeshBuilder* mesh) {
+    for (int patch = 0; patch < kPatches; ++patch)
+        localForEachTriangle(patch, [&](int a, int b, int c) { mesh->Triangle(a, b, c); });
 }
 
-void localJoinPatches(MeshBuilder* mesh) {
-    for (int patch = 0; patch < kPatches; ++patch) {
-        const int first = patch * kPatchCorners;
-        for (int row = 0; row < kSteps; ++row)
-            for (int column = 0; column < kSteps; ++column) {
-                const int a = first + row * kPatchSide + column;
-                const int c = a + kPatchSide;
-                mesh->Triangle(a, c, a + 1);
-                mesh->Triangle(a + 1, c, c + 1);
-            }
-    }
+SheetPlace localPlaceOf(int patch, GridPlace at) {
+    return {localShare(at.column, kGridColumns), localShare(at.row, kGridRows), patch % kPatchColumns,
+            patch / kPatchColumns};
 }
 
 } // namespace
 
 SheetPlace PlaceOf(int patch, int corner) {
-    const GridPlace at = localOnGrid(patch, corner);
-    return {localShare(at.column, kGridColumns), localShare(at.row, kGridRows), patch % kPatchColumns,
-            patch / kPatchColumns};
+    return localPlaceOf(patch, localOnGrid(patch, corner));
+}
+
+SheetPlace MiddleOf(int patch) {
+    return localPlaceOf(patch, localOnGrid(patch, {1, 1}));
 }
 
 void AddSheet(MeshBuilder* mesh, const SheetCorners& corners) {
     const std::vector<Vec3> normals = localSheetNormals(corners);
-    for (int i = 0; i < kPatches * kPatchCorners; ++i) {
-        const Vec3 at = corners[static_cast<std::size_t>(i)];
-        mesh->Add(localCornerAt({at.x / kAspect, at.y, at.z}, localLit(normals[static_cast<std::size_t>(i)]),
-                                PlaceOf(i / kPatchCorners, i % kPatchCorners)));
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        const Vec3 at = corners[i];
+        mesh->Add({{at.x / kAspect, at.y, at.z}, localLit(normals[i])});
     }
     localJoinPatches(mesh);
 }
 
 void AddFlatSheet(MeshBuilder* mesh) {
-    for (int i = 0; i < kPatches * kPatchCorners; ++i) {
-        const SheetPlace place = PlaceOf(i / kPatchCorners, i % kPatchCorners);
-        mesh->Add(localCornerAt({place.s, place.t, 0}, {0, 0, 1}, place));
-    }
+    ForEachCorner([&](int patch, int corner) {
+        const SheetPlace place = PlaceOf(patch, corner);
+        mesh->Add({{place.s, place.t, 0}, {0, 0, 1}});
+    });
     localJoinPatches(mesh);
 }

@@ -128,13 +128,12 @@ Ember localEmberAt(int ember, float seconds) {
     return {at, size, (localEmberPlace(ember, seconds + kMoment) - at) * (1 / kMoment)};
 }
 
-// A parallelogram with sides along `right` and `up`, which are half its sides and lie on the screen at last;
-// `u` and `v` are what the scene will make of it.
+// A parallelogram with sides along `right` and `up`, which are half its sides and lie on the screen at last.
 void localAddSpark(MeshBuilder* mesh, Vec3 at, Vec3 right, Vec3 up) {
     constexpr float kCorners[4][2] = {{-1, 1}, {1, 1}, {-1, -1}, {1, -1}};
     int first = -1;
     for (const auto& [x, y] : kCorners) {
-        const int number = mesh->Add({at + right * x + up * y, {0, 0, 1}, (1 + x) / 2, (1 - y) / 2});
+        const int number = mesh->Add({at + right * x + up * y, {0, 0, 1}});
         first = first < 0 ? number : first;
     }
     mesh->Triangle(first, first + 2, first + 1);
@@ -164,7 +163,7 @@ void ScatterShards(SheetCorners* corners, float seconds, Vec3 centre) {
         if (arrived >= 1)
             continue;
         const Shard shard = localShardAt(patch, seconds);
-        const SheetPlace middle = PlaceOf(patch, kPatchCorners / 2);
+        const SheetPlace middle = MiddleOf(patch);
         for (int corner = 0; corner < kPatchCorners; ++corner) {
             const SheetPlace place = PlaceOf(patch, corner);
             const Vec3 torn = localTorn(
@@ -173,8 +172,7 @@ void ScatterShards(SheetCorners* corners, float seconds, Vec3 centre) {
             const Vec3 paper =
                 Vec3{torn.x * kAspect / kPatchColumns, torn.y / kPatchRows, bulge / kPatchRows} * shard.size;
             const Vec3 whirling = centre + shard.centre + localTurnedAbout(paper, shard.axis, shard.angle);
-            const int number = patch * kPatchCorners + corner;
-            Vec3& at = (*corners)[static_cast<std::size_t>(number)];
+            Vec3& at = (*corners)[static_cast<std::size_t>(patch * kPatchCorners + corner)];
             at = Mix(whirling, at, arrived);
         }
     }

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Both pictures are drawn on a square of 512 units, twice as fine.
+// Both pictures are drawn on a square of 512 units, twice as fine, and then averaged.
 constexpr int kScale = 2;
 constexpr int kSize = 512 * kScale;
 constexpr float kMiddle = 256;
@@ -206,13 +206,13 @@ Rgba localGlassAt(float x, float y, float etch, float fire) {
 
 } // namespace
 
-Raster DrawStudio() {
+Raster DrawStudio(const Size& size) {
     Raster studio(kSize, kSize);
     studio.Fill(localStudioAt);
-    return studio;
+    return studio.Shrunk(size.width, size.height);
 }
 
-Raster DrawSkin() {
+Raster DrawSkin(const Size& size) {
     Relief frame(kSize, kSize);
     frame.Fill([](float x, float y) {
         return kScale * localFrameHeight(x / kScale - kMiddle, y / kScale - kMiddle);
@@ -239,5 +239,5 @@ Raster DrawSkin() {
             skin.At(x, y) = {Mix(glass.colour, metal, cover), Mix(glass.alpha, 1, cover)};
         }
     });
-    return skin;
+    return skin.Shrunk(size.width, size.height);
 }

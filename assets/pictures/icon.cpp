@@ -92,7 +92,7 @@ std::string localIconBitmap(const Raster& picture) {
 
 } // namespace
 
-std::string WriteIcons(const std::string& file) {
+std::string WriteIcons(const std::string& file, const Screen&) {
     constexpr auto kCount = static_cast<std::uint32_t>(std::size(kSizes));
     LittleEndian directory;
     directory.Put(1u << 16, 4);

@@ -18,7 +18,7 @@ Raster localLettering() {
 
 } // namespace
 
-Raster DrawLabel() {
+Raster DrawLabel(const Size& size) {
     const Raster letters = localLettering();
     Relief shape(kWidth, kHeight);
     Relief shade(kWidth, kHeight);
@@ -42,5 +42,5 @@ Raster DrawLabel() {
             const Rgb dusk = Hex(0x1A0E02);
             label.At(x, y) = {alpha > 0 ? Mix(dusk, metal, cover / alpha) : dusk, alpha};
         }
-    return label;
+    return label.Shrunk(size.width, size.height);
 }

@@ -5,11 +5,9 @@
 
 namespace {
 
-constexpr int kWidth = 1024; // all of it is soft
-constexpr int kHeight = 576;
-
-// Positions and sizes in heights of the picture, from its middle.
-constexpr float kSunX = -0.3f * kWidth / kHeight;
+// Positions and sizes in heights of the screen, from its middle.
+constexpr float kAspect = 16.0f / 9.0f;
+constexpr float kSunX = -0.3f * kAspect;
 constexpr float kSunY = 0.3f;
 
 enum class Shape { Disc, Iris, Ring };
@@ -86,9 +84,7 @@ Rgb localArcLight(float x, float y) {
     return bow * (0.024f * Smooth(0.925f, 1.0f, facing));
 }
 
-Rgba localLensAt(float px, float py) {
-    const float x = (px - kWidth * 0.5f) / kHeight;
-    const float y = (py - kHeight * 0.5f) / kHeight;
+Rgba localLensAt(float x, float y) {
     Rgb light = localArcLight(x, y);
     for (const Ghost& ghost : kGhosts)
         light += localGhostLight(ghost, x, y);
@@ -97,8 +93,10 @@ Rgba localLensAt(float px, float py) {
 
 } // namespace
 
-Raster DrawLens() {
-    Raster lens(kWidth, kHeight);
-    lens.Fill(localLensAt);
+Raster DrawLens(const Size& size) {
+    Raster lens(size.width, size.height);
+    const auto width = static_cast<float>(size.width);
+    const auto height = static_cast<float>(size.height);
+    lens.Fill([&](float x, float y) { return localLensAt((x / width - 0.5f) * kAspect, y / height - 0.5f); });
     return lens;
 }

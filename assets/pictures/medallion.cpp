@@ -9,9 +9,8 @@
 
 namespace {
 
-constexpr int kSize = 1024;
-// The face is shaped on a grid twice as fine and then averaged: engraved lines are thinner than a pixel.
-constexpr int kFine = 2 * kSize;
+// The face is shaped on a grid this fine and then averaged: engraved lines are thinner than a pixel.
+constexpr int kFine = 2048;
 
 float localDome(float distance, float radius) {
     const float t = std::fabs(distance) / radius;
@@ -61,10 +60,6 @@ float localFaceHeight(float x, float y) {
     return height + localDome(moonDistance, kMoonRadius);
 }
 
-Raster localHalved(const Raster& fine) {
-    return fine.Shrunk(fine.Width() / 2, fine.Height() / 2);
-}
-
 // Metal turned on a lathe is brushed round its middle, and answers a lamp with two bright fans and their dark
 // opposites: the light at this turn, about 0.
 float localFans(float turn) {
@@ -74,7 +69,7 @@ float localFans(float turn) {
 
 } // namespace
 
-Raster DrawGold() {
+Raster DrawGold(const Size& size) {
     constexpr int kGoldSize = 512;
     Raster gold(kGoldSize, kGoldSize);
     gold.Fill([](float x, float y) {
@@ -85,10 +80,10 @@ Raster DrawGold() {
         const float groove = Brushed(turn * 240, std::hypot(dx, dy) * 260, 831);
         return Rgba{Gold(0.66f + 0.05f * groove + 0.09f * wear + 0.36f * localFans(turn)), 1};
     });
-    return gold;
+    return gold.Shrunk(size.width, size.height);
 }
 
-Raster DrawEmblem() {
+Raster DrawEmblem(const Size& size) {
     Relief face(kFine, kFine);
     face.Fill([](float x, float y) {
         return kFine * 0.5f * localFaceHeight(x * 2 / kFine - 1, y * 2 / kFine - 1);
@@ -107,5 +102,5 @@ Raster DrawEmblem() {
             fine.At(x, y) = {Gold(shine + groove + 0.30f * field * localFans(turn)), 1};
         }
     });
-    return localHalved(fine);
+    return fine.Shrunk(size.width, size.height);
 }

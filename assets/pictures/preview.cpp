@@ -8,8 +8,11 @@
 
 namespace {
 
+// It is laid out on so many pixels, drawn on more, and then averaged.
 constexpr int kWidth = 640;
 constexpr int kHeight = 480;
+constexpr int kFineWidth = 1024;
+constexpr int kFineHeight = 768;
 // The sun, in pixels.
 constexpr float kSunX = 150;
 constexpr float kSunY = 365;
@@ -43,27 +46,29 @@ float localBeyondHole(float x, float y) {
 
 Rgb localSunAt(const Raster& surface, float x, float y) {
     const Vec3 p = {x, -y, std::sqrt(std::max(0.0f, 1 - x * x - y * y))};
-    const float turn = std::atan2(p.z, p.x) / (2 * kPi);
+    const float turn = std::atan2(p.z, p.x) / kPi; // the front is where z is above 0
     const float down = std::acos(std::clamp(p.y, -1.0f, 1.0f)) / kPi;
-    const float u = turn < 0 ? turn + 1 : turn;
     const Rgb colour =
-        surface.Sample(u * static_cast<float>(surface.Width()), down * static_cast<float>(surface.Height()))
+        surface
+            .Sample(turn * static_cast<float>(surface.Width()), down * static_cast<float>(surface.Height()))
             .colour;
     return colour * (0.62f + 0.38f * p.z) + Hex(0xFF9A30) * (0.25f * std::pow(1 - p.z, 3.0f));
 }
 
 } // namespace
 
-Raster DrawPreview() {
-    const Raster space = DrawSky(2048, 1152).Shrunk(1024, 576);
+Raster DrawPreview(const Size& size) {
+    const Raster space = DrawSpace({1024, 512});
     const Raster desktop = DrawDesktop().Shrunk(kWidth * 4 / 3, kHeight);
-    const Raster halo = DrawHalo();
-    const Raster rays = DrawRays();
-    const Raster surface = DrawSunSurface(512, 256);
+    const Raster halo = DrawHalo({1024, 1024});
+    const Raster rays = DrawRays({1024, 1024});
+    const Raster surface = DrawWholeSun({256, 256});
 
-    Raster still(kWidth, kHeight);
-    still.Fill([&](float px, float py) {
-        Rgb colour = space.Sample(px * 1.2f, py * 1.2f).colour;
+    Raster still(kFineWidth, kFineHeight);
+    still.Fill([&](float fineX, float fineY) {
+        const float px = fineX * kWidth / kFineWidth;
+        const float py = fineY * kHeight / kFineHeight;
+        Rgb colour = space.Sample(px * 1.2f, py * 512 / kHeight).colour;
         const float x = (px - kSunX) / kSunRadius;
         const float y = (py - kSunY) / kSunRadius;
         const auto around = [&](const Raster& glow, float tall) {
@@ -79,5 +84,5 @@ Raster DrawPreview() {
         const Rgb sheet = desktop.Sample(px + static_cast<float>(kWidth) / 6, py).colour * burnt.tint;
         return Rgba{Mix(colour, sheet, burnt.alpha) + burnt.glow, 1};
     });
-    return still;
+    return still.Shrunk(size.width, size.height);
 }

@@ -8,8 +8,10 @@
 
 namespace {
 
-// The nebula has no detail finer than this many pixels of the full size, and is computed on a grid that
-// coarse.
+// Drawn on so many pixels, and then averaged: stars are smaller than a pixel.
+constexpr int kWidth = 4096;
+constexpr int kHeight = 2048;
+// The nebula has no detail finer than this many of them, and is computed on a grid that coarse.
 constexpr int kCoarse = 3;
 
 // Lengths are in heights of the picture from here on, positions from its top left corner. It is for screens
@@ -58,18 +60,16 @@ float localPresence(float x, float y) {
 
 class Sky {
 public:
-    Sky(int width, int height)
-        : pixelWidth_(kAspect / static_cast<float>(width)), pixelHeight_(1 / static_cast<float>(height)),
-          nebula_((width + kCoarse - 1) / kCoarse, (height + kCoarse - 1) / kCoarse) {
-        nebula_.Fill([this](float x, float y) {
-            return localNebulaAt(Vec3{x * kCoarse * pixelWidth_, y * kCoarse * pixelHeight_, 0} + kVantage);
+    Sky() : nebula_((kWidth + kCoarse - 1) / kCoarse, (kHeight + kCoarse - 1) / kCoarse) {
+        nebula_.Fill([](float x, float y) {
+            return localNebulaAt(Vec3{x * kCoarse * kPixelWidth, y * kCoarse * kPixelHeight, 0} + kVantage);
         });
     }
 
     // The colour of the sky; alpha is how clear it is there for the stars behind.
     Rgba At(float px, float py) const {
-        const float x = px * pixelWidth_;
-        const float y = py * pixelHeight_;
+        const float x = px * kPixelWidth;
+        const float y = py * kPixelHeight;
         const Rgba nebula = Nebula(x, y);
         const float gas = nebula.colour.r;
         const float threads = nebula.colour.g;
@@ -91,7 +91,7 @@ public:
 
 private:
     Rgba Nebula(float x, float y) const {
-        return nebula_.Sample(x / (kCoarse * pixelWidth_), y / (kCoarse * pixelHeight_));
+        return nebula_.Sample(x / (kCoarse * kPixelWidth), y / (kCoarse * kPixelHeight));
     }
 
     // Gas that faces the sun is brighter, gas behind other gas is darker: that gives the cloud its depth.
@@ -104,25 +104,21 @@ private:
                0.5f * (here - Nebula(x + sun.x * kFar, y + sun.y * kFar).colour.r);
     }
 
-    float pixelWidth_; // in heights of the picture
-    float pixelHeight_;
+    static constexpr float kPixelWidth = kAspect / kWidth; // in heights of the picture
+    static constexpr float kPixelHeight = 1.0f / kHeight;
+
     Raster nebula_;
 };
 
 } // namespace
 
-Raster DrawSky(int width, int height) {
-    const Sky sky(width, height);
-    Raster space(width, height);
+Raster DrawSpace(const Size& size) {
+    const Sky sky;
+    Raster space(kWidth, kHeight);
     space.Fill([&](float x, float y) { return sky.At(x, y); });
     AddStars(&space, kAspect);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x)
             space.At(x, y).alpha = 1;
-    return space;
-}
-
-// As large as textures come, so that it holds on a screen of 4K.
-Raster DrawSpace() {
-    return DrawSky(4096, 2048);
+    return space.Shrunk(size.width, size.height);
 }

@@ -2,6 +2,7 @@
 #include "noise.h"
 #include "pictures/colour.h"
 #include "pictures/pictures.h"
+#include "sun_shape.h"
 
 #include <cmath>
 #include <span>
@@ -9,7 +10,8 @@
 namespace {
 
 // What an equirectangular picture shows at a point of the unit sphere.
-template <class Function> Raster localWrapped(int width, int height, Function colourAt) {
+template <class Function> Raster localWrapped(const Size& size, Function colourAt) {
+    const auto [width, height] = size;
     Raster picture(width, height);
     const float meridian = 2 * kPi / static_cast<float>(width - 1);
     const float parallel = kPi / static_cast<float>(height - 1);
@@ -48,6 +50,9 @@ constexpr Stop kRose[] = {
     {1.0f, Hex(0xFFE6C8)},
 };
 
+// Where in the endless gas the sun is taken: here it has some spots, and not too many.
+constexpr Vec3 kSunVantage = {1.7f, 1.2f, 2.3f};
+
 // An active region: how near its middle is, from 1 there down to 0, and the dark spot in it, 0 where it is
 // darkest. Few cells have one.
 struct Activity {
@@ -85,6 +90,38 @@ Rgba localCoreAt(Vec3 p) {
     return {Ramp(kIncandescent, Mix(umbra, heat, active.spot)), 1};
 }
 
+// How far the point at `down` from the pole lies above the equator, on the surface below.
+float localSpindleHeight(float down) {
+    constexpr int kSteps = 256;
+    const float step = (kPi / 2 - down) / kSteps;
+    float height = 0;
+    for (int i = 0; i < kSteps; ++i) {
+        const float c = std::cos(down + (static_cast<float>(i) + 0.5f) * step);
+        height += step * std::sqrt(1 - c * c / 4);
+    }
+    return height;
+}
+
+// Half of the unit sphere, from the pole down to `reach`, rolled up until its two edges meet: a spindle, on
+// which all lengths are what they were on the sphere. What is drawn there goes on from one edge at the other.
+Raster localDrawSun(const Size& size, float reach) {
+    const auto [width, height] = size;
+    Raster picture(width, height);
+    const float turn = 2 * kPi / static_cast<float>(width - 1);
+    const float parallel = reach / static_cast<float>(height - 1);
+    ForEachRow(height, [&](int y) {
+        const float down = parallel * static_cast<float>(y);
+        const float across = std::sin(down) / 2;
+        const float up = localSpindleHeight(down);
+        for (int x = 0; x < width; ++x) {
+            const float at = turn * static_cast<float>(x % (width - 1));
+            picture.At(x, y) =
+                localCoreAt(Vec3{across * std::cos(at), up, across * std::sin(at)} + kSunVantage);
+        }
+    });
+    return picture;
+}
+
 Rgba localPlasma(std::span<const Stop> palette, float density, float heat) {
     return {Ramp(palette, heat), Clamp01(density)};
 }
@@ -119,23 +156,22 @@ Rgba localPlasmaCAt(Vec3 p) {
 
 } // namespace
 
-Raster DrawSunSurface(int width, int height) {
-    return localWrapped(width, height, localCoreAt);
+Raster DrawSunCore(const Size& size) {
+    return localDrawSun(size, std::acos(kSunLowest));
 }
 
-// Four times as fine as the shells: it fills a quarter of the screen.
-Raster DrawSunCore() {
-    return DrawSunSurface(4096, 2048);
+Raster DrawWholeSun(const Size& size) {
+    return localDrawSun(size, kPi);
 }
 
-Raster DrawPlasmaA() {
-    return localWrapped(1024, 512, localPlasmaAAt);
+Raster DrawPlasmaA(const Size& size) {
+    return localWrapped(size, localPlasmaAAt);
 }
 
-Raster DrawPlasmaB() {
-    return localWrapped(1024, 512, localPlasmaBAt);
+Raster DrawPlasmaB(const Size& size) {
+    return localWrapped(size, localPlasmaBAt);
 }
 
-Raster DrawPlasmaC() {
-    return localWrapped(1024, 512, localPlasmaCAt);
+Raster DrawPlasmaC(const Size& size) {
+    return localWrapped(size, localPlasmaCAt);
 }

@@ -10,17 +10,13 @@
 
 namespace {
 
-constexpr int kSize = 1024;
-
-// A pixel as seen from the middle of the picture.
+// A place as seen from the middle of the picture.
 struct Polar {
     float x, y; // direction, of length 1
     float r;    // 1 at the inscribed circle
 };
 
-Polar localPolarAt(float px, float py) {
-    const float x = px * 2 / kSize - 1;
-    const float y = py * 2 / kSize - 1;
+Polar localPolarAt(float x, float y) {
     const float r = std::hypot(x, y);
     return r > 0 ? Polar{x / r, y / r, r} : Polar{1, 0, 0};
 }
@@ -32,9 +28,8 @@ float localFading(float r) {
 }
 
 // Hugs the sun, which is taller than wide; the rays turn, and cannot.
-Rgba localHaloAt(float px, float py) {
-    constexpr float kMiddle = kSize / 2.0f;
-    const Polar at = localPolarAt(px, kMiddle + (py - kMiddle) / kSunTall);
+Rgba localHaloAt(float x, float y) {
+    const Polar at = localPolarAt(x, y / kSunTall);
     const float height = std::max(0.0f, at.r - kSunShare);
     // The corona is never quite even.
     const float breath = 1 + 0.35f * Fbm({at.x * 1.6f, at.y * 1.6f, at.r * 1.2f}, 3, 5);
@@ -57,8 +52,8 @@ float localRays(const Polar& at, float count, float length, float sharp, std::ui
     return std::pow(ray, sharp) * std::exp(-height / reach);
 }
 
-Rgba localRaysAt(float px, float py) {
-    const Polar at = localPolarAt(px, py);
+Rgba localRaysAt(float x, float y) {
+    const Polar at = localPolarAt(x, y);
     const float broad = localRays(at, 2.6f, 0.34f, 2.2f, 301);
     const float middle = localRays(at, 7.0f, 0.30f, 2.6f, 401);
     const float fine = localRays(at, 19.0f, 0.22f, 2.6f, 501);
@@ -67,16 +62,21 @@ Rgba localRaysAt(float px, float py) {
     return Glow(light * localFading(at.r));
 }
 
-} // namespace
-
-Raster DrawHalo() {
-    Raster halo(kSize, kSize);
-    halo.Fill(localHaloAt);
-    return halo;
+// colourAt(x, y) of a place, -1..1 across the picture and down it.
+template <class Function> Raster localAround(const Size& size, Function colourAt) {
+    Raster picture(size.width, size.height);
+    const auto width = static_cast<float>(size.width);
+    const auto height = static_cast<float>(size.height);
+    picture.Fill([&](float x, float y) { return colourAt(x * 2 / width - 1, y * 2 / height - 1); });
+    return picture;
 }
 
-Raster DrawRays() {
-    Raster rays(kSize, kSize);
-    rays.Fill(localRaysAt);
-    return rays;
+} // namespace
+
+Raster DrawHalo(const Size& size) {
+    return localAround(size, localHaloAt);
+}
+
+Raster DrawRays(const Size& size) {
+    return localAround(size, localRaysAt);
 }
