@@ -1,4 +1,4 @@
-// What the benchmarks work on.
+// What the benchmarks work on, and the count of instructions.
 #pragma once
 
 #include "anim/morph_animation.h"
