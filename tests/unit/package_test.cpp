@@ -162,8 +162,8 @@ TEST(Package, WrongTablesReadNothingOutside) {
     };
     FXPackage package;
     for (const auto& [tables, entry, problem] : cases) {
-        const std::string data = tables.empty() ? "" : "abc";
-        EXPECT_TRUE(package.Load(folder.Write("p", Header("pck01") + tables + data).c_str()));
+        const std::string file = Header("pck01").append(tables).append(tables.empty() ? "" : "abc");
+        EXPECT_TRUE(package.Load(folder.Write("p", file).c_str()));
         EXPECT_EQ(Entry(package, 1), entry) << testing::PrintToString(tables);
         EXPECT_STREQ(package.problem.text, problem) << testing::PrintToString(tables);
     }
@@ -233,11 +233,11 @@ TEST(PackageBuild, NamesBecomeIdsOnceAndAHeader) {
     FXPackage package;
     package.firstId = 40;
     FXStr name(file.c_str()), again(file.c_str()), empty;
-    EXPECT_EQ(package.BuildId("other"), 40);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(package.BuildId("other"), 40);
     for (FXStr* given : {&name, &again, &empty})
         package.AddDataFile1(given);
-    EXPECT_STREQ(name.text, "41");
-    EXPECT_STREQ(again.text, "41");
+    EXPECT_EQ(std::string(name.text) + again.text, "4141");
     EXPECT_EQ(package.pendingIds.count, 1);
     EXPECT_TRUE(package.SaveNamesCpp(folder.File("names.h").c_str()));
     EXPECT_EQ(folder.Read("names.h"), "#define FXNAME_OTHER  40\n#define FXNAME_SUN__CORE__1_PNG  41\n");
