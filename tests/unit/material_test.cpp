@@ -98,6 +98,7 @@ TEST_F(MaterialPicture, IsUploadedAtOnceIntoOneTexture) {
     ASSERT_TRUE(m.LoadTextureCN(&package_, 7));
     EXPECT_TRUE(m.prepared && m.texOpaque && m.extentU == 0.75f && m.extentV == 1.0f);
     EXPECT_TRUE(m.GetWidthF() == 3 && m.GetHeightF() == 2);
+    EXPECT_EQ(m.canvas.pixels, nullptr) << "the texture has them";
     const unsigned name = m.texName;
     EXPECT_GT(name, 0u);
     ASSERT_TRUE(m.LoadTexture(file_.c_str()));

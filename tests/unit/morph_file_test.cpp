@@ -94,6 +94,10 @@ TEST_F(MorphFile, Version3KeepsEverything) {
     ASSERT_NE(library, nullptr);
     EXPECT_EQ(library->refCount, 8) << "each key frame's and imodel's, in the package's and in the file's";
     EXPECT_EQ(read.models[2]->meshes[1]->material, library->FindMaterial("wood"));
+    LoadPackage(bytes.substr(0, bytes.size() - 1));
+    ASSERT_TRUE(read.LoadCN(&package_, kMorph));
+    EXPECT_EQ(read.models[1]->GetTotalVertices(), 6);
+    EXPECT_EQ(read.models[2]->GetTotalVertices(), 0) << "its last vectors are not there";
     read.Destroy();
     fromFile.Destroy();
     EXPECT_TRUE(device_.gl.matlibs.IsEmpty());
