@@ -73,7 +73,7 @@ TEST_F(Settings, TheNearestPlaceWinsAndABadFileIsPassedOverAndReported) {
     for (const char* place : {"user", "site", "system"})
         places += folder.File(place) + "/tamblor/tamblor.conf, ";
     const fs::path prefix = fs::read_symlink("/proc/self/exe").parent_path().parent_path();
-    places += (prefix / "share/tamblor/tamb.dat, ").string() + TAMBLOR_INSTALLED_DATA + "/tamb.dat";
+    places += (prefix / "share/tamblor/tamb.dat, ").string() + TAMBLOR_INSTALLED_SHARE + "/tamblor/tamb.dat";
     EXPECT_EQ(WordsOf(ERROR_FILE_NOT_FOUND), places);
     for (const char* place : {"system", "site", "user"}) {
         Write(place, std::string("path = /of/") + place);

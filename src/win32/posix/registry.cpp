@@ -1,7 +1,10 @@
 // The one configuration value, the data folder, looked for where a user of this system expects it:
 //   1. the environment variable TAMBLOR_DATA
 //   2. tamblor/tamblor.conf in the user's configuration folder, then in the system's
-//   3. the folder that the package was installed or built into, beside the executable
+//   3. the folder that the package was installed or built into, beside the executable; the one for large
+//   screens where
+//      the screen is large and there is one
+#include "win32/posix/data_folder.h"
 #include "win32/posix/last_error.h"
 #include "win32/posix/settings_file.h"
 #include "win32/product.h"
@@ -20,6 +23,7 @@ namespace {
 
 constexpr const char* kDataVariable = "TAMBLOR_DATA";
 int theKey; // the address stands for the opened key
+int (*theScreenWidth)() = nullptr;
 
 std::string Variable(const char* name, const std::string& otherwise) {
     const char* value = std::getenv(name);
@@ -45,12 +49,16 @@ struct Search {
 void SearchInstalled(Search* search) {
     std::error_code failed;
     const fs::path prefix = fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
-    for (const fs::path& folder : {prefix / "share" / kProductFolder, fs::path(TAMBLOR_INSTALLED_DATA)}) {
-        const fs::path package = folder / kPackageFile;
-        search->tried += ", " + package.string();
-        if (search->folder.empty() && folder.is_absolute() && fs::exists(package, failed))
-            search->folder = folder.string();
-    }
+    std::vector<const char*> shows = {kProductFolder};
+    if (theScreenWidth != nullptr && theScreenWidth() > kWidestForDefaultShow)
+        shows.insert(shows.begin(), kLargeShowFolder);
+    for (const fs::path& share : {prefix / "share", fs::path(TAMBLOR_INSTALLED_SHARE)})
+        for (const char* show : shows) {
+            const fs::path package = share / show / kPackageFile;
+            search->tried += ", " + package.string();
+            if (search->folder.empty() && share.is_absolute() && fs::exists(package, failed))
+                search->folder = package.parent_path().string();
+        }
 }
 
 // The first folder that somebody names; bad files are passed over.
@@ -74,6 +82,10 @@ Search SearchDataFolder() {
 }
 
 } // namespace
+
+void AskScreenWidthOf(int (*width)()) {
+    theScreenWidth = width;
+}
 
 LSTATUS RegOpenKeyA(HKEY root, const char* name, HKEY* key) {
     return RegOpenKeyExA(root, name, 0, KEY_QUERY_VALUE, key);

@@ -1,4 +1,5 @@
 // The saver's process entry, and the facts of the process.
+#include "win32/posix/data_folder.h"
 #include "win32/windowing/windowing.h"
 
 #include <charconv>
@@ -96,6 +97,7 @@ BOOL SystemParametersInfoA(UINT, UINT, void*, UINT) {
 int main(int count, char** words) {
     ListenToSignals();
     OfferWindowSystems(kWindowSystems);
+    AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
     const std::vector<std::string> all(words, words + count);
     commandLine = Joined(all);
     std::string arguments = count > 0 ? Joined(Arguments({words + 1, words + count})) : "";
