@@ -30,7 +30,10 @@ protected:
         decoded = 0;
         byMain = false;
     }
-    ~Decoder() override { fxUnloadDevil(); }
+    ~Decoder() override {
+        decoder_.Stop();
+        fxUnloadDevil();
+    }
 
     void Start(std::initializer_list<int> entries) {
         FXArray<int> wanted;
