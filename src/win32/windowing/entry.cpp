@@ -1,9 +1,11 @@
 // The saver's process entry, and the facts of the process.
+#include "win32/linux/words.h"
 #include "win32/posix/data_folder.h"
 #include "win32/windowing/windowing.h"
 
 #include <charconv>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <span>
 #include <string>
@@ -13,6 +15,8 @@ namespace {
 
 // The preferred one first.
 constexpr const WindowSystem* kWindowSystems[] = {&kX11};
+
+constexpr int kUsageError = 2; // exit status
 
 std::string commandLine;
 
@@ -45,21 +49,23 @@ std::size_t WindowSwitch(const std::string& word) {
     return letter < word.size() && std::strchr("pPaA", word[letter]) != nullptr ? letter + 1 : 0;
 }
 
-// The arguments, with window numbers in decimal.
-std::vector<std::string> Arguments(std::span<char* const> words) {
-    std::vector<std::string> arguments;
+// The words, with window numbers in decimal.
+std::vector<std::string> WithDecimals(std::vector<std::string> words) {
     bool awaited = false; // the word before was a switch
-    for (const char* each : words) {
-        std::string word = each;
+    for (std::string& word : words) {
         const std::size_t length = WindowSwitch(word);
         if (awaited)
             word = InDecimal(word);
         else if (length > 0)
             word.replace(length, std::string::npos, InDecimal(word.substr(length)));
         awaited = length > 0 && length == word.size();
-        arguments.push_back(word);
     }
-    return arguments;
+    return words;
+}
+
+// Status 0, or 1 when nobody can be told.
+int Say(const std::string& text) {
+    return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
 }
 
 // The first request takes the show down in good order; should that hang, the second one is the system's. What
@@ -94,12 +100,27 @@ BOOL SystemParametersInfoA(UINT, UINT, void*, UINT) {
     return TRUE;
 }
 
-int main(int count, char** words) {
+int main(int count, char** arguments) {
+    const std::vector<std::string> all(arguments, arguments + count);
+    Words words = ReadWords(std::span(all).subspan(all.empty() ? 0 : 1));
+    switch (words.task) {
+    case Task::Wrong:
+        std::fprintf(stderr, "tamblor: %s\n", words.problem.c_str());
+        return kUsageError;
+    case Task::Help:
+        return Say(HelpText());
+    case Task::Version:
+        return Say(VersionText());
+    case Task::Show:
+        words.rest = {"/s"};
+        break;
+    case Task::Classic:
+        break;
+    }
     ListenToSignals();
     OfferWindowSystems(kWindowSystems);
     AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
-    const std::vector<std::string> all(words, words + count);
     commandLine = Joined(all);
-    std::string arguments = count > 0 ? Joined(Arguments({words + 1, words + count})) : "";
-    return WinMain(nullptr, nullptr, arguments.data(), SW_SHOWNORMAL);
+    std::string line = Joined(WithDecimals(words.rest));
+    return WinMain(nullptr, nullptr, line.data(), SW_SHOWNORMAL);
 }

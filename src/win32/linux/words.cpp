@@ -1,0 +1,103 @@
+#include "win32/linux/words.h"
+
+#include <algorithm>
+#include <functional>
+#include <string_view>
+
+namespace {
+
+// The letters of the classic switches (host/saver_mode.cpp).
+constexpr const char* kSwitches = "SsPpAaCc";
+
+struct Option {
+    const char* name;
+    const char* value; // what it is called in the help; null: it has none
+    const char* help;
+    // Takes the value, "" without one; gives what is wrong with it, or "".
+    std::string (*take)(const std::string& value, Words* words);
+};
+
+std::string TakeTask(Task task, Words* words) {
+    words->task = task;
+    return "";
+}
+
+constexpr Option kOptions[] = {
+    {"--help", nullptr, "this text", [](const std::string&, Words* w) { return TakeTask(Task::Help, w); }},
+    {"--version", nullptr, "the version",
+     [](const std::string&, Words* w) { return TakeTask(Task::Version, w); }},
+};
+
+const Option* FindOption(std::string_view name) {
+    const auto* found = std::ranges::find_if(kOptions, [&](const Option& each) { return each.name == name; });
+    return found == std::end(kOptions) ? nullptr : found;
+}
+
+bool HasSwitch(const std::string& word) {
+    return word.find_first_of(kSwitches) != std::string::npos;
+}
+
+Words Wrong(const std::string& problem) {
+    Words words;
+    words.task = Task::Wrong;
+    words.problem = problem + "; tamblor --help lists what there is";
+    return words;
+}
+
+} // namespace
+
+Words ReadWords(std::span<const std::string> all) {
+    Words words;
+    bool anyOption = false;
+    std::string unknown; // the first word that is neither an option nor anything for the classic rule
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const std::string& word = all[i];
+        const std::size_t equals = std::min(word.find('='), word.size());
+        const Option* option = FindOption(std::string_view(word).substr(0, equals));
+        if (option == nullptr) {
+            words.rest.push_back(word);
+            if (unknown.empty() && word.starts_with('-') && !HasSwitch(word))
+                unknown = word;
+            continue;
+        }
+        anyOption = true;
+        std::string value = equals < word.size() ? word.substr(equals + 1) : "";
+        if (option->value == nullptr && equals < word.size())
+            return Wrong(std::string(option->name) + " has no value");
+        if (option->value != nullptr && equals == word.size()) {
+            if (i + 1 == all.size())
+                return Wrong(std::string(option->name) + " needs a value, " + option->value);
+            value = all[++i];
+        }
+        const std::string problem = option->take(value, &words);
+        if (!problem.empty())
+            return Wrong(problem);
+    }
+    if (!unknown.empty() && (anyOption || std::ranges::none_of(words.rest, HasSwitch)))
+        return Wrong("unknown option " + unknown);
+    if (words.task == Task::Classic && anyOption && words.rest.empty())
+        words.task = Task::Show;
+    return words;
+}
+
+std::string HelpText() {
+    std::string text = "tamblor: a screen saver that burns the desktop away and rebuilds it.\n\n"
+                       "usage: tamblor [OPTION...] [SWITCH]\n\n"
+                       "switches, as screen savers have them on Windows; the first of these letters counts:\n"
+                       "  /s                    the show, full screen\n"
+                       "  /p WINDOW             a still in another program's window, by its number\n"
+                       "  /c, or nothing        settings; there are none to show\n\n"
+                       "options:\n";
+    for (const Option& option : kOptions) {
+        std::string name = std::string("  ") + option.name;
+        if (option.value != nullptr)
+            name.append("=").append(option.value);
+        name.resize(std::max<std::size_t>(name.size() + 1, 24), ' ');
+        text += name + option.help + "\n";
+    }
+    return text;
+}
+
+std::string VersionText() {
+    return "tamblor " TAMBLOR_VERSION "\n";
+}

@@ -1,0 +1,31 @@
+// The words of the command line that only Linux has: long options. They are looked for before the classic
+// rule (host/saver_mode.h), which would take a switch from the letters in them.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+enum class Task {
+    Classic, // what the rest of the words ask for, by the classic rule
+    Show,    // full screen
+    Help,
+    Version,
+    Wrong,
+};
+
+struct Words {
+    Task task = Task::Classic;
+    std::vector<std::string> rest; // what is left for the classic rule
+    std::string problem;           // of Wrong: one line for the user
+};
+
+// The words behind the program's name. An option stands as it is ("--help"), with its value behind it or
+// after an equals sign ("--name VALUE", "--name=VALUE"). A word that begins with a minus and is none of the
+// options is wrong, unless the classic rule makes a switch of it. Options that only say how ask for the show,
+// where nothing else asks for anything.
+Words ReadWords(std::span<const std::string> words);
+
+// What --help prints, and --version: both end with a newline.
+std::string HelpText();
+std::string VersionText();
