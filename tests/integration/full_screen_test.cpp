@@ -73,11 +73,10 @@ TEST_F(Modes, NoneOfTheseShowsAWindowAndEachSaysWhy) {
                       nothing = "tamblor: there is nothing to set up";
     const std::string noNumber = "tamblor: the preview needs the number of a window, as in /p 1234\n";
     const std::pair<std::vector<std::string>, std::string> lines[] = {
-        {{}, nothing},          // there is no settings dialog
-        {{"/c:1234"}, nothing}, // as the settings panel asks
-        {{"-q"}, nothing},      // no known letter
-        {{"/p"}, noNumber},     // preview without a window
-        {{"/p", "99999999"}, noWindow + "99999999\n"},
+        {{}, nothing},                                 // there is no settings dialog
+        {{"/c:1234"}, nothing},                        // as the settings panel asks
+        {{"-q"}, nothing},                             // no known letter
+        {{"/p"}, noNumber},                            // preview without a window
         {{"/p", "0xFfffff"}, noWindow + "16777215\n"}, // as X tools write it
         {{"p0Xffffffff"}, noWindow + "4294967295\n"},
         {{"/p", "0x100000000"}, noWindow + "0\n"},     // beyond any window's: left as it is

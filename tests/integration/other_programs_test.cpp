@@ -37,14 +37,14 @@ TEST_F(OtherPrograms, AfterTheInputWasHeldAtItsStartTheLostFocusOrAKeyEndsIt) {
     for (const bool byKey : {false, true}) {
         ASSERT_EQ(display.GrabInput(), granted);
         Start();
-        EXPECT_TRUE(SaverTakesTheFocus()) << "it gives up asking soon, and goes on asking";
+        ASSERT_TRUE(SaverTakesTheFocus()) << "it gives up asking soon, and goes on asking";
         if (byKey) {
             ExpectAKeyEndsItWhen(other);
         } else {
             saver.SetClock(4001);
             display.MovePointer(20, 20); // which the holder of the pointer alone is told
             display.TakeFocus(other);
-            EXPECT_EQ(saver.WaitForExit(), 0);
+            ASSERT_EQ(saver.WaitForExit(), 0);
         }
     }
 }
@@ -81,8 +81,8 @@ TEST_F(OtherPrograms, ItComesUpAboveNewWindowsOnceEachAndAMoveOnABlackMonitorCou
     Start();
     for (const unsigned long colour : {0xFFFFFFul, 0xFFFF00ul}) {
         display.ShowWindow({40, 40, 240, 160}, colour);
-        EXPECT_TRUE(display.WaitForPixel(60, 60, display.DesktopPixel(60, 60), 12)) << "the show";
-        EXPECT_TRUE(display.WaitForPixel(260, 60, 0x000000, 0)) << "the black window";
+        ASSERT_TRUE(display.WaitForPixel(60, 60, display.DesktopPixel(60, 60), 12)) << "the show";
+        ASSERT_TRUE(display.WaitForPixel(260, 60, 0x000000, 0)) << "the black window";
     }
     XSelectInput(display.connection, display.Root(), SubstructureNotifyMask);
     XSync(display.connection, True);

@@ -10,12 +10,12 @@
 #define FUNCTIONS(USE) USE(iluScale) USE(iluImageParameter)
 #else
 #define LIBRARY "libIL.so.1"
+// clang-format off
 #define FUNCTIONS(USE)                                                                                       \
-    USE(ilInit)                                                                                              \
-    USE(ilShutDown)                                                                                          \
-    USE(ilEnable) USE(ilDisable) USE(ilSetInteger) USE(ilGenImages) USE(ilDeleteImages) USE(ilBindImage)     \
-        USE(ilGetInteger) USE(ilLoadImage) USE(ilLoadL) USE(ilSaveImage) USE(ilCloneCurImage)                \
-            USE(ilConvertImage) USE(ilCopyPixels) USE(ilSetPixels) USE(ilGetData) USE(ilTexImage)
+    USE(ilInit) USE(ilShutDown) USE(ilEnable) USE(ilDisable) USE(ilSetInteger) USE(ilGenImages)              \
+    USE(ilDeleteImages) USE(ilBindImage) USE(ilGetInteger) USE(ilLoadImage) USE(ilLoadL) USE(ilSaveImage)    \
+    USE(ilCloneCurImage) USE(ilConvertImage) USE(ilCopyPixels) USE(ilSetPixels) USE(ilGetData) USE(ilTexImage)
+// clang-format on
 #endif
 
 namespace {
