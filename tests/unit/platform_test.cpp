@@ -178,6 +178,7 @@ TEST_F(Trace, WritesEachEntryAtOnceIntoTheFirstFileUntilItIsClosed) {
              kLine + "\n";
     EXPECT_EQ(folder_.Read("tamb.log"), whole);
     fxCloseTraces();
+    EXPECT_FALSE(fxTracesOpened());
     trc("nobody hears\n");
     EXPECT_EQ(folder_.Read("tamb.log"), whole + "\n" + kLine + " end of traces\n" + kLine + "\n");
 }
