@@ -24,13 +24,14 @@ std::string localPicture(const std::string& file, const Screen& screen) {
     return Draw(TexelsFor(drawn, screen)).WritePng(file);
 }
 
-// What is opaque, as a photograph. At this quality nothing shows of the packing, also where somebody
-// brightens what is dark.
+// What is opaque, as a photograph. At the first quality nothing shows of the packing. Dark pictures need the
+// highest, or whoever brightens them sees blocks.
 constexpr int kQuality = 96;
+constexpr int kQualityOfDark = 100;
 
-template <Raster (*Draw)(const Size&), const Drawn& drawn>
+template <Raster (*Draw)(const Size&), const Drawn& drawn, int quality = kQuality>
 std::string localPhotograph(const std::string& file, const Screen& screen) {
-    return Draw(TexelsFor(drawn, screen)).WriteJpeg(file, kQuality);
+    return Draw(TexelsFor(drawn, screen)).WriteJpeg(file, quality);
 }
 
 // A pane for a preview has nothing to do with the screen. It is of 4:3.
@@ -52,7 +53,7 @@ constexpr Output kOutputs[] = {
     {"13-shell-1.om", WriteSunShell1},
     {"15-shell-2.om", WriteSunShell2},
     {"17-shell-3.om", WriteSunShell3},
-    {"18-space.jpg", localPhotograph<DrawSpace, kDrawnSpace>},
+    {"18-space.jpg", localPhotograph<DrawSpace, kDrawnSpace, kQualityOfDark>},
     {"19-halo.png", localPicture<DrawHalo, kDrawnHalo>},
     {"20-rays.png", localPicture<DrawRays, kDrawnRays>},
     {"21-lens.png", localPicture<DrawLens, kDrawnLens>},

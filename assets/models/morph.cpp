@@ -41,10 +41,10 @@ constexpr CurveKey kCurl[] = {{0, 0}, {10.7f, 0}, {12.0f, 1}, {13.2f, 0}};
 
 // When the key frames are, up to the one in which the sheet lies flat. What turns fast needs them close
 // together: between two of them every corner moves on a straight line.
-constexpr float kMoments[] = {0.0f,   0.35f, 0.7f,   1.05f, 1.4f,   1.75f, 2.1f,  2.45f, 2.8f,   3.15f,
-                              3.5f,   3.85f, 4.2f,   4.6f,  5.0f,   5.3f,  5.6f,  5.9f,  6.225f, 6.55f,
-                              6.875f, 7.2f,  7.525f, 7.85f, 8.175f, 8.5f,  8.85f, 9.2f,  9.6f,   10.0f,
-                              10.35f, 10.7f, 11.1f,  11.5f, 11.9f,  12.3f, 12.7f, 13.0f};
+constexpr float kMoments[] = {0.0f,   0.42f,  0.84f,  1.26f, 1.68f,  2.1f,  2.52f, 2.94f,  3.36f,
+                              3.78f,  4.2f,   4.6f,   5.0f,  5.3f,   5.6f,  5.9f,  6.225f, 6.55f,
+                              6.875f, 7.2f,   7.525f, 7.85f, 8.175f, 8.5f,  8.85f, 9.2f,   9.6f,
+                              10.0f,  10.35f, 10.7f,  11.1f, 11.5f,  11.9f, 12.3f, 12.7f,  13.0f};
 constexpr float kFlatAt = 13.3f;
 constexpr int kTextureMilliseconds = 80;
 
