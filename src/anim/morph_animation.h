@@ -44,7 +44,7 @@ public:
                v.Each(p.frames, [&](int f) { return p.Map(f); });
     }
 
-    // Files (morph_file.cpp). False when there is no entry or file of 8 bytes at least; one that lies gives
+    // Files (morph_file.cpp). False when there is no entry or file of 8 bytes at least; a malformed one gives
     // empty key frames. What is beyond the budget is left out: all meshes (version 3), or the key frames from
     // the one that does not fit on (version 2); without a budget given, that is said in the trace.
     bool LoadCN(FXPackage* pck, int id, FXLoadBudget* budget = nullptr);

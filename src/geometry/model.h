@@ -39,8 +39,8 @@ public:
     }
 
     // From an entry, in either version of the format. False when there is no such entry; one that is no
-    // model, or lies, gives a model that is empty or holds empty meshes. Meshes beyond the budget are left
-    // out; without one given, that is said in the trace.
+    // model, or is malformed, gives a model that is empty or holds empty meshes. Meshes beyond the budget are
+    // left out; without one given, that is said in the trace.
     bool LoadCN(FXPackage* pck, int id, FXLoadBudget* budget = nullptr);
     // The entries of the pictures that LoadCN would load (FXMatlib::ListPictures).
     static void ListPictures(FXPackage* pck, int id, FXArray<int>* entries);

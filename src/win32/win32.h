@@ -1,4 +1,4 @@
-// The door to the platform. On Windows: the system's own headers. Elsewhere: the types, constants and
+// The platform's functions. On Windows: the system's own headers. Elsewhere: the types, constants and
 // functions of the same names and values that Tamblor calls, and no more; win32/posix and win32/windowing
 // answer them.
 #pragma once

@@ -73,7 +73,7 @@ private:
         EntryFacts facts;
     };
 
-    // Somebody takes the entry for that kind.
+    // An entry that refers to it takes it for that kind.
     void Expect(int id, EntryKind kind, const std::string& why) {
         const EntryKind found = rows_[id].findings.kind;
         if (found != kind)
@@ -122,7 +122,7 @@ private:
                                                            : row->second.facts.materials;
     }
 
-    // The last word is the readers' that the show has.
+    // What the show's own readers make of the entry decides.
     void CheckAsTheShow(int id) {
         EntryFindings& findings = rows_[id].findings;
         const EntryFacts& facts = rows_[id].facts;

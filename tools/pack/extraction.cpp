@@ -276,7 +276,7 @@ int localRun(const Arguments& arguments) {
     if (arguments.words.size() == 3)
         return localOne(&package, arguments);
     if (OverlapsTooMuch(package))
-        return Fail(file + ": its entries lie over each other (tamb-pack verify says where)");
+        return Fail(file + ": its entries overlap (tamb-pack verify says where)");
     return localAll(&package, IsScrambled(file), arguments);
 }
 

@@ -38,7 +38,7 @@ int localRun(const Arguments& arguments) {
     if (!LoadPackage(arguments.words[0], &package, &error))
         return Fail(error);
     if (OverlapsTooMuch(package))
-        return Fail(arguments.words[0] + ": its entries lie over each other (tamb-pack verify says where)");
+        return Fail(arguments.words[0] + ": its entries overlap (tamb-pack verify says where)");
     std::vector<Description> rows(static_cast<std::size_t>(package.ids.count));
     Progress progress("entry", rows.size(), !arguments.Has("--quiet"));
     std::size_t done = 0;

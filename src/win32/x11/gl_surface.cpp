@@ -149,7 +149,7 @@ bool GlxSurface::ListConfigs(std::vector<GlConfig>* configs) {
     return true;
 }
 
-// Whether the surface may go while it is drawn, and the driver dies of that: a preview's goes with the
+// Whether the surface may go while it is drawn, and the driver crashes then: a preview's goes with the
 // settings panel, and Mesa's software driver takes whatever is on its stack for the size of a window that is
 // gone. The root window stays.
 bool GlxSurface::IsFragile() const {
