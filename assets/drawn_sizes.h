@@ -16,7 +16,7 @@ struct Drawn {
 };
 
 //           drawn by           screens up to 2560   3840
-// Space     desk0              2048 x 1024   4096 x 2048
+// Space     desk0              1920 x 1024   3840 x 2048   as wide as the most common of these screens
 // Halo      kGlowScale          512 x  512   1024 x 1024
 // Rays      kGlowScale          512 x  512   1024 x 1024
 // Lens      desk_lens          1024 x  512   1024 x 1024

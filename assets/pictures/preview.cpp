@@ -58,7 +58,7 @@ Rgb localSunAt(const Raster& surface, float x, float y) {
 } // namespace
 
 Raster DrawPreview(const Size& size) {
-    const Raster space = DrawSpace({1024, 512});
+    const Raster space = DrawSpace({960, 512});
     const Raster desktop = DrawDesktop().Shrunk(kWidth * 4 / 3, kHeight);
     const Raster halo = DrawHalo({1024, 1024});
     const Raster rays = DrawRays({1024, 1024});
@@ -68,7 +68,7 @@ Raster DrawPreview(const Size& size) {
     still.Fill([&](float fineX, float fineY) {
         const float px = fineX * kWidth / kFineWidth;
         const float py = fineY * kHeight / kFineHeight;
-        Rgb colour = space.Sample(px * 1.2f, py * 512 / kHeight).colour;
+        Rgb colour = space.Sample(px * 1.125f, py * 512 / kHeight).colour;
         const float x = (px - kSunX) / kSunRadius;
         const float y = (py - kSunY) / kSunRadius;
         const auto around = [&](const Raster& glow, float tall) {

@@ -9,7 +9,7 @@
 namespace {
 
 // Drawn on so many pixels, and then averaged: stars are smaller than a pixel.
-constexpr int kWidth = 4096;
+constexpr int kWidth = 3840;
 constexpr int kHeight = 2048;
 // The nebula has no detail finer than this many of them, and is computed on a grid that coarse.
 constexpr int kCoarse = 3;
