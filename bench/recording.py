@@ -39,8 +39,10 @@ class Display:
         self.size = size
         self.recorder = recorder
         ours, theirs = os.pipe()
+        # -noreset: it would begin anew whenever its last program ends, and refuse the next one meanwhile.
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(theirs), "-screen", "0", f"{size}x24", "-nolisten", "tcp"],
+            ["Xvfb", "-displayfd", str(theirs), "-screen", "0", f"{size}x24", "-nolisten", "tcp",
+             "-noreset"],
             pass_fds=[theirs], stderr=subprocess.DEVNULL)
         os.close(theirs)
         with os.fdopen(ours) as numbers:
