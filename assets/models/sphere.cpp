@@ -22,8 +22,8 @@ struct Sphere {
     int turns;         // how often its picture goes round it
     int columns, rows; // of the whole sphere
 };
-constexpr int kShellColumns = 64;
-constexpr int kShellRows = 32;
+constexpr int kShellColumns = 48;
+constexpr int kShellRows = 24;
 constexpr Sphere kShells[] = {
     {"sun shell 1", "PlasmaA", kTwoPasses, 1.01f, 1.15f, -1, 1, kShellColumns, kShellRows},
     {"sun shell 2", "PlasmaB", kTwoPasses, 1.03f, 1.15f, -1, 1, kShellColumns, kShellRows},
