@@ -53,6 +53,12 @@ TEST_F(Settings, AFileIsReadOrRefusedAsAWhole) {
         {"\npaht = /show\n", "", ":2: unknown setting 'paht'"},
         {std::string("path = /a\0b\n", 12), "", ":1: a control character"},
         {std::string(70000, '#'), "", "too large"},
+        {"path = /show\nsamples = 16\n mouse_threshold = 0 # none\n", "", ":3: mouse_threshold must be a"},
+        {"path = /show\nsamples = 17\n", "", ":2: samples must be a whole number from 0 to 16"},
+        {"max_fps = -1\n", "", "must be a whole number from 0 to 1000"},
+        {"max_fps = 99999999999\n", "", "must be a whole number"},
+        {"max_fps = 30.5\n", "", "must be a whole number"},
+        {"max_fps =\n", "", "must be a whole number"},
     };
     for (const auto& [text, path, problem] : cases) {
         SettingsFile file;
@@ -91,6 +97,21 @@ TEST_F(Settings, TheNearestPlaceWinsAndABadFileIsPassedOverAndReported) {
     EXPECT_NE(words.find("user/tamblor/tamblor.conf:2: expected"), std::string::npos) << words;
     setenv("TAMBLOR_DATA", "/of/environment", 1);
     EXPECT_EQ(Read(), "/of/environment");
+}
+
+// The problem is reported once in a process: by whoever comes first.
+TEST_F(Settings, NumbersComeFromTheNearestGoodFileThatNamesThem) {
+    Write("system", "max_fps = 24\nmouse_threshold = 1000\nsamples = 0");
+    Write("site", "mouse_threshold = 10\nmax_fps = fast\n");
+    Write("user", "samples = \"8\"\n");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(SettingNumber("samples", 3), 8);
+    EXPECT_EQ(SettingNumber("mouse_threshold", 3), 1000);
+    EXPECT_EQ(SettingNumber("max_fps", 3), 24);
+    EXPECT_EQ(SettingNumber("path", 3), 3);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "tamblor: configuration: " + folder.File("site/tamblor/tamblor.conf") +
+                  ":2: max_fps must be a whole number from 0 to 1000\n");
 }
 
 #ifndef __SANITIZE_THREAD__ // which loses sight of a thread that is cancelled

@@ -13,7 +13,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -24,20 +23,6 @@ namespace {
 constexpr const char* kDataVariable = "TAMBLOR_DATA";
 int theKey; // the address stands for the opened key
 int (*theScreenWidth)() = nullptr;
-
-std::string Variable(const char* name, const std::string& otherwise) {
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
-}
-
-std::vector<std::string> ConfigurationFolders() {
-    std::vector<std::string> folders = {Variable("XDG_CONFIG_HOME", Variable("HOME", "") + "/.config")};
-    std::stringstream system(Variable("XDG_CONFIG_DIRS", "/etc/xdg"));
-    for (std::string folder; std::getline(system, folder, ':');)
-        folders.push_back(folder);
-    std::erase_if(folders, [](const std::string& folder) { return !folder.starts_with('/'); }); // no place
-    return folders;
-}
 
 // The search for the data folder.
 struct Search {
@@ -64,9 +49,9 @@ void SearchInstalled(Search* search) {
 // The first folder that somebody names; bad files are passed over.
 Search SearchDataFolder() {
     Search search;
-    search.folder = Variable(kDataVariable, "");
-    for (const std::string& place : ConfigurationFolders()) {
-        const std::string name = place + "/" + kProductFolder + "/" + kSettingsFile;
+    if (const char* named = std::getenv(kDataVariable))
+        search.folder = named;
+    for (const std::string& name : SettingsFiles()) {
         search.tried += ", " + name;
         SettingsFile file;
         if (!ReadSettingsFile(name, &file))
@@ -111,8 +96,10 @@ LSTATUS RegQueryValueExA(HKEY, const char* name, DWORD*, DWORD*, BYTE* data, DWO
     if (!folder.empty())
         std::memcpy(data, folder.c_str(), folder.size() + 1);
     *size = static_cast<DWORD>(folder.size() + 1);
-    if (!search.problem.empty())
+    if (!search.problem.empty()) {
+        NoteProblemReported(search.problem);
         return ERROR_BAD_CONFIGURATION;
+    }
     return folder.empty() ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
 }
 

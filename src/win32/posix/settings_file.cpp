@@ -2,13 +2,37 @@
 
 #include "win32/product.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
+#include <sstream>
+#include <string_view>
 
 namespace {
 
 constexpr std::size_t kLargestFile = 65536;
+
+// The settings that are numbers, and the least and the greatest that each may be.
+struct NumberSetting {
+    std::string_view name;
+    int least, most;
+};
+constexpr NumberSetting kNumbers[] = {
+    {"max_fps", 0, 1000},         // frames a second; 0: as many as the driver shows
+    {"mouse_threshold", 0, 1000}, // pixels
+    {"samples", 0, 16},           // of each pixel
+};
+
+std::set<std::string> reported; // problems
+
+std::string Variable(const char* name, const std::string& otherwise) {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0' ? value : otherwise;
+}
 
 std::string Trimmed(const std::string& text) {
     const std::size_t first = text.find_first_not_of(" \t\r");
@@ -26,6 +50,29 @@ std::string WithHome(const std::string& path) {
     return home != nullptr && (path == "~" || path.starts_with("~/")) ? home + path.substr(1) : path;
 }
 
+// False when it is no whole number, or larger than an int.
+bool ReadNumber(const std::string& text, int* number) {
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, *number);
+    return error == std::errc() && stop == end;
+}
+
+// What is wrong with the value of a setting that is a number, or "".
+std::string CheckNumber(const std::string& name, const std::string& value) {
+    const auto* const setting = std::ranges::find(kNumbers, name, &NumberSetting::name);
+    if (setting == std::end(kNumbers)) {
+        std::string known = kDataFolderValue;
+        for (const NumberSetting& each : kNumbers)
+            known.append(", ").append(each.name);
+        return "unknown setting '" + name + "' (there are: " + known + ")";
+    }
+    int number = 0;
+    if (ReadNumber(value, &number) && number >= setting->least && number <= setting->most)
+        return "";
+    return name + " must be a whole number from " + std::to_string(setting->least) + " to " +
+           std::to_string(setting->most);
+}
+
 // One line; what is wrong with it, or "".
 std::string ReadLine(const std::string& line, std::map<std::string, std::string>* values) {
     const std::string text = Trimmed(line);
@@ -38,13 +85,15 @@ std::string ReadLine(const std::string& line, std::map<std::string, std::string>
     if (equals == std::string::npos)
         return "expected a line of the form: path = /folder";
     const std::string name = Trimmed(text.substr(0, equals));
-    const std::string value = WithHome(Unquoted(Trimmed(text.substr(equals + 1))));
+    std::string value = Unquoted(Trimmed(text.substr(equals + 1)));
+    std::string wrong;
     if (name != kDataFolderValue)
-        return "unknown setting '" + name + "' (there is one: path)";
-    if (!value.starts_with('/'))
-        return "path must be a whole path, beginning with / or ~/";
-    (*values)[name] = value;
-    return "";
+        wrong = CheckNumber(name, value);
+    else if (value = WithHome(value); !value.starts_with('/'))
+        wrong = "path must be a whole path, beginning with / or ~/";
+    if (wrong.empty())
+        (*values)[name] = value;
+    return wrong;
 }
 
 } // namespace
@@ -69,4 +118,34 @@ bool ReadSettingsFile(const std::string& name, SettingsFile* settings) {
     if (!settings->problem.empty())
         settings->values.clear();
     return true;
+}
+
+std::vector<std::string> SettingsFiles() {
+    std::vector<std::string> folders = {Variable("XDG_CONFIG_HOME", Variable("HOME", "") + "/.config")};
+    std::stringstream system(Variable("XDG_CONFIG_DIRS", "/etc/xdg"));
+    for (std::string folder; std::getline(system, folder, ':');)
+        folders.push_back(folder);
+    std::erase_if(folders, [](const std::string& folder) { return !folder.starts_with('/'); }); // no place
+    for (std::string& folder : folders)
+        folder.append("/").append(kProductFolder).append("/").append(kSettingsFile);
+    return folders;
+}
+
+int SettingNumber(const char* name, int otherwise) {
+    bool found = false;
+    int number = otherwise;
+    for (const std::string& place : SettingsFiles()) {
+        SettingsFile file;
+        if (!ReadSettingsFile(place, &file))
+            continue;
+        if (!file.problem.empty() && reported.insert(file.problem).second)
+            std::fprintf(stderr, "tamblor: configuration: %s\n", file.problem.c_str());
+        if (const auto at = file.values.find(name); !found && at != file.values.end())
+            found = ReadNumber(at->second, &number);
+    }
+    return number;
+}
+
+void NoteProblemReported(const std::string& problem) {
+    reported.insert(problem);
 }

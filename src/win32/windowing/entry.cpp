@@ -119,6 +119,7 @@ int main(int count, char** arguments) {
     }
     ListenToSignals();
     OfferWindowSystems(kWindowSystems);
+    HonourSettings();
     AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
     commandLine = Joined(all);
     std::string line = Joined(WithDecimals(words.rest));

@@ -2,6 +2,8 @@
 #include "win32/windowing/windowing.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -20,7 +22,37 @@ bool IsHeld(unsigned code, bool pressed) {
     return true;
 }
 
+POINT PointerPosition(POINT otherwise) {
+    UsedWindowSystem().FindPointer(&otherwise);
+    return otherwise;
+}
+
+// A desk that shakes moves the pointer by a few pixels around one place, which may wander over the hours. So
+// a move counts that leads away from where the pointer came to rest last.
+bool IsTremble(POINT now) {
+    constexpr DWORD kRestMs = 1000;
+    ProgramWindow& window = programWindow;
+    const DWORD time = timeGetTime();
+    if (time - std::exchange(window.pointerMoved, time) > kRestMs)
+        window.pointerRest = window.pointerLast;
+    window.pointerLast = now;
+    const LONG across = std::abs(now.x - window.pointerRest.x);
+    const LONG down = std::abs(now.y - window.pointerRest.y);
+    if (std::max(across, down) <= window.mouseThreshold)
+        return true;
+    window.pointerRest = now;
+    return false;
+}
+
 } // namespace
+
+void SetMouseThreshold() {
+    programWindow.mouseThreshold = Setting("mouse_threshold", 0);
+    if (programWindow.mouseThreshold == 0)
+        return;
+    programWindow.pointerRest = programWindow.pointerLast = PointerPosition({});
+    programWindow.pointerMoved = timeGetTime();
+}
 
 void ReportHeldKey(unsigned code) {
     programWindow.heldKeys.push_back(code);
@@ -44,7 +76,11 @@ void ReportButton(PointerButton button, int x, int y) {
     PostToWindow(kMessages[static_cast<int>(button)], 0, Pair(x, y));
 }
 
+// With a threshold, the position counts that the screen gives: what is reported is relative to one of several
+// windows.
 void ReportPointer(int x, int y) {
+    if (programWindow.mouseThreshold > 0 && IsTremble(PointerPosition({x, y})))
+        return;
     PostToWindow(WM_MOUSEMOVE, 0, Pair(x, y));
 }
 

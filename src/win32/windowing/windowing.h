@@ -12,6 +12,10 @@ struct ProgramWindow {
     bool shown = false;
     bool dying = false;             // WM_DESTROY has been sent
     std::vector<unsigned> heldKeys; // since before it was shown
+    int mouseThreshold = 0;         // pixels; 0: every move counts
+    POINT pointerRest = {};         // where the pointer rested, or was when a move counted
+    POINT pointerLast = {};         // where it was last reported
+    DWORD pointerMoved = 0;         // when it was last reported
 };
 extern ProgramWindow programWindow;
 
@@ -19,6 +23,14 @@ extern ProgramWindow programWindow;
 inline bool IsProgramWindow(HWND window) {
     return window != nullptr && window == programWindow.handle;
 }
+
+// The user's settings hold for this program: it is the saver. Else none does.
+void HonourSettings();
+// A setting by its name; `otherwise` where none is set, or none holds.
+int Setting(const char* name, int otherwise);
+
+// reports.cpp: from here on, only moves beyond the threshold count.
+void SetMouseThreshold();
 
 // Message queue: a message for the program's window, which may still be in the making.
 void PostToWindow(UINT message, WPARAM wParam, LPARAM lParam);

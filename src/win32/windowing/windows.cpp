@@ -1,4 +1,5 @@
 // Windows: the program's own, and questions about others.
+#include "win32/posix/settings_file.h"
 #include "win32/windowing/windowing.h"
 
 #include <string>
@@ -6,6 +7,8 @@
 ProgramWindow programWindow;
 
 namespace {
+
+bool settingsHold = false;
 
 // The one class that the program registers.
 std::string className;
@@ -18,6 +21,14 @@ void Release() {
 }
 
 } // namespace
+
+void HonourSettings() {
+    settingsHold = true;
+}
+
+int Setting(const char* name, int otherwise) {
+    return settingsHold ? SettingNumber(name, otherwise) : otherwise;
+}
 
 ATOM RegisterClassA(const WNDCLASSA* windowClass) {
     className = windowClass->lpszClassName;
@@ -58,8 +69,10 @@ BOOL ShowWindow(HWND window, int) {
         return FALSE;
     const bool before = programWindow.shown;
     programWindow.shown = true;
-    if (!before)
+    if (!before) {
+        SetMouseThreshold();
         UsedWindowSystem().ShowWindow();
+    }
     return before ? TRUE : FALSE;
 }
 
