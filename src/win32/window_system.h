@@ -138,6 +138,9 @@ void ReportButton(PointerButton button, int x, int y);
 void ReportPointer(int x, int y); // in the window
 void ReportActivation(bool active);
 void ReportSize(int width, int height); // the window's, a new one
+// Whether anybody can see the window: it is shown, not covered as a whole, on a monitor that is on. At first
+// it is seen; while it is not, nothing is drawn.
+void ReportVisibility(bool seen);
 void ReportExposure();
 void ReportCloseRequest();
 void ReportDestruction(); // somebody else has destroyed the window

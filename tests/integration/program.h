@@ -63,6 +63,7 @@ public:
         if (pid_ > 0)
             kill(pid_, number);
     }
+    int Id() const { return pid_; } // -1: it does not run
     void Kill() {
         Signal(SIGKILL);
         WaitForExit();

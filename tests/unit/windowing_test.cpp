@@ -2,7 +2,12 @@
 #include "win32/windowing/pixel_format.h"
 #include "win32/windowing/windowing.h"
 
-#include <gtest/gtest.h>
+#include "unit/temp_folder.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <thread>
 
 namespace {
 
@@ -176,6 +181,92 @@ TEST_F(Windowing, OpenGlThatFailsLeavesBlackAndTheReason) {
         wglDeleteContext(context);
         EXPECT_EQ(ReleaseDC(kWindow, dc), dc != nullptr ? 1 : 0);
     }
+}
+
+// The seconds that so many frames take at least: the first is due at once.
+double SecondsFor(int frames) {
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < frames; ++i)
+        framePace.Await();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+TEST_F(Windowing, FramesAreApartOnlyWhereTheUsersSettingsHoldAndTheClockIsNotTurned) {
+    const TempFolder folder;
+    const std::string name = "tamblor/tamblor.conf";
+    std::filesystem::create_directories(folder.File("tamblor"));
+    setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
+    unsetenv("TAMBLOR_CLOCK");
+    const auto secondsForSix = [&](const std::string& settings) {
+        folder.Write(name, settings);
+        EXPECT_EQ(Create(), kWindow);
+        const double seconds = SecondsFor(6);
+        DestroyWindow(kWindow);
+        Run(1);
+        return seconds;
+    };
+    const double kClose = 0.002; // how near a frame may come
+    EXPECT_LT(secondsForSix("max_fps = 2"), 1) << "none hold";
+    HonourSettings();
+    EXPECT_GE(secondsForSix("max_fps = 20"), 5 / 20.0 - kClose);
+    EXPECT_GE(secondsForSix(""), 5 / 60.0 - kClose);
+    EXPECT_LT(secondsForSix("max_fps = 0"), 5 / 60.0);
+    setenv("TAMBLOR_CLOCK", folder.File(name).c_str(), 1);
+    EXPECT_LT(secondsForSix("max_fps = 2"), 1);
+    unsetenv("TAMBLOR_CLOCK");
+}
+
+TEST_F(Windowing, NoFrameIsDueWhileNobodySeesTheWindowAndTheEndWakesTheLoop) {
+    ASSERT_EQ(Create(), kWindow);
+    std::atomic<int> frames = 0;
+    const auto loop = [&](int until) {
+        return std::thread([&, until] {
+            while (frames < until) {
+                framePace.Await();
+                ++frames;
+            }
+        });
+    };
+    for (const bool byEnd : {false, true}) {
+        frames = 0;
+        ReportVisibility(false);
+        std::thread thread = loop(3);
+        usleep(50000);
+        EXPECT_EQ(frames, 0);
+        byEnd ? static_cast<void>(DestroyWindow(kWindow)) : ReportVisibility(true);
+        thread.join();
+    }
+}
+
+TEST(Battery, IsInUseWhenItDischargesAndNothingElseGivesPower) {
+    const struct {
+        std::vector<std::array<std::string, 3>> files; // supply, file, contents
+        bool inUse;
+    } cases[] = {
+        {{}, false},
+        {{{"AC", "type", "Mains"}, {"AC", "online", "0"}}, false},
+        {{{"AC", "type", "Mains"},
+          {"AC", "online", "0"},
+          {"B", "type", "Battery"},
+          {"B", "status", "Discharging"}},
+         true},
+        {{{"B", "type", "Battery"},
+          {"B", "status", "Discharging"},
+          {"U", "type", "USB"},
+          {"U", "online", "1"}},
+         false},
+        {{{"B", "type", "Battery"}, {"B", "status", "Full"}}, false},
+        {{{"m", "type", "Battery"}, {"m", "status", "Discharging"}, {"m", "scope", "Device"}}, false},
+    };
+    for (const auto& c : cases) {
+        const TempFolder folder;
+        for (const auto& [supply, file, text] : c.files) {
+            std::filesystem::create_directories(folder.File(supply));
+            folder.Write(supply + "/" + file, text + "\n");
+        }
+        EXPECT_EQ(IsOnBattery(folder.Path().c_str()), c.inUse) << &c - cases;
+    }
+    EXPECT_FALSE(IsOnBattery("/none"));
 }
 
 TEST(PixelFormat, TheNearestConfigurationIsTaken) {

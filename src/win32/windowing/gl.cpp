@@ -110,5 +110,7 @@ PROC wglGetProcAddress(const char* name) {
 }
 
 BOOL SwapBuffers(HDC dc) {
-    return dc != nullptr && dc->created && dc->surface->Swap() ? TRUE : FALSE;
+    const bool shown = dc != nullptr && dc->created && dc->surface->Swap();
+    framePace.Await();
+    return shown ? TRUE : FALSE;
 }

@@ -93,6 +93,10 @@ void ReportSize(int width, int height) {
     PostToWindow(WM_SIZE, 0, Pair(width, height));
 }
 
+void ReportVisibility(bool seen) {
+    framePace.SetSeen(seen);
+}
+
 void ReportExposure() {
     PostToWindow(WM_PAINT, 0, 0);
 }

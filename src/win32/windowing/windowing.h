@@ -2,6 +2,7 @@
 // whatever window system is in use.
 #pragma once
 
+#include "win32/linux/frame_pace.h"
 #include "win32/window_system.h"
 
 #include <vector>
@@ -18,6 +19,7 @@ struct ProgramWindow {
     DWORD pointerMoved = 0;         // when it was last reported
 };
 extern ProgramWindow programWindow;
+extern FramePace framePace; // of what is drawn on it
 
 // True for the handle of the program's window while it lives.
 inline bool IsProgramWindow(HWND window) {

@@ -2,9 +2,11 @@
 #include "win32/posix/settings_file.h"
 #include "win32/windowing/windowing.h"
 
+#include <cstdlib>
 #include <string>
 
 ProgramWindow programWindow;
+FramePace framePace;
 
 namespace {
 
@@ -13,6 +15,12 @@ bool settingsHold = false;
 // The one class that the program registers.
 std::string className;
 WNDPROC classProc = nullptr;
+
+// A clock that a test turns asks for every frame.
+int FrameLimit() {
+    const bool limited = settingsHold && std::getenv("TAMBLOR_CLOCK") == nullptr;
+    return limited ? Setting("max_fps", FramePace::kByDefault) : 0;
+}
 
 void Release() {
     UsedWindowSystem().DestroyWindow();
@@ -59,6 +67,7 @@ BOOL DestroyWindow(HWND window) {
     if (!IsProgramWindow(window) || programWindow.dying)
         return FALSE;
     programWindow.dying = true;
+    framePace.End(); // the loop is about to be waited for
     SendMessageA(window, WM_DESTROY, 0, 0);
     Release();
     return TRUE;
@@ -71,6 +80,7 @@ BOOL ShowWindow(HWND window, int) {
     programWindow.shown = true;
     if (!before) {
         SetMouseThreshold();
+        framePace.Begin(FrameLimit());
         UsedWindowSystem().ShowWindow();
     }
     return before ? TRUE : FALSE;

@@ -31,6 +31,7 @@ void OnFocus(const XFocusChangeEvent& focus) {
 void OnParentEvent(const XEvent& event) {
     if (event.type == ConfigureNotify)
         FollowParent();
+    OnVisibilityEvent(event);
 }
 
 // The window went with its parent: everything is taken down but the window itself.
@@ -72,6 +73,8 @@ void Translate(const XEvent& event) {
     case DestroyNotify:
         return OnGone();
     default:
+        if (event.xany.window == saverWindow.id)
+            OnVisibilityEvent(event);
         return;
     }
 }
@@ -80,7 +83,10 @@ void Translate(const XEvent& event) {
 
 int ReadEvents() {
     Display* display = Connection();
+    const int untilPower = WatchMonitorPower();
     int milliseconds = saverWindow.fullScreen ? HoldScreen() : -1;
+    if (milliseconds < 0 || (untilPower >= 0 && untilPower < milliseconds))
+        milliseconds = untilPower;
     while (XPending(display) > 0) {
         XEvent event;
         XNextEvent(display, &event);

@@ -6,7 +6,12 @@
 
 #include <GL/glx.h>
 
-#include <cstring>
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace x11 {
 
@@ -28,13 +33,34 @@ int Attribute(Display* display, GLXFBConfig config, int name) {
     return value;
 }
 
+// Whether GLX has an extension: names may begin alike.
+bool HasExtension(Display* display, int screen, std::string_view name) {
+    const char* names = glXQueryExtensionsString(display, screen);
+    std::istringstream words(names != nullptr ? names : "");
+    return std::find(std::istream_iterator<std::string>(words), {}, name) !=
+           std::istream_iterator<std::string>();
+}
+
+template <class Function> Function Find(const char* name) {
+    return reinterpret_cast<Function>(glXGetProcAddress(reinterpret_cast<const GLubyte*>(name)));
+}
+
+// One frame for each picture of the monitor, whatever the driver does by default. Without any of these it is
+// left to that. A context is current.
+void WaitForMonitor(Display* display, int screen, Window surface) {
+    if (HasExtension(display, screen, "GLX_EXT_swap_control"))
+        Find<PFNGLXSWAPINTERVALEXTPROC>("glXSwapIntervalEXT")(display, surface, 1);
+    else if (HasExtension(display, screen, "GLX_MESA_swap_control"))
+        Find<PFNGLXSWAPINTERVALMESAPROC>("glXSwapIntervalMESA")(1);
+    else if (HasExtension(display, screen, "GLX_SGI_swap_control"))
+        Find<PFNGLXSWAPINTERVALSGIPROC>("glXSwapIntervalSGI")(1);
+}
+
 // Whether Mesa draws on the processor. Drivers that do not say are not Mesa's.
 bool DrawsInSoftware(Display* display, int screen) {
-    const char* names = glXQueryExtensionsString(display, screen);
-    if (names == nullptr || std::strstr(names, "GLX_MESA_query_renderer") == nullptr)
+    if (!HasExtension(display, screen, "GLX_MESA_query_renderer"))
         return false;
-    const auto query = reinterpret_cast<PFNGLXQUERYRENDERERINTEGERMESAPROC>(
-        glXGetProcAddress(reinterpret_cast<const GLubyte*>("glXQueryRendererIntegerMESA")));
+    const auto query = Find<PFNGLXQUERYRENDERERINTEGERMESAPROC>("glXQueryRendererIntegerMESA");
     unsigned accelerated = 1;
     return query != nullptr && query(display, screen, 0, GLX_RENDERER_ACCELERATED_MESA, &accelerated) &&
            accelerated == 0;
@@ -84,6 +110,7 @@ private:
     Window id_ = None;
     Colormap colormap_ = None;
     bool fragile_ = false;
+    bool waits_ = false; // WaitForMonitor has been called
 };
 
 GlxSurface* GlxSurface::theSurface = nullptr;
@@ -188,7 +215,12 @@ bool GlxSurface::MakeCurrent(GlContext* context) {
     if (context == nullptr)
         return glXMakeCurrent(display_, None, nullptr) != False;
     const Hold hold(*this);
-    return hold.IsThere() && glXMakeCurrent(display_, id_, static_cast<GlxContext*>(context)->Get()) != False;
+    if (!hold.IsThere() || glXMakeCurrent(display_, id_, static_cast<GlxContext*>(context)->Get()) == False)
+        return false;
+    if (!std::exchange(waits_, true) &&
+        !fragile_) // while a fragile surface is shown, no program may be served
+        WaitForMonitor(display_, Screen(), id_);
+    return true;
 }
 
 bool GlxSurface::Swap() {

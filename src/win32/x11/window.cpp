@@ -23,7 +23,8 @@ Place PlaceIn(Window parent, const Place& place) {
 }
 
 Window CreateXWindow(Display* display, Window parent, const Place& place, bool child) {
-    constexpr long kAsChild = StructureNotifyMask | ExposureMask; // keys and clicks stay the parent's
+    constexpr long kAsChild =
+        StructureNotifyMask | VisibilityChangeMask | ExposureMask; // keys and clicks stay the parent's
     constexpr long kAsScreen = kAsChild | kInputMask | FocusChangeMask;
     XSetWindowAttributes wishes = {};
     wishes.background_pixmap = None; // what lies below stays visible until the first frame

@@ -38,6 +38,7 @@ struct SaverWindow {
     Place place; // in the parent
     bool fullScreen = false;
     bool cursorHidden = false;
+    bool mapped = true, parentMapped = true, covered = false, monitorOff = false; // as far as was reported
     bool gone = false; // the server has destroyed it already, with its parent
 };
 extern SaverWindow saverWindow;
@@ -82,6 +83,12 @@ void OnInputLost();
 // An event of the root window: monitors changed, or windows on the screen.
 void OnScreenEvent(const XEvent& event);
 Cursor BlankCursor();
+
+// visibility.cpp: whether anybody sees the window. The server does not say when a monitor goes off, so it is
+// asked now and then: gives the milliseconds until it wants to be called again, -1 for never.
+int WatchMonitorPower();
+// Of the window, or of its parent.
+void OnVisibilityEvent(const XEvent& event);
 
 // gl_surface.cpp: the picture in the window takes the window's new size.
 void FitSurface(int width, int height);
