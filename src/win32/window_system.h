@@ -40,6 +40,7 @@ struct GlConfig {
     void* native = nullptr; // the window system's own name for it
     int depthBits = 0;
     int stencilBits = 0;
+    int samples = 0;        // of each pixel; 0: it is not multisampled
     bool likeScreen = true; // the colours are laid out as the screen's; others may let the desktop through
 };
 
@@ -63,6 +64,8 @@ public:
     // All that there are, the driver's favourite first. False when the window system has no OpenGL at all; it
     // then gives ERROR_NOT_SUPPORTED words of its own (posix/last_error.h).
     virtual bool ListConfigs(std::vector<GlConfig>* configs) = 0;
+    // Whether the processor draws, not a graphics card; may be asked before Create.
+    virtual bool DrawsInSoftware() = 0;
     // Makes the surface, with one of them.
     virtual bool Create(const GlConfig& config) = 0;
     // Null when the driver has none.

@@ -95,6 +95,32 @@ TEST_F(Frames, WaitForTheMonitorByWhateverTheDriverHas) {
     }
 }
 
+TEST_F(Frames, AreMultisampledWhereACardDrawsOrTheUserWantsIt) {
+    const struct {
+        const char* settings;
+        const char* extensions; // "GLX_none": the renderer has a name only
+        int accelerated;
+        int samples;
+    } cases[] = {
+        {"", "GLX_MESA_query_renderer", 1, 4},
+        {"", "GLX_MESA_query_renderer", 0, 0},
+        {"", "GLX_none", 1, 4},
+        {"", "GLX_none", 0, 0},
+        {"samples = 4", "", 0, 4},
+        {"samples = 0", "GLX_MESA_query_renderer", 1, 0},
+    };
+    for (const auto& c : cases) {
+        *spy = {};
+        std::strcpy(spy->extensions, c.extensions);
+        spy->accelerated = c.accelerated;
+        Configure(c.settings);
+        Start();
+        ASSERT_TRUE(Draws());
+        EXPECT_EQ(spy->samples, c.samples) << &c - cases;
+        ExpectAKeyEndsIt();
+    }
+}
+
 TEST_F(Frames, AreNotDrawnWhileTheMonitorIsOff) {
     Start();
     ASSERT_TRUE(Draws());

@@ -51,6 +51,10 @@ Bool QueryRenderer(Display*, int, int, int attribute, unsigned* value) {
     return True;
 }
 
+const GLubyte* CardName(GLenum) {
+    return reinterpret_cast<const GLubyte*>("A Card/PCIe/SSE2");
+}
+
 } // namespace
 
 extern "C" {
@@ -77,6 +81,8 @@ __GLXextFuncPtr glXGetProcAddress(const GLubyte* name) {
         return answer(IntervalSgi);
     if (std::strcmp(text, "glXQueryRendererIntegerMESA") == 0 && Spy().extensions[0] != '\0')
         return answer(QueryRenderer);
+    if (std::strcmp(text, "glGetString") == 0 && Spy().accelerated != 0)
+        return answer(CardName);
     return Real<decltype(glXGetProcAddress)>("glXGetProcAddress")(name);
 }
 

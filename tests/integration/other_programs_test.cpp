@@ -10,14 +10,63 @@ protected:
         // As small as one must be that the display does not take for the saver's.
         other = display.ShowWindow({0, 0, 1, 1});
     }
+    Window Focus() const {
+        Window focus = None;
+        int revert = 0;
+        XGetInputFocus(display.connection, &focus, &revert);
+        return focus;
+    }
+    // It has a window inside the one that had the focus, if one had it.
     bool SaverTakesTheFocus() const {
         return Eventually([this] {
-            Window focus = None;
-            int revert = 0;
-            XGetInputFocus(display.connection, &focus, &revert);
-            return focus == display.WaitForWindow();
+            const Window focus = Focus();
+            const std::vector<Window> inside = display.VisibleWindows(other, 1);
+            return focus == display.WaitForWindow() || std::ranges::count(inside, focus) == 1;
         });
     }
+    // As those programs have it that lock the screen.
+    Window CreateLockWindow() const {
+        XSetWindowAttributes wishes = {};
+        wishes.background_pixel = kRed;
+        wishes.override_redirect = True;
+        const Window window =
+            XCreateWindow(display.connection, display.Root(), 1, 1, 318, 238, 0, CopyFromParent, InputOutput,
+                          nullptr, CWBackPixel | CWOverrideRedirect, &wishes);
+        display.Sync();
+        return window;
+    }
+    void Map(Window window) const {
+        XMapRaised(display.connection, window);
+        display.Sync();
+    }
+    // As patient as the least patient of those programs: the first ones give up after half a second.
+    bool GetsTheInput() const {
+        for (int i = 0; i < 10; ++i, usleep(50000))
+            if (display.GrabInput() == granted)
+                return true;
+        return false;
+    }
+    // The screen, the input and the focus are as they were before it started.
+    void ExpectNoTrace(Window focus) {
+        EXPECT_TRUE(Eventually([&] { return display.VisibleWindows().empty(); }));
+        EXPECT_EQ(display.GrabInput(), granted);
+        display.ReleaseInput();
+        EXPECT_EQ(Focus(), focus);
+        EXPECT_TRUE(display.VisibleWindows(other, 1).empty());
+        EXPECT_FALSE(display.CursorIsHidden());
+    }
+    // With a key for 0.
+    void End(int signal) {
+        if (signal == 0) {
+            display.PressKey(XK_space);
+            EXPECT_EQ(saver.WaitForExit(), 0);
+        } else {
+            saver.Signal(signal);
+            EXPECT_NE(saver.WaitForExit(), -1);
+        }
+    }
+
+    static constexpr unsigned long kRed = 0xFF0000;
     // The program that held the input has the focus when it lets go, as one has whose menu closes.
     void ExpectAKeyEndsItWhen(Window otherLetsGo) {
         EXPECT_TRUE(saver.Running());
@@ -91,6 +140,66 @@ TEST_F(OtherPrograms, ItComesUpAboveNewWindowsOnceEachAndAMoveOnABlackMonitorCou
     saver.SetClock(4001);
     display.MovePointer(310, 10); // on a black window
     EXPECT_EQ(saver.WaitForExit(), 0);
+}
+
+TEST_F(OtherPrograms, AllIsAsItWasHoweverItEnds) {
+    display.TakeFocus(other);
+    for (const int signal : {0, SIGKILL, SIGSEGV}) {
+        Start();
+        ASSERT_TRUE(display.WaitUntilInputIsGrabbed() && display.WaitForHiddenCursor());
+        End(signal);
+        ExpectNoTrace(other);
+    }
+}
+
+TEST_F(OtherPrograms, TheFocusThatItTookIsGivenBackHoweverItEnds) {
+    for (const Window before : {other, Window{PointerRoot}, Window{None}})
+        for (const int signal : {0, SIGKILL, SIGSEGV}) {
+            display.TakeFocus(before);
+            ASSERT_EQ(display.GrabInput(), granted);
+            Start();
+            ASSERT_TRUE(Eventually([&] { return Focus() != before; }));
+            display.ReleaseInput();
+            End(signal);
+            ExpectNoTrace(before);
+        }
+}
+
+TEST_F(OtherPrograms, AProgramThatLocksTheScreenGetsTheInputAndStaysAbove) {
+    for (const bool shownFirst : {false, true}) {
+        Start();
+        ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
+        const Window lock = CreateLockWindow();
+        if (shownFirst)
+            Map(lock);
+        ASSERT_TRUE(GetsTheInput()) << shownFirst;
+        Map(lock);
+        usleep(1300000); // longer than it lets others be above
+        EXPECT_EQ(display.PixelAt(160, 120), kRed);
+        display.PressKey(XK_a);
+        ExpectItGoesOn();
+        XEvent key;
+        EXPECT_TRUE(XCheckTypedEvent(display.connection, KeyPress, &key)) << "it is the lock program's";
+        display.DestroyWindow(lock);
+        ExpectAKeyEndsItWhen(other);
+    }
+}
+
+TEST_F(OtherPrograms, AKeyEndsItAlsoWhileItLeavesTheInputToALockProgramThatDoesNotTakeIt) {
+    Start();
+    ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
+    const Window lock = CreateLockWindow();
+    ASSERT_TRUE(GetsTheInput());
+    display.ReleaseInput();
+    ASSERT_TRUE(SaverTakesTheFocus());
+    ExpectAKeyEndsIt();
+    Start();
+    ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
+    display.DestroyWindow(lock);
+    CreateLockWindow();
+    ASSERT_TRUE(GetsTheInput());
+    display.ReleaseInput();
+    EXPECT_TRUE(display.WaitUntilInputIsGrabbed()) << "the saver takes it back";
 }
 
 TEST_F(OtherPrograms, ASignalTakesItDownInGoodOrder) {

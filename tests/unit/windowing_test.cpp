@@ -34,6 +34,7 @@ public:
             configs->push_back({nullptr, 24, 8});
         return script.failing != 1;
     }
+    bool DrawsInSoftware() override { return true; }
     bool Create(const GlConfig&) override { return script.failing != 3; }
     std::unique_ptr<GlContext> CreateContext() override {
         return script.failing != 4 ? std::make_unique<GlContext>() : nullptr;
@@ -271,20 +272,26 @@ TEST(Battery, IsInUseWhenItDischargesAndNothingElseGivesPower) {
 
 TEST(PixelFormat, TheNearestConfigurationIsTaken) {
     const GlConfig kDeep = {nullptr, 24, 0}, kFlat = {nullptr, 1, 8}, kFull = {nullptr, 24, 8},
-                   kSeeThrough = {nullptr, 32, 16, false};
+                   kSeeThrough = {nullptr, 32, 16, 4, false}, kTwo = {nullptr, 24, 8, 2},
+                   kFour = {nullptr, 24, 8, 4}, kEight = {nullptr, 24, 8, 8};
     const struct {
         std::vector<GlConfig> configs;
-        int depth, stencil;
+        int depth, stencil, samples;
         int chosen; // -1: none
     } cases[] = {
-        {{kSeeThrough, kFull, kFull}, 16, 8, 1}, // the screen's colours first, then the order
-        {{kDeep, kFull, kSeeThrough}, 16, 16, 2},
-        {{kFlat, kDeep, kFull}, 16, 16, 2}, // 8 bits of stencil if not 16
-        {{kFlat, kDeep}, 16, 16, 1},        // none if not 8
-        {{}, 16, 16, -1},
+        {{kSeeThrough, kFull, kFull}, 16, 8, 0, 1}, // the screen's colours first, then the order
+        {{kSeeThrough, kFull}, 16, 8, 4, 1},
+        {{kDeep, kFull, kSeeThrough}, 16, 16, 0, 2},
+        {{kFlat, kDeep, kFull}, 16, 16, 0, 2}, // 8 bits of stencil if not 16
+        {{kFlat, kDeep}, 16, 16, 0, 1},        // none if not 8
+        {{kEight, kFour, kFull, kFull, kTwo}, 16, 8, 0, 2},
+        {{kFull, kTwo, kFour, kFour, kEight}, 16, 8, 4, 2}, // as many as are wanted, the first of them
+        {{kFull, kTwo, kEight}, 16, 8, 6, 1},               // fewer if not
+        {{kEight, kFour}, 16, 8, 2, 1},                     // and the fewest if there are none
+        {{}, 16, 16, 0, -1},
     };
     for (const auto& c : cases) {
-        const GlConfig* chosen = ChooseConfig(c.configs, c.depth, c.stencil);
+        const GlConfig* chosen = ChooseConfig(c.configs, c.depth, c.stencil, c.samples);
         EXPECT_EQ(chosen != nullptr ? chosen - c.configs.data() : -1, c.chosen) << &c - cases;
     }
 }

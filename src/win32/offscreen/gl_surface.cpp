@@ -35,7 +35,8 @@ std::vector<GlConfig> ListConfigs(EGLDisplay display) {
     configs.reserve(found.size());
     for (EGLConfig config : found)
         configs.push_back({config, Attribute(display, config, EGL_DEPTH_SIZE),
-                           Attribute(display, config, EGL_STENCIL_SIZE)});
+                           Attribute(display, config, EGL_STENCIL_SIZE),
+                           Attribute(display, config, EGL_SAMPLES)});
     return configs;
 }
 
@@ -81,6 +82,8 @@ public:
         *configs = offscreen::ListConfigs(SoftwareDisplay());
         return true;
     }
+
+    bool DrawsInSoftware() override { return true; }
 
     bool Create(const GlConfig& config) override {
         const EGLint size[] = {EGL_WIDTH, screen.width, EGL_HEIGHT, screen.height, EGL_NONE};

@@ -47,7 +47,8 @@ void Translate(const XEvent& event) {
         return OnScreenEvent(event);
     if (event.xany.window == saverWindow.parent)
         return OnParentEvent(event);
-    if (event.xany.window != saverWindow.id && !IsCover(event.xany.window))
+    if (event.xany.window != saverWindow.id && event.xany.window != saverWindow.focus &&
+        !IsCover(event.xany.window))
         return;
     switch (event.type) {
     case KeyPress:

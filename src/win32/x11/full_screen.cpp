@@ -1,6 +1,10 @@
 // What makes the saver's window the only thing that the user sees and talks to: it covers the primary
 // monitor, black windows cover the others, all of them stay on top, receive every key and every move of the
 // pointer, and hide the cursor.
+//
+// A program that locks the screen is known by its window: it covers the saver's monitor, and no window
+// manager has a say in it. It asks for the keyboard and the pointer before that window is shown, or after: so
+// both are free for a while when such a window is made, and as long as one is shown above the saver's.
 #include "win32/x11/x11.h"
 
 #include <X11/XKBlib.h>
@@ -21,8 +25,9 @@ using std::chrono::milliseconds;
 constexpr milliseconds kAskSoon{50};
 constexpr milliseconds kSoonFor{1000};
 constexpr milliseconds kAskPatiently{250};
-constexpr milliseconds kLook{50};   // not more often at what lies above, however much moves on the screen
-constexpr milliseconds kRaise{500}; // not more often: another program may want to be on top as much
+constexpr milliseconds kLook{50};    // not more often at what lies above, however much moves on the screen
+constexpr milliseconds kYield{3000}; // after a lock program's window was made: it asks again for so long
+constexpr milliseconds kRaise{500};  // not more often: another program may want to be on top as much
 
 Clock::time_point wantedSince; // since when keyboard or pointer are missing
 Clock::time_point nextAsk;
@@ -31,7 +36,7 @@ bool monitorsChanged = false;
 bool stackChanged = false;
 bool keyboardHeld = false;
 bool pointerHeld = false;
-Window focusBefore = None;
+bool locked = false; // a lock program's window is above
 Cursor blank = None;
 
 void TryGrabs() {
@@ -46,14 +51,45 @@ void TryGrabs() {
                          CurrentTime) == GrabSuccess;
 }
 
+// Inside the window that has the focus, and gone with this process: the server then gives the focus back to
+// that window, however the process ends.
+Window CreateFocusWindow(Window focus) {
+    Display* display = Connection();
+    XSetWindowAttributes wishes = {};
+    wishes.override_redirect = True;
+    wishes.event_mask = KeyPressMask | KeyReleaseMask | FocusChangeMask;
+    const Window window = XCreateWindow(display, focus, -1, -1, 1, 1, 0, 0, InputOnly, nullptr,
+                                        CWOverrideRedirect | CWEventMask, &wishes);
+    XMapWindow(display, window);
+    return window;
+}
+
+void DropFocusWindow() {
+    if (saverWindow.focus != None)
+        XDestroyWindow(Connection(), saverWindow.focus);
+    saverWindow.focus = None;
+}
+
 // The next best without a grab: keys go to the window that has the focus.
 void TakeFocus() {
-    const Window focus = FocusedWindow();
-    if (focus == saverWindow.id)
+    Display* display = Connection();
+    const Window before = FocusedWindow();
+    if (before == saverWindow.id || (before != None && before == saverWindow.focus))
         return;
-    if (focusBefore == None)
-        focusBefore = focus;
-    XSetInputFocus(Connection(), saverWindow.id, RevertToPointerRoot, CurrentTime);
+    DropFocusWindow();
+    if (before == None || before == PointerRoot) {
+        XSetInputFocus(display, saverWindow.id, before == None ? RevertToNone : RevertToPointerRoot,
+                       CurrentTime);
+        return;
+    }
+    saverWindow.focus = CreateFocusWindow(before);
+    XSetInputFocus(display, saverWindow.focus, RevertToParent, CurrentTime);
+}
+
+void ReleaseGrabs() {
+    XUngrabKeyboard(Connection(), CurrentTime);
+    XUngrabPointer(Connection(), CurrentTime);
+    keyboardHeld = pointerHeld = false;
 }
 
 void AskForInput(Clock::time_point now) {
@@ -68,30 +104,50 @@ bool IsOwn(Window window) {
     return window == saverWindow.id || IsCover(window);
 }
 
-// Whether all our windows are shown, above all others that show anything.
-bool IsOnTop() {
+// But for a rim of a few pixels: some of these windows are a little smaller than the screen.
+bool CoversSaver(int x, int y, int width, int height) {
+    constexpr int kRim = 2;
+    const Place& own = saverWindow.place;
+    return x <= own.x + kRim && y <= own.y + kRim && x + width >= own.x + own.width - kRim &&
+           y + height >= own.y + own.height - kRim;
+}
+
+bool IsLocker(const XWindowAttributes& facts) {
+    return facts.override_redirect != False && CoversSaver(facts.x, facts.y, facts.width, facts.height);
+}
+
+// All our windows are shown, above all others that show anything; or they are not; or they need not be.
+enum class Stack { OnTop, Covered, Locked };
+
+Stack LookAtStack() {
     Display* display = Connection();
     Window root = None;
     Window parent = None;
     Window* windows = nullptr; // from the lowest to the highest
     unsigned count = 0;
     if (XQueryTree(display, DefaultRootWindow(display), &root, &parent, &windows, &count) == 0)
-        return true;
+        return Stack::OnTop;
     std::size_t missing = 1 + Covers().size();
     bool above = false;
-    for (unsigned i = count; i > 0 && missing > 0 && !above; --i) {
+    bool locker = false;
+    bool below = false; // below the saver's
+    for (unsigned i = count; i > 0 && missing > 0 && !locker; --i) {
         XWindowAttributes facts = {};
-        if (XGetWindowAttributes(display, windows[i - 1], &facts) == 0 || facts.map_state == IsUnmapped ||
-            facts.c_class == InputOnly)
+        if (XGetWindowAttributes(display, windows[i - 1], &facts) == 0 || facts.map_state == IsUnmapped)
             continue;
         if (IsOwn(windows[i - 1]))
             --missing;
-        else
+        else if (!below && IsLocker(facts))
+            locker = true;
+        else if (facts.c_class != InputOnly)
             above = true;
+        below = below || windows[i - 1] == saverWindow.id;
+        if (below && above)
+            break;
     }
     if (windows != nullptr)
         XFree(windows);
-    return missing == 0 && !above;
+    return locker ? Stack::Locked : missing > 0 || above ? Stack::Covered : Stack::OnTop;
 }
 
 // The saver's window last: monitors may overlap.
@@ -104,7 +160,13 @@ void Raise() {
 void StayOnTop(Clock::time_point now) {
     stackChanged = false;
     nextLook = now + kLook;
-    if (IsOnTop())
+    const Stack stack = LookAtStack();
+    const bool was = std::exchange(locked, stack == Stack::Locked);
+    if (locked)
+        ReleaseGrabs();
+    else if (was)
+        wantedSince = nextAsk = now;
+    if (stack != Stack::Covered)
         return;
     Raise();
     nextLook = now + kRaise;
@@ -119,6 +181,16 @@ void FollowMonitors() {
     FitCovers(Monitors().subspan(1));
     PlaceSaver(Monitors().front());
     Raise();
+}
+
+// The focus is the next best meanwhile, which keeps no program from a grab.
+void OnCreated(const XCreateWindowEvent& window) {
+    if (window.override_redirect == False || IsOwn(window.window) ||
+        !CoversSaver(window.x, window.y, window.width, window.height))
+        return;
+    ReleaseGrabs();
+    TakeFocus();
+    wantedSince = nextAsk = Clock::now() + kYield;
 }
 
 void OnStacked(Window window) {
@@ -156,7 +228,7 @@ void PrepareFullScreen() {
 }
 
 void EnterFullScreen() {
-    keyboardHeld = pointerHeld = false;
+    keyboardHeld = pointerHeld = locked = false;
     monitorsChanged = stackChanged = true; // what happened before the root window was watched is not reported
     wantedSince = nextAsk = nextLook = Clock::now();
     HoldScreen();
@@ -168,7 +240,7 @@ int HoldScreen() {
         FollowMonitors();
     if (stackChanged && now >= nextLook)
         StayOnTop(now);
-    const auto wanting = [] { return !keyboardHeld || !pointerHeld; };
+    const auto wanting = [] { return !locked && (!keyboardHeld || !pointerHeld); };
     if (wanting() && now >= nextAsk)
         AskForInput(now);
     auto wake = Clock::time_point::max();
@@ -193,6 +265,8 @@ void OnScreenEvent(const XEvent& event) {
         return;
     }
     switch (event.type) {
+    case CreateNotify:
+        return OnCreated(event.xcreatewindow);
     case MapNotify:
         return OnStacked(event.xmap.window);
     case ConfigureNotify:
@@ -202,7 +276,7 @@ void OnScreenEvent(const XEvent& event) {
     case CirculateNotify:
         return OnStacked(event.xcirculate.window);
     case UnmapNotify: // by somebody else; the server ends the grabs of a window that is not seen
-        if (IsOwn(event.xunmap.window))
+        if (locked || IsOwn(event.xunmap.window))
             stackChanged = true;
         if (event.xunmap.window == saverWindow.id)
             OnInputLost();
@@ -214,11 +288,8 @@ void OnScreenEvent(const XEvent& event) {
 
 void LeaveFullScreen() {
     Display* display = Connection();
-    XUngrabKeyboard(display, CurrentTime);
-    XUngrabPointer(display, CurrentTime);
-    if (focusBefore != None && FocusedWindow() == saverWindow.id)
-        XSetInputFocus(display, focusBefore, RevertToPointerRoot, CurrentTime);
-    focusBefore = None;
+    ReleaseGrabs();
+    DropFocusWindow();
     FitCovers({});
     if (blank != None)
         XFreeCursor(display, blank);

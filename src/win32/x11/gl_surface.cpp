@@ -56,14 +56,38 @@ void WaitForMonitor(Display* display, int screen, Window surface) {
         Find<PFNGLXSWAPINTERVALSGIPROC>("glXSwapIntervalSGI")(1);
 }
 
-// Whether Mesa draws on the processor. Drivers that do not say are not Mesa's.
-bool DrawsInSoftware(Display* display, int screen) {
+// Whether Mesa draws on the processor; of other drivers, what none of them does.
+bool MesaDrawsInSoftware(Display* display, int screen) {
     if (!HasExtension(display, screen, "GLX_MESA_query_renderer"))
         return false;
     const auto query = Find<PFNGLXQUERYRENDERERINTEGERMESAPROC>("glXQueryRendererIntegerMESA");
     unsigned accelerated = 1;
     return query != nullptr && query(display, screen, 0, GLX_RENDERER_ACCELERATED_MESA, &accelerated) &&
            accelerated == 0;
+}
+
+// What the renderer calls itself, asked for without any window; "" when it cannot be.
+std::string RendererName(Display* display, int screen) {
+    const int wishes[] = {GLX_DRAWABLE_TYPE, GLX_PBUFFER_BIT, GLX_RENDER_TYPE, GLX_RGBA_BIT, None};
+    const int size[] = {GLX_PBUFFER_WIDTH, 1, GLX_PBUFFER_HEIGHT, 1, None};
+    int count = 0;
+    ErrorTrap trap(display);
+    const std::unique_ptr<GLXFBConfig, FreeX> found(glXChooseFBConfig(display, screen, wishes, &count));
+    if (!found || count == 0)
+        return "";
+    const GLXPbuffer buffer = glXCreatePbuffer(display, *found, size);
+    const GLXContext context = glXCreateNewContext(display, *found, GLX_RGBA_TYPE, nullptr, True);
+    const auto getString = Find<const GLubyte* (*)(GLenum)>("glGetString");
+    const char* name = nullptr;
+    if (trap.Clean() && context != nullptr && glXMakeCurrent(display, buffer, context) != False)
+        name = reinterpret_cast<const char*>(getString(GL_RENDERER));
+    const std::string text = name != nullptr ? name : "";
+    glXMakeCurrent(display, None, nullptr);
+    if (context != nullptr)
+        glXDestroyContext(display, context);
+    glXDestroyPbuffer(display, buffer);
+    trap.Clean();
+    return text;
 }
 
 class GlxContext final : public GlContext {
@@ -89,6 +113,7 @@ public:
     ~GlxSurface() override;
 
     bool ListConfigs(std::vector<GlConfig>* configs) override;
+    bool DrawsInSoftware() override;
     bool Create(const GlConfig& config) override;
     std::unique_ptr<GlContext> CreateContext() override;
     bool MakeCurrent(GlContext* context) override;
@@ -171,9 +196,22 @@ bool GlxSurface::ListConfigs(std::vector<GlConfig>* configs) {
         if (visual)
             configs->push_back({config, Attribute(display_, config, GLX_DEPTH_SIZE),
                                 Attribute(display_, config, GLX_STENCIL_SIZE),
+                                Attribute(display_, config, GLX_SAMPLES),
                                 visual->depth == DefaultDepth(display_, Screen())});
     }
     return true;
+}
+
+// The server may draw for an old or a distant client, which has only the name to go by. A renderer that does
+// not say what it is counts as software.
+bool GlxSurface::DrawsInSoftware() {
+    if (HasExtension(display_, Screen(), "GLX_MESA_query_renderer"))
+        return MesaDrawsInSoftware(display_, Screen());
+    const std::string name = RendererName(display_, Screen());
+    constexpr std::string_view kSoftware[] = {"llvmpipe", "softpipe", "swrast", "Software Rasterizer"};
+    return name.empty() || std::ranges::any_of(kSoftware, [&](std::string_view each) {
+               return name.find(each) != std::string::npos;
+           });
 }
 
 // Whether the surface may go while it is drawn, and the driver crashes then: a preview's goes with the
@@ -181,7 +219,7 @@ bool GlxSurface::ListConfigs(std::vector<GlConfig>* configs) {
 // gone. The root window stays.
 bool GlxSurface::IsFragile() const {
     return !saverWindow.fullScreen && saverWindow.parent != DefaultRootWindow(display_) &&
-           DrawsInSoftware(display_, Screen());
+           MesaDrawsInSoftware(display_, Screen());
 }
 
 bool GlxSurface::Create(const GlConfig& config) {

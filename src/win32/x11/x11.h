@@ -35,7 +35,8 @@ private:
 struct SaverWindow {
     Window id = None; // None: there is no window
     Window parent = None;
-    Place place; // in the parent
+    Window focus = None; // receives keys as well: it has the focus where the keyboard cannot be had
+    Place place;         // in the parent
     bool fullScreen = false;
     bool cursorHidden = false;
     bool mapped = true, parentMapped = true, covered = false, monitorOff = false; // as far as was reported
