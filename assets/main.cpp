@@ -47,6 +47,11 @@ std::string localPreview(const std::string& file, const Screen&) {
     return DrawPreview({512, 256}).WriteJpeg(file, kQuality);
 }
 
+// Soft everywhere, so it is small whatever the screen.
+std::string localCalm(const std::string& file, const Screen&) {
+    return DrawCalm({1024, 512}).WriteJpeg(file, kQuality);
+}
+
 struct Output {
     const char* name;
     Maker make;
@@ -78,6 +83,7 @@ constexpr Output kOutputs[] = {
     {"72-morph.oa", WriteMorph},
     {"73-studio.jpg", localPhotograph<DrawStudio, kDrawnStudio>},
     {"74-skin.png", localPicture<DrawSkin, kDrawnSkin>},
+    {"90-calm.jpg", localCalm},
     {"desktop.png", localPicture<DrawDesktop>},
     {"tamb.ico", WriteIcons},
 };

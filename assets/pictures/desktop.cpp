@@ -144,6 +144,10 @@ void localDrawIcons(const Drawing& desktop) {
 
 } // namespace
 
+Raster DrawCalm(const Size& size) {
+    return localWallpaper().Shrunk(size.width, size.height);
+}
+
 Raster DrawDesktop() {
     const Drawing desktop(localWallpaper());
     localDrawIcons(desktop);

@@ -36,6 +36,8 @@ Raster DrawEmber();
 Raster DrawStudio(const Size& size); // what the cube reflects, laid out for sphere mapping
 Raster DrawSkin(const Size& size);   // a face of the cube: metal frame round engraved glass
 
+Raster DrawCalm(const Size& size); // burns in place of a desktop that cannot be photographed
+
 Raster DrawDesktop(); // stands in for a real desktop in tests and pictures
 
 // The Windows saver's icons, three sizes in one .ico file. Empty when well, else what went wrong.

@@ -179,7 +179,7 @@ void FXGL::ClrParams() {
 
 void FXGL::SetAct(bool on) {
     if (on) {
-        wglMakeCurrent(dc, rc);
+        isLost_ = wglMakeCurrent(dc, rc) == FALSE;
         ApplyNewSize();
     } else {
         wglMakeCurrent(nullptr, nullptr);
@@ -388,8 +388,9 @@ bool FXGL::TestGL(bool showMessage) {
 
 // Textures and materials.
 
+// GLU does not stand a context that is not current.
 bool FXGL::PrepareTexture(FXMaterial* m) {
-    if (rc == nullptr)
+    if (rc == nullptr || isLost_)
         return true;
     localBindNamed(m);
     localUpload(*m->picture, m->mipmaps);

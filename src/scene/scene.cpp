@@ -126,12 +126,14 @@ void localReportConfiguration(bool found, DWORD error) {
 }
 
 // Decoding begins with the pictures in the order in which the scene asks for them.
-void localDecodeAhead(FXPictureDecoder* decoder) {
+void localDecodeAhead(FXPictureDecoder* decoder, bool desktopTaken) {
     FXArray<int> pictures;
     pictures.Push(kErrorPicture);
     if (isPreview) {
         pictures.Push(kPreviewPicture);
     } else {
+        if (!desktopTaken)
+            pictures.Push(kCalmPicture);
         FXModel::ListPictures(&pck, kSunCore, &pictures);
         for (const Shell& shell : kShells)
             FXModel::ListPictures(&pck, shell.entry, &pictures);
@@ -155,13 +157,20 @@ void localLoadPackage() {
         fxReport("no data folder is known: %s", configSearch.text);
 }
 
-// The picture is kept as a texture alone. A desktop that cannot be photographed is black.
-void localTakeDesktop(FXScrShot* shot) {
-    if (shot->pixels == nullptr && shot->Realloc(1, 1)) {
-        const float black[4] = {0, 0, 0, 1};
-        shot->Clear(black);
+bool localHasCalmPicture() {
+    return pck.GetDataType(kCalmPicture) != kRaw;
+}
+
+// The picture is kept as a texture alone. In place of a desktop that cannot be photographed there is the
+// package's picture, or black.
+void localTakeDesktop(FXScrShot* shot, bool isTaken) {
+    if (isTaken || !localHasCalmPicture() || !scr_mat.LoadTextureCN(&pck, kCalmPicture)) {
+        if (shot->pixels == nullptr && shot->Realloc(1, 1)) {
+            const float black[4] = {0, 0, 0, 1};
+            shot->Clear(black);
+        }
+        scr_mat.SetTexture(shot);
     }
-    scr_mat.SetTexture(shot);
     scr_mat.picture = nullptr;
     shot->ReleasePixels();
     scr_mat.SetDefDiffuse(1.0f);
@@ -217,8 +226,8 @@ void localCreateMorph() {
     reopen.ReleaseKeyFrames();
 }
 
-void localCreateShow(FXScrShot* shot) {
-    localTakeDesktop(shot);
+void localCreateShow(FXScrShot* shot, bool isTaken) {
+    localTakeDesktop(shot, isTaken);
     fire.Create(fire_num);
     fire.desk.SetMaterial(&scr_mat);
     localCreateSun();
@@ -247,8 +256,7 @@ void localBuild(HWND window, bool asPreview, FXScrShot* shot) {
         localOpenTrace(found);
     localReportConfiguration(found, error);
     fxLoadDevil();
-    if (!isPreview)
-        shot->Update(); // now, before anything of the saver is drawn
+    const bool isTaken = !isPreview && shot->Update(); // now, before anything of the saver is drawn
     gr.CreateChild(window);
     if (gr.rc == nullptr)
         fxReport("no OpenGL, the screen stays black: %s", fxErrorWords(GetLastError()).text);
@@ -258,7 +266,7 @@ void localBuild(HWND window, bool asPreview, FXScrShot* shot) {
     gr.SetAct(true);
     localLoadPackage();
     FXPictureDecoder decoder; // until the show is built
-    localDecodeAhead(&decoder);
+    localDecodeAhead(&decoder, isTaken);
     err_gad.CreateCN(&pck, kErrorPicture);
     err_gad.visible = hasError;
     if (isPreview) {
@@ -266,7 +274,7 @@ void localBuild(HWND window, bool asPreview, FXScrShot* shot) {
         preview.Create(1, 1);
         preview.SetMaterial(&preview_mat);
     } else {
-        localCreateShow(shot);
+        localCreateShow(shot, isTaken);
     }
 }
 

@@ -34,6 +34,7 @@ enum Entry : int {
     kMorph = 72,
     kCubeReflection = 73,
     kCubeSkin = 74,
+    kCalmPicture = 90, // a package need not have it
 };
 
 // The cycle, in this order: the desktop dissolves over the burning desk, the desk burns out, nothing, the

@@ -3,7 +3,8 @@
 // it, once, and calls nothing else of a window system. docs/window-systems.md has it as a table: who calls
 // what, on which thread, and what failure means.
 //
-// The program has one window, which covers the primary monitor or lies in another program's window.
+// The program has one window, which covers the primary monitor or lies in another program's window. A screen
+// saver daemon's window takes the place of the monitor (EnterWindow).
 // Everything belongs to the main thread, but for GlSurface::MakeCurrent and Swap.
 #pragma once
 
@@ -82,6 +83,12 @@ struct WindowSystem {
     // Connects. False: this window system is not there. When none is, the last of those on offer is used all
     // the same: its functions fail, and CreateWindow says on stderr what is missing.
     bool (*Open)();
+
+    // From now on a window of another program is the screen, as it is and will be: FindScreen gives its size,
+    // the program's window lies in it, takes no input and leaves the cursor, the focus and what lies above it
+    // alone, and the photograph is the one that the other program has made or, where pictures of the desktop
+    // are not allowed, the wallpaper. Called before all else. False when there is no such window.
+    bool (*EnterWindow)(HWND window, bool desktopAllowed);
 
     // The size of the primary monitor; none when there is no connection.
     Place (*FindScreen)();

@@ -59,6 +59,8 @@ public:
         const bool ended = Eventually([this] { return !Running(); });
         return !ended ? -1 : WIFEXITED(status_) ? WEXITSTATUS(status_) : -2;
     }
+    // Of a program that has ended: the signal that ended it, or 0.
+    int EndSignal() const { return WIFSIGNALED(status_) ? WTERMSIG(status_) : 0; }
     void Signal(int number) const {
         if (pid_ > 0)
             kill(pid_, number);

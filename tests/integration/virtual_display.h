@@ -170,6 +170,19 @@ public:
         Sync();
     }
 
+    Pixmap MakePixmap(ScreenPicture picture) const {
+        const int screen = DefaultScreen(connection);
+        const unsigned w = static_cast<unsigned>(picture.width);
+        const unsigned h = static_cast<unsigned>(picture.pixels.size()) / w;
+        const Pixmap pixmap = XCreatePixmap(connection, Root(), w, h, 24);
+        XImage* image = XCreateImage(connection, DefaultVisual(connection, screen), 24, ZPixmap, 0,
+                                     reinterpret_cast<char*>(picture.pixels.data()), w, h, 32, 0);
+        XPutImage(connection, pixmap, DefaultGC(connection, screen), image, 0, 0, 0, 0, w, h);
+        image->data = nullptr; // the vector's
+        XDestroyImage(image);
+        return pixmap;
+    }
+
     // Above all others, in one colour, 0x00RRGGBB.
     Window ShowWindow(const Area& area, unsigned long colour = 0) const {
         const Window window =
@@ -258,17 +271,10 @@ public:
 
 private:
     void PaintDesktop() const {
-        const int screen = DefaultScreen(connection);
         std::vector<std::uint32_t> pixels;
         for (int i = 0; i < width * height; ++i)
             pixels.push_back(DesktopPixel(i % width, i / width));
-        const unsigned w = static_cast<unsigned>(width), h = static_cast<unsigned>(height);
-        const Pixmap pixmap = XCreatePixmap(connection, Root(), w, h, 24);
-        XImage* image = XCreateImage(connection, DefaultVisual(connection, screen), 24, ZPixmap, 0,
-                                     reinterpret_cast<char*>(pixels.data()), w, h, 32, 0);
-        XPutImage(connection, pixmap, DefaultGC(connection, screen), image, 0, 0, 0, 0, w, h);
-        image->data = nullptr; // the vector's
-        XDestroyImage(image);
+        const Pixmap pixmap = MakePixmap({width, pixels});
         XSetWindowBackgroundPixmap(connection, Root(), pixmap);
         XClearWindow(connection, Root());
         XFreePixmap(connection, pixmap);

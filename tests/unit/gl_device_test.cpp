@@ -74,6 +74,22 @@ TEST_F(Device, GivesBackWhatItGotWhateverStepFails) {
         EXPECT_EQ(std::ranges::count(released, "ReleaseDC()"), failing != "GetDC") << failing;
         EXPECT_TRUE(gl_.dc == nullptr && gl_.rc == nullptr && gl_.glWindow == nullptr);
     }
+    // A context whose window has gone since: no texture is made.
+    ASSERT_TRUE(Create());
+    FXMaterial material;
+    for (const bool gone : {true, false}) {
+        fakeWin32.failing = {gone ? "wglMakeCurrent" : ""};
+        gl_.SetAct(true);
+        FXCanvas white;
+        ASSERT_TRUE(white.Realloc(1, 1));
+        material.picture = &white;
+        EXPECT_TRUE(gl_.PrepareTexture(&material));
+        EXPECT_EQ(GLRecorder::Take().empty(), gone);
+    }
+    material.Destroy();
+    gl_.Destroy();
+    TakeFakeCalls();
+
     ASSERT_TRUE(Create());
     EXPECT_FALSE(gl_.CreateChild(nullptr));
     EXPECT_EQ(TakeFakeCalls(), (Calls{"wglMakeCurrent(off)", "wglDeleteContext()", "ReleaseDC()"}))

@@ -55,11 +55,11 @@ protected:
     }
 
     // Pictures, models and a morph of twice half a second, whose triangle carries the desktop's picture.
-    void WritePackage() {
+    void WritePackage(const std::vector<TestEntry>& more = {}) {
         FXPackage package;
         const std::string picture = Tga(1, 1, {0xFFFFFFFFu});
         const std::string model = TriangleModel(folder_);
-        std::vector<TestEntry> entries;
+        std::vector<TestEntry> entries = more;
         for (const int id : {0, 1, 5, 18, 19, 20, 21, 73, 74})
             entries.push_back({id, kTga, picture});
         for (const int id : {4, 11, 13, 15, 17})
@@ -280,6 +280,20 @@ TEST_F(Show, FirstFrameKeepsWhatIsOnTheScreenAndHasTheSunsLight) {
         EXPECT_EQ(Count("glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT)"), 1);
         EXPECT_TRUE(frame_[0] == "glEnable(GL_DEPTH_TEST)" && frame_[1] == "glDepthMask(GL_TRUE)")
             << "or the depth is not cleared";
+    }
+}
+
+TEST_F(Show, BurnsThePackagesOwnPictureWhereTheDesktopCannotBePhotographed) {
+    WritePackage({{90, kTga, Tga(1, 1, {0xFF776655u})}});
+    for (const auto& [copyFails, lockFails] : {std::pair{true, false}, {false, true}, {false, false}}) {
+        fakeDesktop.copyFails = copyFails;
+        fakeDesktop.lockFails = lockFails;
+        Build();
+        EXPECT_EQ(built_.find("556677ff") != std::string::npos, copyFails || lockFails);
+        EXPECT_EQ(Frame(kStart), kAlways + "desktop desktop ");
+        EXPECT_TRUE(show::scr_mat.name.Compare("Material001"));
+        EXPECT_EQ(show::scr_mat.diffuse[3], 1);
+        DestroyScene();
     }
 }
 

@@ -48,6 +48,7 @@ template <bool kOpens>
 constexpr WindowSystem kFake = {
     .name = kOpens ? "fake" : "closed",
     .Open = [] { return kOpens; },
+    .EnterWindow = {},
     .FindScreen = {},
     .FindPointer = {},
     .PhotographDesktop = {},

@@ -1,5 +1,7 @@
 #include "win32/linux/words.h"
 
+#include "win32/linux/daemon_window.h"
+
 #include <algorithm>
 #include <functional>
 #include <string_view>
@@ -22,10 +24,24 @@ std::string TakeTask(Task task, Words* words) {
     return "";
 }
 
+std::string TakeWindow(const std::string& number, Words* words) {
+    words->task = Task::Hosted;
+    words->window = WindowNumber(number);
+    return words->window != 0 ? "" : "--window-id needs the number of a window, as in 0x1c00007";
+}
+
 constexpr Option kOptions[] = {
     {"--help", nullptr, "this text", [](const std::string&, Words* w) { return TakeTask(Task::Help, w); }},
     {"--version", nullptr, "the version",
      [](const std::string&, Words* w) { return TakeTask(Task::Version, w); }},
+    {"--root", nullptr, "the show in the window that a screen saver daemon names",
+     [](const std::string&, Words* w) { return TakeTask(Task::Hosted, w); }},
+    {"-root", nullptr, "the same", [](const std::string&, Words* w) { return TakeTask(Task::Hosted, w); }},
+    {"--window-id", "WINDOW", "the show in that window, by its number", TakeWindow},
+    {"--register", nullptr, "put Tamblor into XScreenSaver's list of savers",
+     [](const std::string&, Words* w) { return TakeTask(Task::Register, w); }},
+    {"--unregister", nullptr, "take it out of there",
+     [](const std::string&, Words* w) { return TakeTask(Task::Unregister, w); }},
 };
 
 const Option* FindOption(std::string_view name) {

@@ -2,6 +2,7 @@
 // rule (host/saver_mode.h), which would take a switch from the letters in them.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -9,6 +10,9 @@
 enum class Task {
     Classic, // what the rest of the words ask for, by the classic rule
     Show,    // full screen
+    Hosted,  // the show in a window of a screen saver daemon
+    Register,
+    Unregister,
     Help,
     Version,
     Wrong,
@@ -16,6 +20,7 @@ enum class Task {
 
 struct Words {
     Task task = Task::Classic;
+    std::uint32_t window = 0;      // of Hosted: the one named by its number; 0: the daemon says which
     std::vector<std::string> rest; // what is left for the classic rule
     std::string problem;           // of Wrong: one line for the user
 };

@@ -54,6 +54,7 @@ void WaitForEvents(int wake, int milliseconds) {
 const WindowSystem kOffscreen = {
     .name = "offscreen",
     .Open = [] { return offscreen::screen.width > 0; },
+    .EnterWindow = [](HWND, bool) { return false; }, // there are no other windows
     .FindScreen = [] { return offscreen::screen; },
     .FindPointer = [](POINT*) { return false; },
     .PhotographDesktop = offscreen::PhotographDesktop,

@@ -1,5 +1,7 @@
 // The saver's process entry, and the facts of the process.
+#include "win32/linux/daemon_window.h"
 #include "win32/linux/words.h"
+#include "win32/linux/xscreensaver_file.h"
 #include "win32/posix/data_folder.h"
 #include "win32/windowing/windowing.h"
 
@@ -16,7 +18,8 @@ namespace {
 // The preferred one first.
 constexpr const WindowSystem* kWindowSystems[] = {&kX11};
 
-constexpr int kUsageError = 2; // exit status
+constexpr int kFailed = 1; // exit status
+constexpr int kUsageError = 2;
 
 std::string commandLine;
 
@@ -69,7 +72,8 @@ int Say(const std::string& text) {
 }
 
 // The first request takes the show down in good order; should that hang, the second one is the system's. What
-// the parent chose to ignore (nohup) stays ignored.
+// the parent chose to ignore (nohup) stays ignored. A show in a daemon's window leaves signals to the system:
+// it holds nothing that has to be given back, and the daemon waits for an end by the signal.
 void ListenToSignals() {
     struct sigaction action = {};
     action.sa_handler = [](int) { RequestEnd(); };
@@ -79,7 +83,29 @@ void ListenToSignals() {
         if (sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
             sigaction(number, &action, nullptr);
     }
-    std::signal(SIGPIPE, SIG_IGN);
+}
+
+int Complain(int status, const std::string& problem) {
+    std::fprintf(stderr, "tamblor: %s\n", problem.c_str());
+    return status;
+}
+
+// Of a change to the list of savers: done or not, and the line about it.
+int Tell(bool done, const std::string& line) {
+    return done ? Say(line + "\n") : Complain(kFailed, line);
+}
+
+// The screen is the daemon's window from now on; what is wrong with that, or "".
+std::string ShowInWindow(std::uint32_t named) {
+    const std::uint32_t number = named != 0 ? named : DaemonWindow();
+    if (number == 0)
+        return "--root needs the number of a window in XSCREENSAVER_WINDOW, as screen saver daemons set it";
+    const HWND window = reinterpret_cast<HWND>(static_cast<UINT_PTR>(number));
+    if (UsedWindowSystem().EnterWindow(window, DesktopImagesAllowed()))
+        return "";
+    char text[80];
+    std::snprintf(text, sizeof text, "there is no window 0x%x that a show can lie in", number);
+    return text;
 }
 
 } // namespace
@@ -103,25 +129,38 @@ BOOL SystemParametersInfoA(UINT, UINT, void*, UINT) {
 int main(int count, char** arguments) {
     const std::vector<std::string> all(arguments, arguments + count);
     Words words = ReadWords(std::span(all).subspan(all.empty() ? 0 : 1));
+    // A daemon that says nothing more than where.
+    if (count == 1 && DaemonWindow() != 0)
+        words.task = Task::Hosted;
+    std::string line;
     switch (words.task) {
     case Task::Wrong:
-        std::fprintf(stderr, "tamblor: %s\n", words.problem.c_str());
-        return kUsageError;
+        return Complain(kUsageError, words.problem);
     case Task::Help:
         return Say(HelpText());
     case Task::Version:
         return Say(VersionText());
+    case Task::Register:
+        return Tell(AddToSavers(&line), line);
+    case Task::Unregister:
+        return Tell(RemoveFromSavers(&line), line);
     case Task::Show:
+    case Task::Hosted:
         words.rest = {"/s"};
         break;
     case Task::Classic:
         break;
     }
-    ListenToSignals();
+    std::signal(SIGPIPE, SIG_IGN);
     OfferWindowSystems(kWindowSystems);
     HonourSettings();
+    if (words.task != Task::Hosted) {
+        ListenToSignals();
+    } else if (const std::string problem = ShowInWindow(words.window); !problem.empty()) {
+        return Complain(kFailed, problem);
+    }
     AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
     commandLine = Joined(all);
-    std::string line = Joined(WithDecimals(words.rest));
+    line = Joined(WithDecimals(words.rest));
     return WinMain(nullptr, nullptr, line.data(), SW_SHOWNORMAL);
 }

@@ -297,7 +297,7 @@ void LeaveFullScreen() {
 }
 
 void HideCursor() {
-    if (saverWindow.gone)
+    if (saverWindow.gone || !saverWindow.fullScreen)
         return;
     saverWindow.cursorHidden = true;
     XDefineCursor(Connection(), saverWindow.id, BlankCursor());

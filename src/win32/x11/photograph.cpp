@@ -82,7 +82,8 @@ struct Channel {
     }
 };
 
-// Fills the photograph, which has its size.
+} // namespace
+
 void Convert(Display* display, XImage* image, Photograph* picture) {
     const Visual* visual = DefaultVisual(display, DefaultScreen(display));
     const Channel red(visual->red_mask);
@@ -109,6 +110,8 @@ void Convert(Display* display, XImage* image, Photograph* picture) {
     }
 }
 
+namespace {
+
 bool Read(Display* display, int x, int y, Photograph* picture) {
     SharedImage shared(display, picture->width, picture->height);
     if (XImage* image = shared.Read(x, y)) {
@@ -133,6 +136,8 @@ bool PhotographDesktop(int width, int height, Photograph* picture, std::string* 
         *problem = "XOpenDisplay (desktop capture)";
         return false;
     }
+    if (DaemonWindow() != None)
+        return FindDaemonPicture(width, height, picture, problem);
     const Place primary = ListMonitors(display).front();
     picture->width = std::min(width, primary.width);
     picture->height = std::min(height, primary.height);

@@ -22,6 +22,11 @@ std::span<const Place> Monitors() {
 Place FindScreen() {
     if (Connection() == nullptr)
         return {};
+    if (DaemonWindow() != None) {
+        Place window;
+        const bool found = FindGeometry(Connection(), DaemonWindow(), &window);
+        return found ? Place{0, 0, window.width, window.height} : Place{};
+    }
     const Place& primary = Monitors().front();
     return {0, 0, primary.width, primary.height};
 }

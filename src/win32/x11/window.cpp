@@ -86,8 +86,10 @@ HWND CreateWindow(const WindowRequest& request) {
         std::fprintf(stderr, "tamblor: cannot open display %s\n", wanted ? wanted : "(DISPLAY is not set)");
         return nullptr;
     }
-    const bool child = request.parent != nullptr;
-    const Window parent = child ? IdOf(request.parent) : DefaultRootWindow(display);
+    const bool child = request.parent != nullptr || DaemonWindow() != None;
+    const Window parent = request.parent != nullptr ? IdOf(request.parent)
+                          : DaemonWindow() != None  ? DaemonWindow()
+                                                    : DefaultRootWindow(display);
     const Place place = PlaceIn(parent, request.place);
     const Window id = CreateXWindow(display, parent, place, child);
     if (id == None)
@@ -105,7 +107,7 @@ HWND CreateWindow(const WindowRequest& request) {
 void ShowWindow() {
     if (saverWindow.fullScreen)
         PrepareFullScreen();
-    XMapRaised(Connection(), saverWindow.id);
+    XMapWindow(Connection(), saverWindow.id); // above what is there already
     XSync(Connection(), False);
     if (saverWindow.fullScreen)
         EnterFullScreen();

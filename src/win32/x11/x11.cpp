@@ -3,6 +3,7 @@
 const WindowSystem kX11 = {
     .name = "x11",
     .Open = [] { return x11::Connection() != nullptr; },
+    .EnterWindow = x11::EnterWindow,
     .FindScreen = x11::FindScreen,
     .FindPointer = x11::FindPointer,
     .PhotographDesktop = x11::PhotographDesktop,

@@ -1,6 +1,7 @@
 // What the files of this folder share. The window covers the primary monitor or lies in somebody else's
-// window. All of it belongs to the main thread, but for OpenGL (gl_surface.cpp), which has a connection to
-// the X server of its own, so that no two threads ever wait for each other's replies.
+// window; a daemon's (daemon_window.cpp) stands for the screen. All of it belongs to the main thread, but for
+// OpenGL (gl_surface.cpp), which has a connection to the X server of its own, so that no two threads ever
+// wait for each other's replies.
 //
 // The screen's coordinates begin at the primary monitor's corner (win32/window_system.h), X's at the X
 // screen's. Places here are X's.
@@ -60,6 +61,14 @@ void FollowParent();
 // The input that any window of ours receives on the screen.
 constexpr long kInputMask = KeyPressMask | KeyReleaseMask | ButtonPressMask | PointerMotionMask;
 
+// daemon_window.cpp: the window that stands for the screen; None: the primary monitor does.
+Window DaemonWindow();
+// What the show there burns: false, with no picture and a line for the trace, when there is none.
+bool FindDaemonPicture(int width, int height, Photograph* picture, std::string* problem);
+
+// photograph.cpp: fills the photograph, which has the image's size. The image is of the screen's depth.
+void Convert(Display* display, XImage* image, Photograph* picture);
+
 // screen.cpp: the monitors as they were last read, the primary one first.
 std::span<const Place> Monitors();
 void ReadMonitors();
@@ -95,6 +104,7 @@ void OnVisibilityEvent(const XEvent& event);
 void FitSurface(int width, int height);
 
 // The functions of the window system's table (x11.cpp), in the file that their subject has.
+bool EnterWindow(HWND window, bool desktopAllowed);
 Place FindScreen();
 bool FindPointer(POINT* position);
 bool PhotographDesktop(int width, int height, Photograph* picture, std::string* problem);

@@ -1,0 +1,348 @@
+// The show in the window of a screen saver daemon, which is the test here; and in the daemons' list.
+#include "integration/saver_process.h"
+
+#include <X11/Xatom.h>
+
+#include <chrono>
+
+namespace {
+
+class DaemonWindow : public ShowFixture {
+protected:
+    static constexpr Area kArea = {80, 40, 160, 120};
+    static constexpr int kX = kArea.x + 130,
+                         kY = kArea.y + 30; // where nothing of the show stands at its start
+
+    void SetUp() override {
+        ShowFixture::SetUp();
+        host = display.ShowWindow(kArea);
+        AllowDesktop();
+    }
+    void TearDown() override { saver.Kill(); }
+
+    void AllowDesktop(const std::string& answer = "True") {
+        saver.data.Write(".xscreensaver", "timeout:\t0:10:00\ngrabDesktopImages:\t" + answer + "\n");
+    }
+    static std::string Hexadecimal(Window window) {
+        char text[32];
+        std::snprintf(text, sizeof text, "0x%lX", window);
+        return text;
+    }
+    void StartIn(const std::string& variable, const std::vector<std::string>& words = {"--root"}) {
+        saver.environment["XSCREENSAVER_WINDOW"] = variable;
+        saver.Start(display, words);
+    }
+    // A picture as a daemon leaves it, which differs at every pixel.
+    static std::uint32_t ShotPixel(int x, int y) {
+        return static_cast<std::uint32_t>(220 - x) << 16 | static_cast<std::uint32_t>(60 + y) << 8 | 30u;
+    }
+    Pixmap Shot(int scale = 1) const {
+        ScreenPicture picture{kArea.width * scale, {}};
+        for (int y = 0; y < kArea.height * scale; ++y)
+            for (int x = 0; x < kArea.width * scale; ++x)
+                picture.pixels.push_back(ShotPixel(x / scale, y / scale));
+        return display.MakePixmap(picture);
+    }
+    void Name(Window window, const char* property, XID value, Atom type = XA_PIXMAP) const {
+        const long number = static_cast<long>(value);
+        XChangeProperty(display.connection, window, XInternAtom(display.connection, property, False), type,
+                        32, PropModeReplace, reinterpret_cast<const unsigned char*>(&number), 1);
+        display.Sync();
+    }
+    void NameShot(XID value, Atom type = XA_PIXMAP) const {
+        Name(host, "_SCREENSAVER_SCREENSHOT", value, type);
+    }
+    void NameWallpaper() const { // smaller than the screen: it is repeated
+        ScreenPicture picture{200, {}};
+        for (int i = 0; i < 200 * 140; ++i)
+            picture.pixels.push_back(display.DesktopPixel(i % 200, i / 200));
+        Name(display.Root(), "_XROOTPMAP_ID", display.MakePixmap(picture));
+    }
+    std::uint32_t WallpaperPixel(int x, int y) const { return display.DesktopPixel(x % 200, y % 140); }
+    bool ShowsShot() const {
+        return display.WaitForPixel(kX, kY, ShotPixel(kX - kArea.x, kY - kArea.y), 3) &&
+               display.WaitForPixel(kArea.x + 20, kArea.y + 10, ShotPixel(20, 10), 3);
+    }
+    bool ShowsWallpaper() const {
+        return display.WaitForPixel(kX, kY, WallpaperPixel(kX, kY), 3) &&
+               display.WaitForPixel(kArea.x + 20, kArea.y + 10, WallpaperPixel(kArea.x + 20, kArea.y + 10),
+                                    3);
+    }
+    void ExpectASignalEndsIt(int number = SIGTERM) {
+        saver.Signal(number);
+        EXPECT_EQ(saver.WaitForExit(), -2) << saver.Errors();
+        EXPECT_EQ(saver.EndSignal(), number);
+    }
+
+    Window host = 0;
+};
+
+TEST_F(DaemonWindow, IsNamedByTheWordsOrTheVariableInBothNotations) {
+    NameShot(Shot());
+    const std::string hex = Hexadecimal(host), decimal = std::to_string(host), other = "0x1";
+    const std::pair<std::string, std::vector<std::string>> ways[] = {
+        {hex, {"--root"}},
+        {decimal, {"-root"}},
+        {other, {"--root", "--window-id", hex}},
+        {"a-token", {"--window-id=" + decimal}},
+        {hex, {}},
+    };
+    for (const auto& [variable, words] : ways) {
+        StartIn(variable, words);
+        ASSERT_TRUE(ShowsShot()) << variable << saver.Errors();
+        ExpectASignalEndsIt();
+        display.WaitForPixel(kX, kY, 0, 0);
+    }
+}
+
+TEST_F(DaemonWindow, IsTheOnlyThingThatItTouches) {
+    NameShot(Shot());
+    const Window focused = display.ShowWindow({0, 0, 40, 40}, 0x00FF00); // the daemon's dialog lies above
+    const Window dialog = display.ShowWindow({kArea.x + 40, kArea.y + 90, 200, 60}, 0xFFFF00);
+    display.TakeFocus(focused);
+    display.MovePointer(kX, kY);
+    StartIn(Hexadecimal(host));
+    ASSERT_TRUE(ShowsShot()) << saver.Errors();
+    EXPECT_EQ(display.GrabInput(), std::pair(GrabSuccess, GrabSuccess));
+    display.ReleaseInput();
+    EXPECT_FALSE(display.CursorIsHidden());
+    Window focus = None;
+    int revert = 0;
+    XGetInputFocus(display.connection, &focus, &revert);
+    EXPECT_EQ(focus, focused);
+    EXPECT_EQ(display.VisibleWindows(), (std::vector{host, focused, dialog}));
+    XSelectInput(display.connection, host, KeyPressMask | ButtonPressMask | PointerMotionMask);
+    display.TakeFocus(host);
+    saver.SetClock(60000);
+    display.MovePointer(kX + 5, kY + 5);
+    display.ClickButton(1);
+    display.PressKey(XK_space);
+    ExpectItGoesOn();
+    for (const int type : {MotionNotify, ButtonPress, KeyPress}) {
+        XEvent event;
+        EXPECT_TRUE(XCheckTypedWindowEvent(display.connection, host, type, &event))
+            << "the daemon's: " << type;
+    }
+    EXPECT_EQ(display.PixelAt(kArea.x + 60, kArea.y + 100), 0xFFFF00u);
+    ExpectASignalEndsIt();
+}
+
+TEST_F(DaemonWindow, IsFilledAlsoWhenItsSizeChanges) {
+    NameShot(Shot());
+    StartIn(Hexadecimal(host));
+    ASSERT_TRUE(ShowsShot()) << saver.Errors();
+    for (const Area& area : {Area{0, 0, 300, 220}, Area{10, 20, 90, 70}}) {
+        XMoveResizeWindow(display.connection, host, area.x, area.y, static_cast<unsigned>(area.width),
+                          static_cast<unsigned>(area.height));
+        display.Sync();
+        const int x = area.x + area.width * 3 / 4, y = area.y + area.height / 4;
+        EXPECT_TRUE(display.WaitForPixel(x, y, ShotPixel(kArea.width * 3 / 4, kArea.height / 4), 6));
+        const int edgeX = area.x + area.width - 2, edgeY = area.y + area.height / 2;
+        EXPECT_TRUE(display.WaitForPixel(edgeX, edgeY, ShotPixel(kArea.width - 2, kArea.height / 2), 8));
+    }
+    ExpectASignalEndsIt();
+}
+
+TEST_F(DaemonWindow, ItsScreenshotIsBurntWhereTheUserAllowsItElseTheWallpaperThere) {
+    NameShot(Shot());
+    NameWallpaper();
+    for (const auto& [answer, allowed] :
+         {std::pair{"False", false}, {"true", true}, {"on", true}, {"", false}}) {
+        AllowDesktop(answer);
+        StartIn(Hexadecimal(host));
+        EXPECT_TRUE(allowed ? ShowsShot() : ShowsWallpaper()) << answer << saver.Errors();
+        ExpectASignalEndsIt();
+    }
+    std::filesystem::remove(saver.data.File(".xscreensaver"));
+    StartIn(Hexadecimal(host));
+    std::ifstream file("/etc/X11/app-defaults/XScreenSaver");
+    const std::string system(std::istreambuf_iterator<char>(file), {});
+    const bool systemAllows = system.find("\n*grabDesktopImages:\tTrue") != std::string::npos;
+    EXPECT_TRUE(systemAllows ? ShowsShot() : ShowsWallpaper()) << "the system's answer";
+}
+
+TEST_F(DaemonWindow, InAPaneShowsTheScreenshotOfTheWindowAround) {
+    NameShot(Shot(2)); // of another size
+    const Window pane = XCreateSimpleWindow(display.connection, host, 40, 20, 80, 60, 0, 0, 0);
+    XMapWindow(display.connection, pane);
+    StartIn("", {"--root", "--window-id", Hexadecimal(pane)});
+    EXPECT_TRUE(display.WaitForPixel(kArea.x + 40 + 60, kArea.y + 20 + 15, ShotPixel(120, 30), 4));
+    EXPECT_TRUE(display.WaitForPixel(kArea.x + 40 + 10, kArea.y + 20 + 5, ShotPixel(20, 10), 4));
+    ExpectASignalEndsIt();
+}
+
+TEST_F(DaemonWindow, WithoutAUsableScreenshotTheWallpaperIsBurntAndThenAPictureOfItsOwn) {
+    const Pixmap bitmap = XCreatePixmap(display.connection, display.Root(), 160, 120, 1);
+    const std::pair<XID, Atom> useless[] = {{0, XA_PIXMAP},
+                                            {0x1FFFFF77, XA_PIXMAP},
+                                            {host, XA_PIXMAP},
+                                            {bitmap, XA_PIXMAP},
+                                            {Shot(), XA_CARDINAL}};
+    NameWallpaper();
+    for (const auto& [value, type] : useless) {
+        NameShot(value, type);
+        StartIn(Hexadecimal(host));
+        EXPECT_TRUE(ShowsWallpaper()) << value << saver.Errors();
+        ExpectASignalEndsIt();
+    }
+    Name(display.Root(), "_XROOTPMAP_ID", bitmap);
+    StartIn(Hexadecimal(host));
+    // Sky above land.
+    EXPECT_TRUE(display.WaitForPixel(kX, kArea.y + 34, 0x4985A7, 12)) << saver.Errors();
+    EXPECT_TRUE(display.WaitForPixel(kX, kArea.y + 110, 0x2F6975, 12));
+    EXPECT_NE(saver.Trace().find("#ERROR: "), std::string::npos);
+    ExpectASignalEndsIt();
+}
+
+TEST_F(DaemonWindow, AskedToEndAtAnyMomentItEndsByThatSignal) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        for (const unsigned ms : {20u, 60u, 150u, 300u, 600u, 1200u}) {
+            StartIn(Hexadecimal(host));
+            usleep(ms * 1000);
+            const auto asked = std::chrono::steady_clock::now();
+            ExpectASignalEndsIt(number);
+            EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(1)) << ms;
+        }
+}
+
+TEST_F(DaemonWindow, DestroyedAtAnyMomentItEndsWithoutACrash) {
+    for (const unsigned ms : {0u, 40u, 90u, 100u, 105u, 110u, 120u, 400u, 1300u}) {
+        StartIn(Hexadecimal(host));
+        saver.SetClock(100);
+        usleep(ms * 1000);
+        display.DestroyWindow(host);
+        const int status = saver.WaitForExit();
+        EXPECT_TRUE(status == 0 || status == 1) << ms << " ms: " << status << saver.Errors();
+        host = display.ShowWindow(kArea);
+    }
+}
+
+TEST_F(DaemonWindow, ThatIsNoneIsRefused) {
+    const Window inputOnly =
+        XCreateWindow(display.connection, display.Root(), 0, 0, 10, 10, 0, 0, InputOnly, nullptr, 0, nullptr);
+    display.Sync();
+    const std::string noNumber = "tamblor: --root needs the number of a window in XSCREENSAVER_WINDOW, as "
+                                 "screen saver daemons set it\n";
+    for (const std::string variable : {"", "0", "0x", "0x12 ", " 12", "-5", "12a", "0x123456789", "token"}) {
+        StartIn(variable);
+        EXPECT_EQ(saver.WaitForExit(), 1);
+        EXPECT_EQ(saver.Errors(), noNumber) << variable;
+    }
+    for (const Window window : {Window{0x1FFFFF77}, inputOnly, display.Root()}) {
+        StartIn(Hexadecimal(window));
+        EXPECT_EQ(saver.WaitForExit(), 1);
+        EXPECT_NE(saver.Errors().find("that a show can lie in"), std::string::npos) << saver.Errors();
+    }
+    StartIn(Hexadecimal(host), {"--window-id", "nonsense"});
+    EXPECT_EQ(saver.WaitForExit(), 2);
+    StartIn(Hexadecimal(host), {"/c"});
+    EXPECT_EQ(saver.WaitForExit(), 0) << "the classic words ask for something else";
+    EXPECT_EQ(display.VisibleWindows(host).size(), 0u);
+}
+
+class SaverList : public testing::Test {
+protected:
+    static constexpr const char* kLine = "  GL: \"Tamblor\"  tamblor --root \\n\\\n";
+
+    int Run(const char* word, Environment changes = {}) {
+        Environment environment = {{"HOME", home.Path()}};
+        for (const auto& [name, value] : changes)
+            environment[name] = value;
+        Program program;
+        program.Start({TAMBLOR_EXE, word}, environment, "/", home.File("stderr"));
+        return program.WaitForExit();
+    }
+    std::string File() const { return home.Read(".xscreensaver"); }
+    std::string Errors() const { return home.Read("stderr"); }
+
+    const TempFolder home;
+};
+
+TEST_F(SaverList, GetsOneLineAtItsEndAndLosesItAgain) {
+    const std::string head = "# preferences\ntimeout:\t0:05:00\nselected:\t1\n",
+                      tail = "pointerHysteresis:\t10\n";
+    struct {
+        std::string list, with;
+    } const cases[] = {
+        // As the daemon writes it.
+        {"programs:\t\\\n-\t\t\t\tmaze --root \\n\\\n  GL: \t\t\tgears --root \\n\\\n\n\n",
+         "programs:\t\\\n-\t\t\t\tmaze --root \\n\\\n  GL: \t\t\tgears --root \\n\\\n" + std::string(kLine) +
+             "\n\n"},
+        // By hand: no empty line at the end, or all in one.
+        {"programs: maze --root \\n\\\n   gears --root\n",
+         "programs: maze --root \\n\\\n   gears --root\\n\\\n" + std::string(kLine) + "\n"},
+        {"programs: maze --root\n", "programs: maze --root\\n\\\n" + std::string(kLine) + "\n"},
+        {"programs:\n", "programs: \\\n" + std::string(kLine) + "\n"},
+        {"programs: \\\n\n", "programs: \\\n" + std::string(kLine) + "\n"},
+    };
+    for (const auto& [list, with] : cases) {
+        home.Write(".xscreensaver", head + list + tail);
+        for (int twice = 0; twice < 2; ++twice) {
+            ASSERT_EQ(Run("--register"), 0) << Errors();
+            EXPECT_EQ(File(), head + with + tail);
+        }
+        for (int twice = 0; twice < 2; ++twice) {
+            ASSERT_EQ(Run("--unregister"), 0) << Errors();
+            const std::string file = File();
+            EXPECT_EQ(file.find("amblor"), std::string::npos) << file;
+            EXPECT_TRUE(file.starts_with(head) && file.ends_with("\n" + tail)) << file;
+            EXPECT_EQ(file.find("gears --root") != std::string::npos,
+                      list.find("gears") != std::string::npos);
+        }
+    }
+    home.Write(".xscreensaver", cases[0].list);
+    Run("--register");
+    Run("--unregister");
+    EXPECT_EQ(File(), cases[0].list);
+}
+
+TEST_F(SaverList, KnowsTamblorInAnyFormAndLeavesWhatOnlyResemblesIt) {
+    const std::string others = "programs: \\\n  xtamblor \\n\\\n  \"tamblor\"  maze --root \\n\\\n";
+    for (const std::string line :
+         {"- GL: \"Fire\"  tamblor --root --root", "/usr/bin/tamblor --root", "  \"T\" tamblor"}) {
+        home.Write(".xscreensaver", others + line + "\\n\nmode: one\n");
+        ASSERT_EQ(Run("--register"), 0);
+        EXPECT_EQ(File(), others + line + "\\n\nmode: one\n") << "listed already";
+        ASSERT_EQ(Run("--unregister"), 0);
+        EXPECT_EQ(File(), others.substr(0, others.size() - 2) + "\nmode: one\n");
+    }
+}
+
+TEST_F(SaverList, IsMadeWhereItIsMissing) {
+    ASSERT_EQ(Run("--unregister"), 0);
+    EXPECT_FALSE(std::filesystem::exists(home.File(".xscreensaver")));
+    ASSERT_EQ(Run("--register"), 0) << Errors();
+    const std::string list = "programs: \\\n" + std::string(kLine) + "\n";
+    EXPECT_EQ(File(), list);
+    home.Write(".xscreensaver", "mode: off"); // without an end of the line
+    ASSERT_EQ(Run("--register"), 0) << Errors();
+    EXPECT_EQ(File(), "mode: off\n" + list);
+}
+
+TEST_F(SaverList, StaysAsItWasWhenItCannotBeChanged) {
+    namespace fs = std::filesystem;
+    const std::string before = "programs: maze\n";
+    home.Write(".xscreensaver", before);
+    fs::permissions(home.File(".xscreensaver"), fs::perms::owner_read);
+    EXPECT_EQ(Run("--register"), 1);
+    EXPECT_EQ(Errors(), "tamblor: " + home.File(".xscreensaver") + ": is read-only\n");
+    EXPECT_EQ(File(), before);
+    for (const std::string nowhere : {"", "relative"}) {
+        EXPECT_EQ(Run("--register", {{"HOME", nowhere}}), 1);
+        EXPECT_EQ(Errors(), "tamblor: there is no home folder: HOME is not set\n");
+    }
+    EXPECT_EQ(Run("--register", {{"HOME", home.File("not/there")}}), 1);
+    EXPECT_NE(Errors().find("cannot be written"), std::string::npos) << Errors();
+
+    // A link stays one, and permissions stay what they were.
+    fs::remove(home.File(".xscreensaver"));
+    home.Write("real", before);
+    fs::permissions(home.File("real"), fs::perms(0600));
+    fs::create_symlink("real", home.File(".xscreensaver"));
+    ASSERT_EQ(Run("--register"), 0) << Errors();
+    EXPECT_TRUE(fs::is_symlink(home.File(".xscreensaver")));
+    EXPECT_EQ(fs::status(home.File("real")).permissions(), fs::perms(0600));
+    EXPECT_NE(home.Read("real"), before);
+}
+
+} // namespace
