@@ -111,9 +111,12 @@ bool localChooseFolder() {
 
 // In the data folder, or for this user where that cannot be written.
 void localOpenTrace(bool inDataFolder) {
-    if (*logsFile == '\0' || (inDataFolder && fxOpenTraces(logsFile)) || fxTracesOpened())
+    FXStr name(logsFile);
+    if (!name.IsEmpty() && showNumber > 1)
+        name.Format("tamb-%d.log", showNumber);
+    if (name.IsEmpty() || (inDataFolder && fxOpenTraces(name.text)) || fxTracesOpened())
         return;
-    const FXStr elsewhere = fxStateFile(logsFile);
+    const FXStr elsewhere = fxStateFile(name.text);
     if (!elsewhere.IsEmpty())
         fxOpenTraces(elsewhere.text);
 }

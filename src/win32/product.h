@@ -9,3 +9,6 @@ inline constexpr char kPackageFile[] = "tamb.dat";       // the show's package, 
 inline constexpr char kProductFolder[] = "tamblor";      // in share/, and in a user's folders
 inline constexpr char kLargeShowFolder[] = "tamblor-4k"; // in share/: the show for large screens
 inline constexpr char kSettingsFile[] = "tamblor.conf";  // in kProductFolder of a configuration folder
+
+// Of the shows that one command started, each a process and on a monitor of its own: 1 and up.
+inline int showNumber = 1;

@@ -89,6 +89,13 @@ struct WindowSystem {
     // alone, and the photograph is the one that the other program has made or, where pictures of the desktop
     // are not allowed, the wallpaper. Called before all else. False when there is no such window.
     bool (*EnterWindow)(HWND window, bool desktopAllowed);
+    // For a show on each monitor, a process each. How many there can be: the monitors that show no part of
+    // another one.
+    int (*CountShows)();
+    // This process has the show of that number, 0 on the primary monitor, of so many. The first one alone
+    // takes the keyboard and the pointer, and covers the monitors that have no show. What is "the primary
+    // monitor" below is then this show's; without one, its window is hidden. Before all other calls.
+    void (*ChooseShow)(int number, int count);
 
     // The size of the primary monitor; none when there is no connection.
     Place (*FindScreen)();

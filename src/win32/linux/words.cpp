@@ -30,7 +30,14 @@ std::string TakeWindow(const std::string& number, Words* words) {
     return words->window != 0 ? "" : "--window-id needs the number of a window, as in 0x1c00007";
 }
 
+std::string TakeMonitors(const std::string& value, Words* words) {
+    words->allMonitors = value == "all";
+    return value == "all" || value == "primary" ? "" : "--monitors is all or primary, not '" + value + "'";
+}
+
 constexpr Option kOptions[] = {
+    {"--monitors", "all|primary", "a show on each monitor, or on the primary one alone (so without this)",
+     TakeMonitors},
     {"--help", nullptr, "this text", [](const std::string&, Words* w) { return TakeTask(Task::Help, w); }},
     {"--version", nullptr, "the version",
      [](const std::string&, Words* w) { return TakeTask(Task::Version, w); }},
@@ -51,6 +58,15 @@ const Option* FindOption(std::string_view name) {
 
 bool HasSwitch(const std::string& word) {
     return word.find_first_of(kSwitches) != std::string::npos;
+}
+
+// By the classic rule, or by having nothing for it.
+bool AsksForShow(const std::vector<std::string>& rest) {
+    const auto first = std::ranges::find_if(rest, HasSwitch);
+    if (first == rest.end())
+        return rest.empty();
+    const char letter = (*first)[first->find_first_of(kSwitches)];
+    return letter == 's' || letter == 'S';
 }
 
 Words Wrong(const std::string& problem) {
@@ -91,6 +107,8 @@ Words ReadWords(std::span<const std::string> all) {
     }
     if (!unknown.empty() && (anyOption || std::ranges::none_of(words.rest, HasSwitch)))
         return Wrong("unknown option " + unknown);
+    if (words.allMonitors && !AsksForShow(words.rest))
+        return Wrong("--monitors is for the show");
     if (words.task == Task::Classic && anyOption && words.rest.empty())
         words.task = Task::Show;
     return words;

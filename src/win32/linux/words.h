@@ -22,6 +22,7 @@ struct Words {
     Task task = Task::Classic;
     std::uint32_t window = 0;      // of Hosted: the one named by its number; 0: the daemon says which
     std::vector<std::string> rest; // what is left for the classic rule
+    bool allMonitors = false;      // a show on each
     std::string problem;           // of Wrong: one line for the user
 };
 

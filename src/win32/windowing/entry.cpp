@@ -1,8 +1,10 @@
 // The saver's process entry, and the facts of the process.
 #include "win32/linux/daemon_window.h"
+#include "win32/linux/shows.h"
 #include "win32/linux/words.h"
 #include "win32/linux/xscreensaver_file.h"
 #include "win32/posix/data_folder.h"
+#include "win32/product.h"
 #include "win32/windowing/windowing.h"
 
 #include <charconv>
@@ -75,6 +77,7 @@ int Say(const std::string& text) {
 // the parent chose to ignore (nohup) stays ignored. A show in a daemon's window leaves signals to the system:
 // it holds nothing that has to be given back, and the daemon waits for an end by the signal.
 void ListenToSignals() {
+    PrepareForRequests();
     struct sigaction action = {};
     action.sa_handler = [](int) { RequestEnd(); };
     action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
@@ -106,6 +109,21 @@ std::string ShowInWindow(std::uint32_t named) {
     char text[80];
     std::snprintf(text, sizeof text, "there is no window 0x%x that a show can lie in", number);
     return text;
+}
+
+int CountShows() {
+    OfferWindowSystems(kWindowSystems);
+    return UsedWindowSystem().CountShows();
+}
+
+// From here on this is the process of one of the shows. A single one is no other than without the option.
+void BeginShowOnEachMonitor() {
+    const int count = CountInAnotherProcess(CountShows);
+    if (count == 1)
+        return;
+    const int number = ForkShows(count);
+    showNumber = number + 1;
+    UsedWindowSystem().ChooseShow(number, count);
 }
 
 } // namespace
@@ -153,12 +171,14 @@ int main(int count, char** arguments) {
     }
     std::signal(SIGPIPE, SIG_IGN);
     OfferWindowSystems(kWindowSystems);
-    HonourSettings();
+    if (words.allMonitors && words.task != Task::Hosted)
+        BeginShowOnEachMonitor();
     if (words.task != Task::Hosted) {
         ListenToSignals();
     } else if (const std::string problem = ShowInWindow(words.window); !problem.empty()) {
         return Complain(kFailed, problem);
     }
+    HonourSettings();
     AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
     commandLine = Joined(all);
     line = Joined(WithDecimals(words.rest));

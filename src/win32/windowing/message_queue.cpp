@@ -35,7 +35,11 @@ private:
     int ends_[2] = {-1, -1};
 };
 
-const SignalPipe signalPipe;
+// Each process has its own: made at the first call, which comes before any signal is listened to.
+const SignalPipe& ThePipe() {
+    static const SignalPipe pipe;
+    return pipe;
+}
 
 bool TakePosted(MSG* message) {
     if (posted.empty())
@@ -60,15 +64,19 @@ bool TakeQuit(MSG* message) {
 void Pump() {
     const WindowSystem& system = UsedWindowSystem();
     const int milliseconds = system.ReadEvents();
-    system.WaitForEvents(signalPipe.ReadEnd(), posted.empty() ? milliseconds : 0);
-    if (signalPipe.Signalled() && programWindow.handle != nullptr)
+    system.WaitForEvents(ThePipe().ReadEnd(), posted.empty() ? milliseconds : 0);
+    if (ThePipe().Signalled() && programWindow.handle != nullptr)
         DestroyWindow(programWindow.handle);
 }
 
 } // namespace
 
+void PrepareForRequests() {
+    ThePipe();
+}
+
 void RequestEnd() {
-    signalPipe.Signal();
+    ThePipe().Signal();
 }
 
 void PostToWindow(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -38,5 +38,7 @@ void SetMouseThreshold();
 void PostToWindow(UINT message, WPARAM wParam, LPARAM lParam);
 void DropMessages();
 
-// A signal asks for the end: the window is destroyed by the message loop. For signal handlers.
+// A signal asks for the end: the window is destroyed by the message loop. For signal handlers, once the other
+// function has been called.
 void RequestEnd();
+void PrepareForRequests();

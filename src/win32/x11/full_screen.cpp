@@ -116,6 +116,14 @@ bool IsLocker(const XWindowAttributes& facts) {
     return facts.override_redirect != False && CoversSaver(facts.x, facts.y, facts.width, facts.height);
 }
 
+// Another show's window, on its monitor, does not.
+bool TouchesOurs(const XWindowAttributes& facts) {
+    return std::ranges::any_of(Monitors(), [&](const Place& place) {
+        return facts.x < place.x + place.width && place.x < facts.x + facts.width &&
+               facts.y < place.y + place.height && place.y < facts.y + facts.height;
+    });
+}
+
 // All our windows are shown, above all others that show anything; or they are not; or they need not be.
 enum class Stack { OnTop, Covered, Locked };
 
@@ -139,7 +147,7 @@ Stack LookAtStack() {
             --missing;
         else if (!below && IsLocker(facts))
             locker = true;
-        else if (facts.c_class != InputOnly)
+        else if (facts.c_class != InputOnly && TouchesOurs(facts))
             above = true;
         below = below || windows[i - 1] == saverWindow.id;
         if (below && above)
@@ -160,6 +168,8 @@ void Raise() {
 void StayOnTop(Clock::time_point now) {
     stackChanged = false;
     nextLook = now + kLook;
+    if (!HasMonitor())
+        return;
     const Stack stack = LookAtStack();
     const bool was = std::exchange(locked, stack == Stack::Locked);
     if (locked)
@@ -175,8 +185,11 @@ void StayOnTop(Clock::time_point now) {
 void FollowMonitors() {
     monitorsChanged = false;
     const std::vector<Place> before(Monitors().begin(), Monitors().end());
+    const bool had = HasMonitor();
     ReadMonitors();
-    if (std::ranges::equal(Monitors(), before))
+    if (!HasMonitor())
+        XUnmapWindow(Connection(), saverWindow.id);
+    if (!HasMonitor() || (had && std::ranges::equal(Monitors(), before)))
         return;
     FitCovers(Monitors().subspan(1));
     PlaceSaver(Monitors().front());
@@ -185,7 +198,7 @@ void FollowMonitors() {
 
 // The focus is the next best meanwhile, which keeps no program from a grab.
 void OnCreated(const XCreateWindowEvent& window) {
-    if (window.override_redirect == False || IsOwn(window.window) ||
+    if (!TakesInput() || window.override_redirect == False || IsOwn(window.window) ||
         !CoversSaver(window.x, window.y, window.width, window.height))
         return;
     ReleaseGrabs();
@@ -240,7 +253,7 @@ int HoldScreen() {
         FollowMonitors();
     if (stackChanged && now >= nextLook)
         StayOnTop(now);
-    const auto wanting = [] { return !locked && (!keyboardHeld || !pointerHeld); };
+    const auto wanting = [] { return TakesInput() && !locked && (!keyboardHeld || !pointerHeld); };
     if (wanting() && now >= nextAsk)
         AskForInput(now);
     auto wake = Clock::time_point::max();

@@ -138,7 +138,8 @@ bool PhotographDesktop(int width, int height, Photograph* picture, std::string* 
     }
     if (DaemonWindow() != None)
         return FindDaemonPicture(width, height, picture, problem);
-    const Place primary = ListMonitors(display).front();
+    const std::vector<Place> monitors = ListOwnMonitors(display);
+    const Place primary = monitors.empty() ? Monitors().front() : monitors.front();
     picture->width = std::min(width, primary.width);
     picture->height = std::min(height, primary.height);
     if (Read(display, primary.x, primary.y, picture))

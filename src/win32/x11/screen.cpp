@@ -1,16 +1,78 @@
 // The screen as a whole: its monitors, its pointer, who has the keyboard.
 #include "win32/x11/x11.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace x11 {
 
 namespace {
 
 std::vector<Place> monitors;
+bool hasMonitor = true;
+std::size_t show = 0; // this process's
+std::size_t shows = 1;
+
+bool Overlap(const Place& a, const Place& b) {
+    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+}
+
+// The monitors that have a show, and behind them those that show a part of one of them.
+std::vector<Place> ShowsFirst(const std::vector<Place>& all, std::size_t* count) {
+    std::vector<Place> apart;
+    std::vector<Place> others;
+    for (const Place& each : all) {
+        const bool overlaps =
+            std::ranges::any_of(apart, [&](const Place& one) { return Overlap(one, each); });
+        (overlaps ? others : apart).push_back(each);
+    }
+    *count = apart.size();
+    apart.insert(apart.end(), others.begin(), others.end());
+    return apart;
+}
 
 } // namespace
 
+int CountShows() {
+    std::size_t count = 1;
+    if (Connection() != nullptr)
+        ShowsFirst(ListMonitors(Connection()), &count);
+    return static_cast<int>(count);
+}
+
+void ChooseShow(int number, int count) {
+    show = static_cast<std::size_t>(number);
+    shows = static_cast<std::size_t>(count);
+}
+
+// The first show covers what is left.
+std::vector<Place> ListOwnMonitors(Display* display) {
+    std::vector<Place> all = ListMonitors(display);
+    if (shows == 1)
+        return all;
+    std::size_t count = 0;
+    all = ShowsFirst(all, &count);
+    if (show > 0)
+        return show < count ? std::vector{all[show]} : std::vector<Place>();
+    all.erase(all.begin() + 1, all.begin() + static_cast<std::ptrdiff_t>(std::min(shows, count)));
+    return all;
+}
+
 void ReadMonitors() {
-    monitors = ListMonitors(Connection());
+    std::vector<Place> now = ListOwnMonitors(Connection());
+    hasMonitor = !now.empty();
+    if (hasMonitor)
+        monitors = std::move(now);
+    else if (monitors.empty()) // it went while this process started
+        monitors = {{0, 0, 1, 1}};
+}
+
+bool HasMonitor() {
+    return hasMonitor;
+}
+
+bool TakesInput() {
+    return show == 0;
 }
 
 std::span<const Place> Monitors() {

@@ -4,6 +4,8 @@ const WindowSystem kX11 = {
     .name = "x11",
     .Open = [] { return x11::Connection() != nullptr; },
     .EnterWindow = x11::EnterWindow,
+    .CountShows = x11::CountShows,
+    .ChooseShow = x11::ChooseShow,
     .FindScreen = x11::FindScreen,
     .FindPointer = x11::FindPointer,
     .PhotographDesktop = x11::PhotographDesktop,

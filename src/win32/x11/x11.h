@@ -69,9 +69,14 @@ bool FindDaemonPicture(int width, int height, Photograph* picture, std::string* 
 // photograph.cpp: fills the photograph, which has the image's size. The image is of the screen's depth.
 void Convert(Display* display, XImage* image, Photograph* picture);
 
-// screen.cpp: the monitors as they were last read, the primary one first.
+// screen.cpp: the monitors as they were last read: the show's, which is the primary one unless this process
+// has another show, and those to be covered.
 std::span<const Place> Monitors();
 void ReadMonitors();
+// As they are now.
+std::vector<Place> ListOwnMonitors(Display* display);
+bool HasMonitor();      // there is one for this show; else the place is that of one that has gone
+bool TakesInput();      // the show is the first one
 Window FocusedWindow(); // who has the keyboard; PointerRoot: whoever is below the pointer
 
 // covers.cpp: one black window for each of these places, and no others.
@@ -105,6 +110,8 @@ void FitSurface(int width, int height);
 
 // The functions of the window system's table (x11.cpp), in the file that their subject has.
 bool EnterWindow(HWND window, bool desktopAllowed);
+int CountShows();
+void ChooseShow(int number, int count);
 Place FindScreen();
 bool FindPointer(POINT* position);
 bool PhotographDesktop(int width, int height, Photograph* picture, std::string* problem);

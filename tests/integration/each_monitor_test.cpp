@@ -1,0 +1,126 @@
+// A show on each monitor: --monitors all.
+#include "integration/saver_process.h"
+
+#include <fstream>
+
+namespace {
+
+constexpr Area kLeft = {0, 0, 320, 480};
+constexpr Area kRight = {320, 0, 320, 400};
+
+class EachMonitor : public ShowFixture {
+protected:
+    EachMonitor() : ShowFixture(640, 480) {
+        display.SetMonitor("left", kLeft, true);
+        display.SetMonitor("right", kRight, false);
+    }
+    void StartOnAll() {
+        saver.Start(display, {"--monitors", "all"});
+        ASSERT_TRUE(Eventually([&] { return HasWindow(kLeft) && HasWindow(kRight); }));
+        ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
+    }
+    bool HasWindow(const Area& area) const {
+        return std::ranges::any_of(display.VisibleWindows(), [&](Window window) {
+            XWindowAttributes facts = {};
+            XGetWindowAttributes(display.connection, window, &facts);
+            return facts.x == area.x && facts.y == area.y && facts.width == area.width &&
+                   facts.height == area.height;
+        });
+    }
+    // The shows' processes, the first monitor's first.
+    std::vector<pid_t> Shows() const {
+        const std::string id = std::to_string(saver.Id());
+        std::ifstream file("/proc/" + id + "/task/" + id + "/children");
+        std::vector<pid_t> shows;
+        for (pid_t show = 0; file >> show;)
+            shows.push_back(show);
+        return shows;
+    }
+    void ExpectNothingIsLeft(const std::vector<pid_t>& shows) {
+        EXPECT_EQ(shows.size(), 2u);
+        EXPECT_TRUE(Eventually(
+            [&] { return std::ranges::none_of(shows, [](pid_t show) { return kill(show, 0) == 0; }); }));
+        EXPECT_TRUE(display.VisibleWindows().empty());
+    }
+};
+
+TEST_F(EachMonitor, HasAShowOfItsOwnDesktopAndATraceAndAKeyEndsAll) {
+    StartOnAll();
+    const std::vector<pid_t> shows = Shows();
+    ASSERT_TRUE(saver.SeeFrames(display, 160, 200));
+    saver.SetClock(0);
+    for (const auto& [x, y] : {std::pair{10, 470}, {319, 0}, {320, 0}, {500, 300}, {639, 399}})
+        EXPECT_TRUE(display.WaitForPixel(x, y, display.DesktopPixel(x, y), 3)) << x << "," << y;
+    saver.SetClock(3000);
+    for (const int x : {160, 480})
+        EXPECT_TRUE(display.WaitForPixel(x, 200, display.DesktopPixel(x, 200), 12, true)) << x;
+    XSelectInput(display.connection, display.Root(), SubstructureNotifyMask);
+    XSync(display.connection, True);
+    usleep(1200000);
+    EXPECT_EQ(XPending(display.connection), 0) << "they do not fight against each other";
+    ExpectAKeyEndsIt();
+    ExpectNothingIsLeft(shows);
+    for (const char* trace : {"tamb.log", "tamb-2.log"})
+        EXPECT_TRUE(saver.data.Read(trace).ends_with("unload devil\n")) << trace;
+    EXPECT_EQ(saver.Errors(), "");
+}
+
+TEST_F(EachMonitor, EndsWithTheOthers) {
+    enum { OfAll = -1, First, Second };
+    const struct {
+        int which, signal, status; // -2: a signal ended it
+    } cases[] = {{OfAll, SIGTERM, 0}, {OfAll, SIGKILL, -2}, {First, SIGKILL, 137}, {Second, SIGABRT, 134}};
+    for (const auto& c : cases) {
+        StartOnAll();
+        const std::vector<pid_t> shows = Shows();
+        ASSERT_EQ(shows.size(), 2u);
+        if (c.which == OfAll)
+            saver.Signal(c.signal);
+        else
+            kill(shows[static_cast<std::size_t>(c.which)], c.signal);
+        EXPECT_EQ(saver.WaitForExit(), c.status);
+        ExpectNothingIsLeft(shows);
+    }
+}
+
+TEST_F(EachMonitor, IsFollowedWhenItGoesAndComesAndOneWithoutAShowIsBlack) {
+    StartOnAll();
+    ASSERT_TRUE(saver.SeeFrames(display, 160, 200));
+    display.DeleteMonitor("right");
+    EXPECT_TRUE(Eventually([&] { return !HasWindow(kRight); }));
+    EXPECT_TRUE(HasWindow(kLeft));
+    display.SetMonitor("right", kRight, false);
+    EXPECT_TRUE(Eventually([&] { return HasWindow(kRight); }));
+    display.SetMonitor("third", {320, 400, 320, 80}, false);
+    EXPECT_TRUE(display.WaitForBlack({320, 400, 320, 80}));
+    EXPECT_TRUE(HasWindow(kRight)) << "the first show does not cover the second";
+    ExpectAKeyEndsIt();
+}
+
+TEST_F(EachMonitor, ThatShowsAPartOfAnotherHasNoShow) {
+    display.SetMonitor("mirror", {0, 0, 320, 240}, false);
+    StartOnAll();
+    EXPECT_EQ(Shows().size(), 2u);
+    ExpectAKeyEndsIt();
+}
+
+TEST_F(EachMonitor, AloneOrByAWordThatIsNoneOfThem) {
+    display.DeleteMonitor("right");
+    display.DeleteMonitor("left");
+    saver.Start(display, {"--monitors=all", "/s"});
+    ASSERT_TRUE(saver.WaitUntilShown(display));
+    EXPECT_TRUE(Shows().empty()) << "one monitor needs no other process";
+    ExpectAKeyEndsIt();
+    const std::pair<std::vector<std::string>, std::string> wrong[] = {
+        {{"--monitors", "both"}, "tamblor: --monitors is all or primary, not 'both'"},
+        {{"--monitors=all", "/p", "12"}, "tamblor: --monitors is for the show"},
+        {{"--monitors"}, "tamblor: --monitors needs a value"},
+    };
+    for (const auto& [words, says] : wrong) {
+        saver.Start(display, words);
+        EXPECT_EQ(saver.WaitForExit(), 2);
+        EXPECT_TRUE(saver.Errors().starts_with(says)) << saver.Errors();
+    }
+}
+
+} // namespace
