@@ -128,6 +128,15 @@ struct WindowSystem {
     // most so many milliseconds; -1: without limit.
     void (*WaitForEvents)(int wake, int milliseconds);
 
+    // From now on reports when nobody has touched anything for so many milliseconds, at once where that is so
+    // already, and when somebody does again. Nothing wakes the process in between. False, with a line on
+    // stderr, when this cannot be known.
+    bool (*WatchIdle)(int milliseconds);
+    void (*UnwatchIdle)();
+    // Whether a program has asked the window system itself for the screen to stay on, or holds the keyboard,
+    // as what locks the screen does.
+    bool (*ShowIsUnwanted)();
+
     // OpenGL on the window; null when the window is gone.
     std::unique_ptr<GlSurface> (*OpenGl)();
     // An entry point of OpenGL, null when it is unknown. Any thread.
@@ -159,5 +168,6 @@ void ReportSize(int width, int height); // the window's, a new one
 // it is seen; while it is not, nothing is drawn.
 void ReportVisibility(bool seen);
 void ReportExposure();
+void ReportIdle(bool idle); // while it is asked for; the same may come twice
 void ReportCloseRequest();
 void ReportDestruction(); // somebody else has destroyed the window

@@ -61,6 +61,7 @@ public:
     }
     // Of a program that has ended: the signal that ended it, or 0.
     int EndSignal() const { return WIFSIGNALED(status_) ? WTERMSIG(status_) : 0; }
+    pid_t Id() const { return pid_; } // -1: it does not run
     void Signal(int number) const {
         if (pid_ > 0)
             kill(pid_, number);

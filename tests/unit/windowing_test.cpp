@@ -72,6 +72,9 @@ constexpr WindowSystem kFake = {
             return 40;
         },
     .WaitForEvents = [](int, int milliseconds) { Note("wait" + std::to_string(milliseconds)); },
+    .WatchIdle = {},
+    .UnwatchIdle = {},
+    .ShowIsUnwanted = {},
     .OpenGl =
         [] { return script.failing != 0 ? std::make_unique<FakeSurface>() : std::unique_ptr<GlSurface>(); },
     .FindGlFunction = {},

@@ -3,6 +3,7 @@
 #include "win32/linux/daemon_window.h"
 
 #include <algorithm>
+#include <charconv>
 #include <functional>
 #include <string_view>
 
@@ -13,7 +14,7 @@ constexpr const char* kSwitches = "SsPpAaCc";
 
 struct Option {
     const char* name;
-    const char* value; // what it is called in the help; null: it has none
+    const char* value; // what it is called in the help; null: it has none; in brackets: it may be missing
     const char* help;
     // Takes the value, "" without one; gives what is wrong with it, or "".
     std::string (*take)(const std::string& value, Words* words);
@@ -35,6 +36,25 @@ std::string TakeMonitors(const std::string& value, Words* words) {
     return value == "all" || value == "primary" ? "" : "--monitors is all or primary, not '" + value + "'";
 }
 
+std::string TakeMinutes(const std::string& value, Words* words) {
+    constexpr double kLeast = 0.01;
+    constexpr double kMost = 1440; // a day
+    words->task = Task::Watch;
+    if (value.empty())
+        return "";
+    const char* end = value.data() + value.size();
+    const auto [stop, error] = std::from_chars(value.data(), end, words->idleMinutes);
+    const bool good =
+        error == std::errc() && stop == end && words->idleMinutes >= kLeast && words->idleMinutes <= kMost;
+    return good ? "" : "--watch takes a number of minutes from 0.01 to 1440, not '" + value + "'";
+}
+
+std::string TakeAutostart(const std::string& value, Words* words) {
+    words->task = Task::Autostart;
+    words->autostart = value == "on";
+    return value == "on" || value == "off" ? "" : "--autostart takes on or off, not '" + value + "'";
+}
+
 constexpr Option kOptions[] = {
     {"--monitors", "all|primary", "a show on each monitor, or on the primary one alone (so without this)",
      TakeMonitors},
@@ -49,6 +69,14 @@ constexpr Option kOptions[] = {
      [](const std::string&, Words* w) { return TakeTask(Task::Register, w); }},
     {"--unregister", nullptr, "take it out of there",
      [](const std::string&, Words* w) { return TakeTask(Task::Unregister, w); }},
+    {"--watch", "[MINUTES]", "wait, and start the show whenever nobody has touched anything for so long",
+     TakeMinutes},
+    {"--autostart", "on|off", "whether the desktop does that at log-in", TakeAutostart},
+    {"--lock", nullptr, "with the show or one of these two: lock the session when the show ends",
+     [](const std::string&, Words* w) {
+         w->lock = true;
+         return std::string();
+     }},
 };
 
 const Option* FindOption(std::string_view name) {
@@ -67,6 +95,18 @@ bool AsksForShow(const std::vector<std::string>& rest) {
         return rest.empty();
     const char letter = (*first)[first->find_first_of(kSwitches)];
     return letter == 's' || letter == 'S';
+}
+
+// For --lock: something here leads to the show, by an option or the first switch.
+bool HasShow(const Words& words) {
+    if (words.task == Task::Autostart)
+        return words.autostart;
+    if (words.task != Task::Classic)
+        return true; // but for the help and the version, where it does not matter
+    for (const std::string& word : words.rest)
+        if (const std::size_t at = word.find_first_of(kSwitches); at != std::string::npos)
+            return word[at] == 's' || word[at] == 'S';
+    return false;
 }
 
 Words Wrong(const std::string& problem) {
@@ -96,7 +136,7 @@ Words ReadWords(std::span<const std::string> all) {
         std::string value = equals < word.size() ? word.substr(equals + 1) : "";
         if (option->value == nullptr && equals < word.size())
             return Wrong(std::string(option->name) + " has no value");
-        if (option->value != nullptr && equals == word.size()) {
+        if (option->value != nullptr && option->value[0] != '[' && equals == word.size()) {
             if (i + 1 == all.size())
                 return Wrong(std::string(option->name) + " needs a value, " + option->value);
             value = all[++i];
@@ -111,6 +151,11 @@ Words ReadWords(std::span<const std::string> all) {
         return Wrong("--monitors is for the show");
     if (words.task == Task::Classic && anyOption && words.rest.empty())
         words.task = Task::Show;
+    const bool own = words.task == Task::Watch || words.task == Task::Autostart;
+    if (own && !words.rest.empty())
+        return Wrong("unexpected word " + words.rest.front());
+    if (words.lock && !HasShow(words))
+        return Wrong("--lock goes with the show, --watch or --autostart on");
     return words;
 }
 
@@ -125,7 +170,8 @@ std::string HelpText() {
     for (const Option& option : kOptions) {
         std::string name = std::string("  ") + option.name;
         if (option.value != nullptr)
-            name.append("=").append(option.value);
+            name.append(option.value[0] == '[' ? "[=" : "=")
+                .append(option.value + (option.value[0] == '[' ? 1 : 0));
         name.resize(std::max<std::size_t>(name.size() + 1, 24), ' ');
         text += name + option.help + "\n";
     }

@@ -15,6 +15,8 @@ enum class Task {
     Unregister,
     Help,
     Version,
+    Watch,
+    Autostart,
     Wrong,
 };
 
@@ -24,12 +26,15 @@ struct Words {
     std::vector<std::string> rest; // what is left for the classic rule
     bool allMonitors = false;      // a show on each
     std::string problem;           // of Wrong: one line for the user
+    double idleMinutes = 0;        // of Watch; 0: as it is configured
+    bool autostart = false;        // of Autostart: on
+    bool lock = false;             // the session, when the show ends
 };
 
 // The words behind the program's name. An option stands as it is ("--help"), with its value behind it or
-// after an equals sign ("--name VALUE", "--name=VALUE"). A word that begins with a minus and is none of the
-// options is wrong, unless the classic rule makes a switch of it. Options that only say how ask for the show,
-// where nothing else asks for anything.
+// after an equals sign ("--name VALUE", "--name=VALUE"), or there alone where it may be missing. A word that
+// begins with a minus and is none of the options is wrong, unless the classic rule makes a switch of it.
+// Options that only say how ask for the show, where nothing else asks for anything.
 Words ReadWords(std::span<const std::string> words);
 
 // What --help prints, and --version: both end with a newline.

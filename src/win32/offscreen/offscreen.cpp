@@ -70,6 +70,9 @@ const WindowSystem kOffscreen = {
     .ShowBlack = [] {},
     .ReadEvents = [] { return -1; },
     .WaitForEvents = offscreen::WaitForEvents,
+    .WatchIdle = [](int) { return false; }, // nobody's input is known
+    .UnwatchIdle = [] {},
+    .ShowIsUnwanted = [] { return false; },
     .OpenGl = offscreen::OpenGl,
     .FindGlFunction = offscreen::FindGlFunction,
 };

@@ -21,7 +21,9 @@ struct NumberSetting {
     std::string_view name;
     int least, most;
 };
+constexpr int kMinutesPerDay = 1440;
 constexpr NumberSetting kNumbers[] = {
+    {"idle", 1, kMinutesPerDay},  // minutes until the watcher starts the show
     {"max_fps", 0, 1000},         // frames a second; 0: as many as the driver shows
     {"mouse_threshold", 0, 1000}, // pixels
     {"samples", 0, 16},           // of each pixel

@@ -1,10 +1,14 @@
 // The saver's process entry, and the facts of the process.
 #include "win32/linux/daemon_window.h"
 #include "win32/linux/shows.h"
+#include "win32/linux/autostart.h"
+#include "win32/linux/login.h"
+#include "win32/linux/watch.h"
 #include "win32/linux/words.h"
 #include "win32/linux/xscreensaver_file.h"
 #include "win32/posix/data_folder.h"
 #include "win32/product.h"
+#include "win32/posix/settings_file.h"
 #include "win32/windowing/windowing.h"
 
 #include <charconv>
@@ -71,6 +75,13 @@ std::vector<std::string> WithDecimals(std::vector<std::string> words) {
 // Status 0, or 1 when nobody can be told.
 int Say(const std::string& text) {
     return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+int IdleMilliseconds(const Words& words) {
+    constexpr double kMillisecondsPerMinute = 60000;
+    constexpr int kIdleMinutes = 5;
+    const double minutes = words.idleMinutes > 0 ? words.idleMinutes : SettingNumber("idle", kIdleMinutes);
+    return static_cast<int>(minutes * kMillisecondsPerMinute);
 }
 
 // The first request takes the show down in good order; should that hang, the second one is the system's. What
@@ -162,6 +173,11 @@ int main(int count, char** arguments) {
         return Tell(AddToSavers(&line), line);
     case Task::Unregister:
         return Tell(RemoveFromSavers(&line), line);
+    case Task::Watch:
+        OfferWindowSystems(kWindowSystems);
+        return Watch(IdleMilliseconds(words), words.lock);
+    case Task::Autostart:
+        return SetAutostart(words.autostart, words.lock);
     case Task::Show:
     case Task::Hosted:
         words.rest = {"/s"};
@@ -182,5 +198,8 @@ int main(int count, char** arguments) {
     AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
     commandLine = Joined(all);
     line = Joined(WithDecimals(words.rest));
-    return WinMain(nullptr, nullptr, line.data(), SW_SHOWNORMAL);
+    const int status = WinMain(nullptr, nullptr, line.data(), SW_SHOWNORMAL);
+    if (words.lock)
+        LockSession();
+    return status;
 }

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <utility>
 
+bool userIsIdle = false;
+
 namespace {
 
 LPARAM Pair(int low, int high) {
@@ -103,6 +105,10 @@ void ReportExposure() {
 
 void ReportCloseRequest() {
     PostToWindow(WM_CLOSE, 0, 0);
+}
+
+void ReportIdle(bool idle) {
+    userIsIdle = idle;
 }
 
 void ReportDestruction() {

@@ -21,6 +21,9 @@ struct ProgramWindow {
 extern ProgramWindow programWindow;
 extern FramePace framePace; // of what is drawn on it
 
+// As the window system last reported; for who has asked it to watch.
+extern bool userIsIdle;
+
 // True for the handle of the program's window while it lives.
 inline bool IsProgramWindow(HWND window) {
     return window != nullptr && window == programWindow.handle;

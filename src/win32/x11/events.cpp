@@ -91,7 +91,8 @@ int ReadEvents() {
     while (XPending(display) > 0) {
         XEvent event;
         XNextEvent(display, &event);
-        Translate(event);
+        if (!OnIdleEvent(event))
+            Translate(event);
         milliseconds = 0;
     }
     return milliseconds;

@@ -79,11 +79,15 @@ void FollowParent() {
         PlaceSaver(PlaceIn(saverWindow.parent, {0, 0, parent.width, parent.height}));
 }
 
+void SayNoDisplay() {
+    const char* wanted = std::getenv("DISPLAY");
+    std::fprintf(stderr, "tamblor: cannot open display %s\n", wanted ? wanted : "(DISPLAY is not set)");
+}
+
 HWND CreateWindow(const WindowRequest& request) {
     Display* display = Connection();
     if (display == nullptr) {
-        const char* wanted = std::getenv("DISPLAY");
-        std::fprintf(stderr, "tamblor: cannot open display %s\n", wanted ? wanted : "(DISPLAY is not set)");
+        SayNoDisplay();
         return nullptr;
     }
     const bool child = request.parent != nullptr || DaemonWindow() != None;

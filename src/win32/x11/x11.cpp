@@ -19,6 +19,9 @@ const WindowSystem kX11 = {
     .ShowBlack = x11::ShowBlack,
     .ReadEvents = x11::ReadEvents,
     .WaitForEvents = x11::WaitForEvents,
+    .WatchIdle = x11::WatchIdle,
+    .UnwatchIdle = x11::UnwatchIdle,
+    .ShowIsUnwanted = x11::ShowIsUnwanted,
     .OpenGl = x11::OpenGl,
     .FindGlFunction = x11::FindGlFunction,
 };

@@ -104,6 +104,11 @@ Cursor BlankCursor();
 int WatchMonitorPower();
 // Of the window, or of its parent.
 void OnVisibilityEvent(const XEvent& event);
+// idle.cpp: true for an alarm, which it reports.
+bool OnIdleEvent(const XEvent& event);
+
+// window.cpp: the line on stderr for a user whose X server cannot be reached.
+void SayNoDisplay();
 
 // gl_surface.cpp: the picture in the window takes the window's new size.
 void FitSurface(int width, int height);
@@ -125,6 +130,9 @@ void HideCursor();
 void ShowBlack();
 int ReadEvents();
 void WaitForEvents(int wake, int milliseconds);
+bool WatchIdle(int milliseconds);
+void UnwatchIdle();
+bool ShowIsUnwanted();
 std::unique_ptr<GlSurface> OpenGl();
 PROC FindGlFunction(const char* name);
 

@@ -1,0 +1,108 @@
+#include "win32/linux/autostart.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr mode_t kForAll = 0644;
+
+int Fail(const std::string& what, int error) {
+    std::fprintf(stderr, "tamblor: %s: %s\n", what.c_str(), std::strerror(error));
+    return 1;
+}
+
+// Empty when nobody says where.
+fs::path AutostartFolder() {
+    const char* configuration = std::getenv("XDG_CONFIG_HOME");
+    if (configuration != nullptr && *configuration == '/')
+        return fs::path(configuration) / "autostart";
+    const char* home = std::getenv("HOME");
+    return home != nullptr && *home == '/' ? fs::path(home) / ".config/autostart" : "";
+}
+
+// A value of a desktop entry.
+std::string Escaped(const std::string& text) {
+    std::string escaped;
+    for (const char c : text)
+        escaped += c == '\\'   ? "\\\\"
+                   : c == '\n' ? "\\n"
+                   : c == '\t' ? "\\t"
+                   : c == '\r' ? "\\r"
+                               : std::string(1, c);
+    return escaped;
+}
+
+// One word of an Exec line, before it is escaped as a value.
+std::string Quoted(const std::string& word) {
+    std::string quoted = "\"";
+    for (const char c : word) {
+        if (std::strchr("\"`$\\", c) != nullptr)
+            quoted += '\\';
+        quoted.append(c == '%' ? 2 : 1, c);
+    }
+    return quoted + '"';
+}
+
+std::string Entry(const std::string& program, bool lock) {
+    return "[Desktop Entry]\n"
+           "Type=Application\n"
+           "Name=Tamblor\n"
+           "Comment=Starts the show when nobody has touched anything for a while\n"
+           "Exec=" +
+           Escaped(Quoted(program)) + " --watch" + (lock ? " --lock" : "") + "\nTryExec=" + Escaped(program) +
+           "\nTerminal=false\n";
+}
+
+// Beside it first, then in its place: a desktop never reads half of one.
+int Write(const fs::path& file, const std::string& text) {
+    std::string beside = file.string() + ".XXXXXX";
+    const int fd = mkstemp(beside.data());
+    if (fd < 0)
+        return Fail(file.string(), errno);
+    int error = 0;
+    if (write(fd, text.data(), text.size()) != static_cast<ssize_t>(text.size()) || fchmod(fd, kForAll) != 0)
+        error = errno != 0 ? errno : ENOSPC;
+    close(fd);
+    if (error == 0 && rename(beside.c_str(), file.c_str()) != 0)
+        error = errno;
+    if (error == 0)
+        return 0;
+    unlink(beside.c_str());
+    return Fail(file.string(), error);
+}
+
+} // namespace
+
+int SetAutostart(bool on, bool lock) {
+    const fs::path folder = AutostartFolder();
+    if (folder.empty())
+        return Fail("no configuration folder: neither XDG_CONFIG_HOME nor HOME names one", ENOENT);
+    const fs::path file = folder / "tamblor.desktop";
+    if (!on) {
+        const bool removed = unlink(file.c_str()) == 0;
+        if (!removed && errno != ENOENT)
+            return Fail(file.string(), errno);
+        std::printf("%s %s\n", file.c_str(), removed ? "removed" : "is not there");
+        return 0;
+    }
+    std::error_code failed;
+    const fs::path program = fs::read_symlink("/proc/self/exe", failed);
+    if (failed)
+        return Fail("/proc/self/exe", failed.value());
+    fs::create_directories(folder, failed);
+    if (failed)
+        return Fail(folder.string(), failed.value());
+    const int status = Write(file, Entry(program.string(), lock));
+    if (status == 0)
+        std::printf("%s written; it counts from the next log-in\n", file.c_str());
+    return status;
+}

@@ -1,0 +1,129 @@
+// A message bus of the test's own, for the saver both session bus and system bus, with a login manager on it
+// and clients that ask for the screen to stay on.
+#pragma once
+
+#include "integration/program.h"
+
+#include <atomic>
+#include <memory>
+#include <systemd/sd-bus.h>
+#include <thread>
+
+struct BusCloser {
+    void operator()(sd_bus* bus) const { sd_bus_flush_close_unref(bus); }
+};
+using BusClient = std::unique_ptr<sd_bus, BusCloser>;
+
+class PrivateBus {
+public:
+    PrivateBus() {
+        const std::string configuration =
+            folder_.Write("bus.conf", "<busconfig><listen>" + Address() +
+                                          "</listen><policy context='default'><allow send_destination='*'/>"
+                                          "<allow receive_sender='*'/><allow own='*'/></policy></busconfig>");
+        daemon_.Start({DBUS_DAEMON_EXE, "--nofork", "--nopidfile", "--config-file=" + configuration}, {}, "/",
+                      folder_.File("errors"));
+        Eventually([this] { return Connect() != nullptr; });
+    }
+    std::string Address() const { return "unix:path=" + folder_.File("bus"); }
+    BusClient Connect() const {
+        sd_bus* bus = nullptr;
+        sd_bus_new(&bus);
+        sd_bus_set_address(bus, Address().c_str());
+        sd_bus_set_bus_client(bus, 1);
+        BusClient client(bus);
+        const char* name = nullptr; // once it has one
+        const bool connected = sd_bus_start(bus) >= 0 && sd_bus_get_unique_name(bus, &name) >= 0;
+        return connected ? std::move(client) : nullptr;
+    }
+    void Kill() { daemon_.Kill(); }
+
+private:
+    TempFolder folder_;
+    Program daemon_;
+};
+
+// What the saver asks of the login manager, answered on a thread of its own.
+class FakeLogin {
+public:
+    explicit FakeLogin(const PrivateBus& bus) : bus_(bus.Connect()) {
+        sd_bus_add_object_vtable(bus_.get(), nullptr, "/org/freedesktop/login1",
+                                 "org.freedesktop.login1.Manager", kManager, this);
+        sd_bus_add_object_vtable(bus_.get(), nullptr, kSessionPath, "org.freedesktop.login1.Session",
+                                 kSession, this);
+        sd_bus_request_name(bus_.get(), "org.freedesktop.login1", 0);
+        thread_ = std::thread([this] {
+            while (!ended_) {
+                while (sd_bus_process(bus_.get(), nullptr) > 0) {
+                }
+                sd_bus_wait(bus_.get(), 10000); // microseconds
+            }
+        });
+    }
+    ~FakeLogin() {
+        ended_ = true;
+        thread_.join();
+    }
+
+    std::atomic<const char*> blocks = "sleep:shutdown"; // what programs have asked it not to do
+    std::atomic<bool> locked = false;
+    std::atomic<int> asked = 0; // how often it was asked about the session
+    std::atomic<int> locks = 0; // how often it was asked to lock it
+
+private:
+    static constexpr const char* kSessionPath = "/org/freedesktop/login1/session/c2";
+    static FakeLogin& Of(void* self) { return *static_cast<FakeLogin*>(self); }
+    static int GetSession(sd_bus_message* message, void*, sd_bus_error* error) {
+        const char* id = "";
+        sd_bus_message_read(message, "s", &id);
+        return std::string(id) == "auto"
+                   ? sd_bus_reply_method_return(message, "o", kSessionPath)
+                   : sd_bus_error_set(error, "org.freedesktop.login1.NoSuchSession", "there is none");
+    }
+    static int Lock(sd_bus_message* message, void* self, sd_bus_error*) {
+        ++Of(self).locks;
+        return sd_bus_reply_method_return(message, "");
+    }
+    static int Blocks(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* self,
+                      sd_bus_error*) {
+        return sd_bus_message_append(reply, "s", Of(self).blocks.load());
+    }
+    static int Locked(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* self,
+                      sd_bus_error*) {
+        ++Of(self).asked;
+        return sd_bus_message_append(reply, "b", Of(self).locked ? 1 : 0);
+    }
+    static constexpr sd_bus_vtable kManager[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD("GetSession", "s", "o", GetSession, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_PROPERTY("BlockInhibited", "s", Blocks, 0, 0),
+        SD_BUS_VTABLE_END,
+    };
+    static constexpr sd_bus_vtable kSession[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD("Lock", "", "", Lock, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_PROPERTY("LockedHint", "b", Locked, 0, 0),
+        SD_BUS_VTABLE_END,
+    };
+
+    BusClient bus_;
+    std::atomic<bool> ended_ = false;
+    std::thread thread_;
+};
+
+// The cookie; 0 when it is refused.
+inline std::uint32_t Inhibit(sd_bus* client, const char* path = "/org/freedesktop/ScreenSaver") {
+    sd_bus_message* reply = nullptr;
+    std::uint32_t cookie = 0;
+    sd_bus_call_method(client, "org.freedesktop.ScreenSaver", path, "org.freedesktop.ScreenSaver", "Inhibit",
+                       nullptr, &reply, "ss", "player", "a film");
+    if (reply != nullptr)
+        sd_bus_message_read(reply, "u", &cookie);
+    sd_bus_message_unref(reply);
+    return cookie;
+}
+
+inline bool UnInhibit(sd_bus* client, std::uint32_t cookie) {
+    return sd_bus_call_method(client, "org.freedesktop.ScreenSaver", "/ScreenSaver",
+                              "org.freedesktop.ScreenSaver", "UnInhibit", nullptr, nullptr, "u", cookie) >= 0;
+}

@@ -1,0 +1,300 @@
+// The watcher: what starts the show by itself, what holds it back, and that it costs nothing meanwhile.
+#include "integration/private_bus.h"
+#include "integration/saver_process.h"
+
+#include <X11/extensions/scrnsaver.h>
+#include <X11/extensions/sync.h>
+
+#include <chrono>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kIdleMs = 1200; // 0.02 minutes
+
+class Watch : public ShowFixture {
+protected:
+    Watch() { saver.environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=/no/such/bus"; } // not the machine's
+    void Offer(const PrivateBus& bus) {
+        for (const char* which : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
+            saver.environment[which] = bus.Address();
+    }
+    void StartWatcher(const std::vector<std::string>& further = {}) {
+        std::vector<std::string> words = {"--watch=0.02"};
+        words.insert(words.end(), further.begin(), further.end());
+        Touch();
+        saver.Start(display, words);
+    }
+    void Touch() const { display.PressKey(XK_Shift_L); }
+    static void Sleep(int milliseconds) { usleep(static_cast<useconds_t>(milliseconds) * 1000); }
+    bool NothingIsShown() const { return display.VisibleWindows().empty(); }
+    bool WaitUntilGone() const {
+        return Eventually([this] { return NothingIsShown(); });
+    }
+    void ExpectAShow() {
+        ASSERT_NE(display.WaitForWindow(), Window{0}) << saver.Errors();
+        ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
+    }
+    // For a part of the time that has to pass from there until a show comes, if this machine is fast enough.
+    void ExpectNoShowYet(int part) {
+        const auto from = std::chrono::steady_clock::now();
+        Sleep(part);
+        const bool nothing = NothingIsShown();
+        const auto passed = std::chrono::steady_clock::now() - from;
+        EXPECT_TRUE(nothing || passed >= std::chrono::milliseconds(kIdleMs));
+    }
+    // Time for a show to come that is held back: too little of it misses a fault, and never fails.
+    void ExpectNoShow() {
+        Sleep(2 * kIdleMs + 600);
+        EXPECT_TRUE(NothingIsShown());
+        EXPECT_TRUE(saver.Running()) << saver.Errors();
+    }
+    void EndWatcher() {
+        saver.Signal(SIGTERM);
+        EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+        EXPECT_TRUE(WaitUntilGone());
+    }
+    // The process of the show; 0: there is none.
+    pid_t ShowProcess() const {
+        const std::string id = std::to_string(saver.Id());
+        std::ifstream children("/proc/" + id + "/task/" + id + "/children");
+        pid_t child = 0;
+        children >> child;
+        return child;
+    }
+    std::string Switches() const { // how often it has been woken
+        std::ifstream status("/proc/" + std::to_string(saver.Id()) + "/status");
+        std::string line;
+        while (std::getline(status, line) && !line.starts_with("voluntary_ctxt_switches")) {
+        }
+        return line;
+    }
+};
+
+TEST_F(Watch, TheShowComesWithIdlenessAndTheWatcherGoesOnAfterIt) {
+    StartWatcher();
+    for (const bool byKey : {true, false}) {
+        Sleep(kIdleMs / 2);
+        Touch(); // begins anew
+        ExpectNoShowYet(kIdleMs * 3 / 4);
+        ExpectAShow();
+        if (byKey)
+            display.PressKey(XK_space);
+        else
+            kill(ShowProcess(), SIGKILL);
+        EXPECT_TRUE(WaitUntilGone());
+    }
+    ExpectNoShow(); // it was killed, and nobody has touched anything
+    Touch();
+    ExpectAShow();
+    EndWatcher(); // and the show
+    EXPECT_EQ(saver.Errors(), "");
+}
+
+TEST_F(Watch, WhoIsIdleAlreadyGetsItAtOnceAndItEndsWithTheWatcherAndTheServer) {
+    Sleep(kIdleMs + 300);
+    saver.Start(display, {"--watch=0.02"});
+    ExpectAShow();
+    saver.Kill();
+    EXPECT_TRUE(WaitUntilGone());
+    StartWatcher();
+    ExpectAShow();
+    const pid_t show = ShowProcess();
+    display.Kill();
+    EXPECT_EQ(saver.WaitForExit(), 0);
+    EXPECT_TRUE(Eventually([show] { return kill(show, 0) != 0; }));
+}
+
+TEST_F(Watch, WaitingWakesNobodyAndASecondWatcherIsRefused) {
+    PrivateBus bus;
+    FakeLogin login(bus);
+    Offer(bus);
+    Touch();
+    saver.Start(display, {"--watch"});
+    const BusClient other = bus.Connect();
+    ASSERT_TRUE(Eventually([&] { return Inhibit(other.get()) != 0; })); // it serves
+    Sleep(300);
+    const std::string before = Switches();
+    Sleep(2000);
+    EXPECT_EQ(Switches(), before);
+    SaverProcess second;
+    second.Start(display, {"--watch=1"});
+    EXPECT_EQ(second.WaitForExit(), 1);
+    EXPECT_EQ(second.Errors(), "tamblor: already watching this session\n");
+    EndWatcher();
+}
+
+// The minutes come from the command line, the configuration, or nowhere; what is asked for is too long to
+// wait for, so the server is asked for the alarm.
+TEST_F(Watch, TheMinutesAreConfigured) {
+    int major = SYNC_MAJOR_VERSION, minor = SYNC_MINOR_VERSION;
+    XSyncInitialize(display.connection, &major, &minor);
+    const auto hasAlarm = [this](int milliseconds) {
+        constexpr XID kClients = 16, kOfEach = 32, kApart = 0x200000; // as the server numbers what they make
+        for (XID id = kApart; id < kApart * kClients;
+             id = id % kApart == kOfEach ? id - kOfEach + kApart : id + 1) {
+            XSyncAlarmAttributes alarm = {};
+            if (XSyncQueryAlarm(display.connection, id, &alarm) != 0 &&
+                XSyncValueLow32(alarm.trigger.wait_value) == static_cast<unsigned>(milliseconds))
+                return true;
+        }
+        return false;
+    };
+    const std::string conf = "config/tamblor/tamblor.conf",
+                      wrong = "idle must be a whole number from 1 to 1440";
+    fs::create_directories(saver.data.File("config/tamblor"));
+    const struct {
+        const char* settings;
+        const char* word;
+        int milliseconds;
+        std::string errors;
+    } cases[] = {
+        {"idle = 7\n", "--watch", 420000, ""},
+        {"idle = 7\n", "--watch=2.5", 150000, ""},
+        {"", "--watch", 300000, ""},
+        {"idle = 0\n", "--watch", 300000,
+         "tamblor: configuration: " + saver.data.File(conf) + ":1: " + wrong + "\n"},
+    };
+    for (const auto& c : cases) {
+        saver.data.Write(conf, c.settings);
+        saver.Start(display, {c.word});
+        EXPECT_TRUE(Eventually([&] { return hasAlarm(c.milliseconds); })) << c.milliseconds;
+        EXPECT_EQ(saver.Errors(), c.errors);
+        EndWatcher();
+    }
+}
+
+TEST_F(Watch, ProgramsOnTheSessionBusHoldItBack) {
+    PrivateBus bus;
+    Offer(bus);
+    const BusClient before = bus.Connect(); // another saver, which goes away
+    ASSERT_GE(sd_bus_request_name(before.get(), "org.freedesktop.ScreenSaver", 0), 0);
+    StartWatcher();
+    Sleep(500);
+    ASSERT_GE(sd_bus_release_name(before.get(), "org.freedesktop.ScreenSaver"), 0);
+    const BusClient stays = bus.Connect();
+    BusClient leaves = bus.Connect();
+    std::uint32_t cookie = 0;
+    ASSERT_TRUE(Eventually([&] { return (cookie = Inhibit(stays.get())) != 0; }));
+    ASSERT_NE(Inhibit(leaves.get(), "/ScreenSaver"), 0u);
+    EXPECT_FALSE(UnInhibit(leaves.get(), cookie)); // another one's
+    Touch();
+    ExpectNoShow();
+    EXPECT_TRUE(UnInhibit(stays.get(), cookie));
+    EXPECT_FALSE(UnInhibit(stays.get(), cookie));
+    ExpectNoShow();
+    leaves.reset();
+    ExpectNoShowYet(kIdleMs * 3 / 4); // counted from there
+    ExpectAShow();
+    display.PressKey(XK_space);
+    EXPECT_TRUE(WaitUntilGone());
+    ASSERT_NE(Inhibit(stays.get()), 0u);
+    bus.Kill(); // nobody can ask any more
+    ExpectAShow();
+    EndWatcher();
+}
+
+TEST_F(Watch, XScreenSaverSuspendHoldsItBackWhateverTheServersTimer) {
+    XSetScreenSaver(display.connection, 0, 0, DefaultBlanking, DefaultExposures);
+    XScreenSaverSuspend(display.connection, True);
+    StartWatcher();
+    ExpectNoShow();
+    XScreenSaverSuspend(display.connection, False);
+    display.Sync();
+    ExpectAShow();
+    EndWatcher();
+}
+
+TEST_F(Watch, WhoHoldsTheKeyboardIsNotCovered) {
+    ASSERT_EQ(display.GrabInput(), std::pair(GrabSuccess, GrabSuccess));
+    StartWatcher();
+    ExpectNoShow();
+    display.ReleaseInput();
+    ExpectAShow(); // asked again
+    EndWatcher();
+}
+
+TEST_F(Watch, TheLoginManagerHoldsItBackAndLocks) {
+    PrivateBus bus;
+    FakeLogin login(bus);
+    Offer(bus);
+    saver.environment["XDG_SESSION_ID"] = "of another day";
+    login.blocks = "sleep:idle";
+    StartWatcher({"--lock"});
+    ExpectNoShow();
+    login.locked = true;
+    login.blocks = "sleep:idleness";
+    EXPECT_TRUE(Eventually([&] { return login.asked > 0; }));
+    ExpectNoShow();
+    login.locked = false;
+    ExpectAShow();
+    EXPECT_EQ(login.locks, 0);
+    display.PressKey(XK_space);
+    EXPECT_TRUE(Eventually([&] { return login.locks == 1; }));
+    EndWatcher();
+    EXPECT_EQ(login.locks, 1);
+
+    saver.Start(display, {"--lock"}); // the show itself
+    ASSERT_TRUE(saver.WaitUntilShown(display));
+    ExpectAKeyEndsIt();
+    EXPECT_EQ(login.locks, 2);
+    bus.Kill();
+    saver.Start(display, {"/s", "--lock"});
+    ASSERT_TRUE(saver.WaitUntilShown(display));
+    ExpectAKeyEndsIt();
+    EXPECT_EQ(saver.Errors(), "tamblor: the session cannot be locked: no login manager knows it\n");
+}
+
+TEST_F(Watch, AutostartWritesAndRemovesTheEntry) {
+    const auto run = [this](const std::vector<std::string>& words) {
+        saver.Start(display, words);
+        return saver.WaitForExit();
+    };
+    const std::string entry = saver.data.File("config/autostart/tamblor.desktop"), exe = TAMBLOR_EXE;
+    const auto text = [&] { return saver.data.Read("config/autostart/tamblor.desktop"); };
+    EXPECT_EQ(run({"--autostart", "on"}), 0) << saver.Errors();
+    EXPECT_EQ(text(), "[Desktop Entry]\nType=Application\nName=Tamblor\n"
+                      "Comment=Starts the show when nobody has touched anything for a while\n"
+                      "Exec=\"" +
+                          exe + "\" --watch\nTryExec=" + exe + "\nTerminal=false\n");
+    EXPECT_EQ(run({"--lock", "--autostart=on"}), 0);
+    EXPECT_NE(text().find("--watch --lock\n"), std::string::npos);
+    EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(entry).parent_path()), {}), 1);
+    for (int twice = 0; twice < 2; ++twice) {
+        EXPECT_EQ(run({"--autostart=off"}), 0);
+        EXPECT_FALSE(fs::exists(entry));
+    }
+    // A program whose path means something to who reads the entry.
+    const std::string odd = saver.data.File("a $b%c\"d\\e");
+    fs::copy_file(exe, odd);
+    Program other;
+    other.Start({odd, "--autostart=on"}, saver.environment, "/", saver.data.File("stderr"));
+    EXPECT_EQ(other.WaitForExit(), 0) << saver.Errors();
+    EXPECT_NE(text().find("/a \\\\$b%%c\\\\\"d\\\\\\\\e\" --watch\nTryExec="), std::string::npos) << text();
+    EXPECT_NE(text().find("/a $b%c\"d\\\\e\n"), std::string::npos) << text();
+
+    saver.environment["XDG_CONFIG_HOME"] = "/proc";
+    EXPECT_EQ(run({"--autostart=on"}), 1);
+    EXPECT_NE(saver.Errors().find("tamblor: /proc/autostart: "), std::string::npos) << saver.Errors();
+}
+
+TEST_F(Watch, WrongWordsAreNamed) {
+    const std::pair<std::vector<std::string>, std::string> lines[] = {
+        {{"--watch", "3"}, "unexpected word 3"},
+        {{"--watch=0"}, "--watch takes a number of minutes from 0.01 to 1440, not '0'"},
+        {{"--watch=2x"}, "--watch takes a number of minutes from 0.01 to 1440, not '2x'"},
+        {{"--watch=1441"}, "--watch takes a number of minutes from 0.01 to 1440, not '1441'"},
+        {{"--autostart"}, "--autostart needs a value, on|off"},
+        {{"--autostart=yes"}, "--autostart takes on or off, not 'yes'"},
+        {{"--lock", "/p", "12", "s"}, "--lock goes with the show, --watch or --autostart on"},
+        {{"--lock", "--autostart=off"}, "--lock goes with the show, --watch or --autostart on"},
+    };
+    for (const auto& [words, problem] : lines) {
+        saver.Start(display, words);
+        EXPECT_EQ(saver.WaitForExit(), 2) << problem;
+        EXPECT_EQ(saver.Errors(), "tamblor: " + problem + "; tamblor --help lists what there is\n");
+    }
+}
+
+} // namespace
