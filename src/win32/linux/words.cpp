@@ -77,6 +77,8 @@ constexpr Option kOptions[] = {
          w->lock = true;
          return std::string();
      }},
+    {"--where", nullptr, "what the show would use here, and why; status 1 if that is not enough",
+     [](const std::string&, Words* w) { return TakeTask(Task::Where, w); }},
 };
 
 const Option* FindOption(std::string_view name) {

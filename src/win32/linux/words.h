@@ -17,6 +17,7 @@ enum class Task {
     Version,
     Watch,
     Autostart,
+    Where, // linux/where.h
     Wrong,
 };
 

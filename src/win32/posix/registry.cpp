@@ -10,11 +10,11 @@
 #include "win32/product.h"
 #include "win32/win32.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string_view>
-#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -24,14 +24,16 @@ constexpr const char* kDataVariable = "TAMBLOR_DATA";
 int theKey; // the address stands for the opened key
 int (*theScreenWidth)() = nullptr;
 
-// The search for the data folder.
-struct Search {
-    std::string folder;  // empty: there is none
-    std::string problem; // of the first bad file
-    std::string tried = kDataVariable;
-};
+DataPlace ReadSettings(const std::string& name) {
+    DataPlace place = {DataPlace::Settings, name, "", "", true};
+    SettingsFile file;
+    place.there = ReadSettingsFile(name, &file);
+    place.problem = file.problem;
+    place.folder = file.values[kDataFolderValue];
+    return place;
+}
 
-void SearchInstalled(Search* search) {
+void AddInstalled(std::vector<DataPlace>* places) {
     std::error_code failed;
     const fs::path prefix = fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
     std::vector<const char*> shows = {kProductFolder};
@@ -40,36 +42,33 @@ void SearchInstalled(Search* search) {
     for (const fs::path& share : {prefix / "share", fs::path(TAMBLOR_INSTALLED_SHARE)})
         for (const char* show : shows) {
             const fs::path package = share / show / kPackageFile;
-            search->tried += ", " + package.string();
-            if (search->folder.empty() && share.is_absolute() && fs::exists(package, failed))
-                search->folder = package.parent_path().string();
+            const bool there = share.is_absolute() && fs::exists(package, failed);
+            places->push_back({DataPlace::Installed, package.string(),
+                               there ? package.parent_path().string() : "", "", there});
         }
-}
-
-// The first folder that somebody names; bad files are passed over.
-Search SearchDataFolder() {
-    Search search;
-    if (const char* named = std::getenv(kDataVariable))
-        search.folder = named;
-    for (const std::string& name : SettingsFiles()) {
-        search.tried += ", " + name;
-        SettingsFile file;
-        if (!ReadSettingsFile(name, &file))
-            continue;
-        if (search.problem.empty())
-            search.problem = file.problem;
-        if (search.folder.empty())
-            search.folder = file.values[kDataFolderValue];
-    }
-    if (search.folder.empty())
-        SearchInstalled(&search);
-    return search;
 }
 
 } // namespace
 
 void AskScreenWidthOf(int (*width)()) {
     theScreenWidth = width;
+}
+
+std::vector<DataPlace> ListDataPlaces() {
+    const char* named = std::getenv(kDataVariable);
+    std::vector<DataPlace> places = {
+        {DataPlace::Variable, kDataVariable, named != nullptr ? named : "", "", true}};
+    for (const std::string& name : SettingsFiles())
+        places.push_back(ReadSettings(name));
+    if (ChosenDataPlace(places) == nullptr)
+        AddInstalled(&places);
+    return places;
+}
+
+const DataPlace* ChosenDataPlace(const std::vector<DataPlace>& places) {
+    const auto found =
+        std::ranges::find_if(places, [](const DataPlace& place) { return !place.folder.empty(); });
+    return found == places.end() ? nullptr : &*found;
 }
 
 LSTATUS RegOpenKeyA(HKEY root, const char* name, HKEY* key) {
@@ -87,17 +86,25 @@ LSTATUS RegOpenKeyExA(HKEY root, const char* name, DWORD, DWORD, HKEY* key) {
 LSTATUS RegQueryValueExA(HKEY, const char* name, DWORD*, DWORD*, BYTE* data, DWORD* size) {
     if (std::strcmp(name, kDataFolderValue) != 0)
         return ERROR_FILE_NOT_FOUND;
-    const Search search = SearchDataFolder();
-    SetErrorWords(ERROR_BAD_CONFIGURATION, search.problem);
-    SetErrorWords(ERROR_FILE_NOT_FOUND, "looked for in " + search.tried);
-    const std::string& folder = search.folder;
+    const std::vector<DataPlace> places = ListDataPlaces();
+    std::string problem;
+    std::string tried = "looked for in ";
+    for (const DataPlace& place : places) {
+        if (problem.empty())
+            problem = place.problem;
+        tried += (&place == places.data() ? "" : ", ") + place.name;
+    }
+    SetErrorWords(ERROR_BAD_CONFIGURATION, problem);
+    SetErrorWords(ERROR_FILE_NOT_FOUND, tried);
+    const DataPlace* chosen = ChosenDataPlace(places);
+    const std::string folder = chosen != nullptr ? chosen->folder : "";
     if (folder.size() + 1 > *size)
         return ERROR_MORE_DATA;
     if (!folder.empty())
         std::memcpy(data, folder.c_str(), folder.size() + 1);
     *size = static_cast<DWORD>(folder.size() + 1);
-    if (!search.problem.empty()) {
-        NoteProblemReported(search.problem);
+    if (!problem.empty()) {
+        NoteProblemReported(problem);
         return ERROR_BAD_CONFIGURATION;
     }
     return folder.empty() ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;

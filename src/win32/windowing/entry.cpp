@@ -1,14 +1,15 @@
 // The saver's process entry, and the facts of the process.
-#include "win32/linux/daemon_window.h"
-#include "win32/linux/shows.h"
 #include "win32/linux/autostart.h"
+#include "win32/linux/daemon_window.h"
 #include "win32/linux/login.h"
+#include "win32/linux/shows.h"
 #include "win32/linux/watch.h"
+#include "win32/linux/where.h"
 #include "win32/linux/words.h"
 #include "win32/linux/xscreensaver_file.h"
 #include "win32/posix/data_folder.h"
-#include "win32/product.h"
 #include "win32/posix/settings_file.h"
+#include "win32/product.h"
 #include "win32/windowing/windowing.h"
 
 #include <charconv>
@@ -82,6 +83,12 @@ int IdleMilliseconds(const Words& words) {
     constexpr int kIdleMinutes = 5;
     const double minutes = words.idleMinutes > 0 ? words.idleMinutes : SettingNumber("idle", kIdleMinutes);
     return static_cast<int>(minutes * kMillisecondsPerMinute);
+}
+
+int Where() {
+    const WhereReport report = FindOutWhere(kWindowSystems);
+    const int said = Say(report.text);
+    return report.whole ? said : 1;
 }
 
 // The first request takes the show down in good order; should that hang, the second one is the system's. What
@@ -162,6 +169,8 @@ int main(int count, char** arguments) {
     if (count == 1 && DaemonWindow() != 0)
         words.task = Task::Hosted;
     std::string line;
+    OfferWindowSystems(kWindowSystems);
+    AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
     switch (words.task) {
     case Task::Wrong:
         return Complain(kUsageError, words.problem);
@@ -174,10 +183,12 @@ int main(int count, char** arguments) {
     case Task::Unregister:
         return Tell(RemoveFromSavers(&line), line);
     case Task::Watch:
-        OfferWindowSystems(kWindowSystems);
         return Watch(IdleMilliseconds(words), words.lock);
     case Task::Autostart:
         return SetAutostart(words.autostart, words.lock);
+    case Task::Where:
+        HonourSettings();
+        return Where();
     case Task::Show:
     case Task::Hosted:
         words.rest = {"/s"};
@@ -186,7 +197,6 @@ int main(int count, char** arguments) {
         break;
     }
     std::signal(SIGPIPE, SIG_IGN);
-    OfferWindowSystems(kWindowSystems);
     if (words.allMonitors && words.task != Task::Hosted)
         BeginShowOnEachMonitor();
     if (words.task != Task::Hosted) {
@@ -195,7 +205,6 @@ int main(int count, char** arguments) {
         return Complain(kFailed, problem);
     }
     HonourSettings();
-    AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
     commandLine = Joined(all);
     line = Joined(WithDecimals(words.rest));
     const int status = WinMain(nullptr, nullptr, line.data(), SW_SHOWNORMAL);

@@ -1,0 +1,85 @@
+// tamblor --where: what it says is what the show then uses, and nothing is touched.
+#include "integration/saver_process.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Where : public ShowFixture {
+protected:
+    // Its exit status; what it printed is in `text`.
+    int Ask(SaverProcess& one) {
+        one.environment["DISPLAY"] = display.Name();
+        return AskWithoutDisplay(one);
+    }
+    int AskWithoutDisplay(SaverProcess& one) {
+        const std::string out = one.data.File("out");
+        one.Program::Start({"/bin/sh", "-c", "exec " TAMBLOR_EXE " --where >" + out}, one.environment, "/",
+                           one.data.File("stderr"));
+        const int status = one.WaitForExit();
+        text = one.data.Read("out");
+        return status;
+    }
+    void ExpectLine(const std::string& subject, const std::string& words) {
+        const std::string start = subject + std::string(16 - subject.size(), ' ');
+        EXPECT_NE(text.find(start + words), std::string::npos) << start << words << "\nis not in\n" << text;
+    }
+
+    std::string text;
+};
+
+TEST_F(Where, AWholeShowIsNamedPieceByPieceAndNothingIsShownOrWritten) {
+    XSelectInput(display.connection, display.Root(), SubstructureNotifyMask);
+    display.Sync();
+    EXPECT_EQ(Ask(saver), 0) << text << saver.Errors();
+    ExpectLine("package", saver.data.File("tamb.dat") + " (");
+    ExpectLine("", "named by TAMBLOR_DATA\n");
+    ExpectLine("configuration", saver.data.File("config/tamblor/tamblor.conf") + " (not there)\n");
+    ExpectLine("log", saver.data.File("tamb.log") + "\n");
+    ExpectLine("window system", "x11, DISPLAY=" + display.Name() + "\n");
+    EXPECT_NE(text.find("primary monitor 320 x 240 pixels"), std::string::npos) << text;
+    ExpectLine("renderer", "llvmpipe");
+    ExpectLine("picture codec", "DevIL");
+    EXPECT_EQ(text.find("PROBLEM"), std::string::npos) << text;
+    XEvent event = {};
+    display.Sync();
+    EXPECT_FALSE(XCheckTypedEvent(display.connection, MapNotify, &event)); // no window was shown
+    EXPECT_FALSE(fs::exists(saver.data.File("tamb.log")));
+}
+
+TEST_F(Where, TheLogAndTheConfigurationAreThoseOfTheShow) {
+    fs::create_directories(saver.data.File("config/tamblor"));
+    fs::create_directories(saver.data.File("tamb.log"));
+    const std::string settings =
+        saver.data.Write("config/tamblor/tamblor.conf", "path = " + saver.data.File(""));
+    saver.environment["TAMBLOR_DATA"] = "";
+    EXPECT_EQ(Ask(saver), 0) << text;
+    ExpectLine("", "named by " + settings + "\n");
+    ExpectLine("configuration", settings + " (read)\n");
+    const std::string log = saver.data.File(".local/state/tamblor/tamb.log");
+    ExpectLine("log", log + "\n");
+    EXPECT_FALSE(fs::exists(saver.data.File(".local"))); // asking makes nothing
+    Start();
+    ExpectAKeyEndsIt();
+    EXPECT_TRUE(fs::exists(log));
+}
+
+TEST_F(Where, WhatIsMissingIsSaidWithStatus1) {
+    fs::create_directories(saver.data.File("config/tamblor"));
+    fs::remove(saver.data.File("tamb.dat"));
+    saver.data.Write("config/tamblor/tamblor.conf", "paht = /");
+    saver.environment["LIBGL_DRIVERS_PATH"] = "/no/such/folder";
+    EXPECT_EQ(Ask(saver), 1);
+    ExpectLine("package", "PROBLEM: " + saver.data.File("tamb.dat") + ": No such file or directory\n");
+    ExpectLine("configuration",
+               "PROBLEM: " + saver.data.File("config/tamblor/tamblor.conf:1: unknown setting"));
+    ExpectLine("renderer", "PROBLEM: no OpenGL, the screen would stay black: ");
+    EXPECT_NE(text.find("libgl1-mesa-dri"), std::string::npos) << text;
+
+    SaverProcess without; // a display: all else is there
+    EXPECT_EQ(AskWithoutDisplay(without), 1);
+    ExpectLine("window system", "PROBLEM: none can be reached (tried: x11)\n");
+    ExpectLine("", "DISPLAY is not set\n");
+}
+
+} // namespace
