@@ -52,6 +52,11 @@ std::string localCalm(const std::string& file, const Screen&) {
     return DrawCalm({1024, 512}).WriteJpeg(file, kQuality);
 }
 
+// For the icon theme that all desktops of Linux share.
+template <int size> std::string localIcon(const std::string& file, const Screen&) {
+    return DrawIcon(size).WritePng(file);
+}
+
 struct Output {
     const char* name;
     Maker make;
@@ -85,6 +90,14 @@ constexpr Output kOutputs[] = {
     {"74-skin.png", localPicture<DrawSkin, kDrawnSkin>},
     {"90-calm.jpg", localCalm},
     {"desktop.png", localPicture<DrawDesktop>},
+    {"icon-16.png", localIcon<16>},
+    {"icon-22.png", localIcon<22>},
+    {"icon-24.png", localIcon<24>},
+    {"icon-32.png", localIcon<32>},
+    {"icon-48.png", localIcon<48>},
+    {"icon-64.png", localIcon<64>},
+    {"icon-128.png", localIcon<128>},
+    {"icon-256.png", localIcon<256>},
     {"tamb.ico", WriteIcons},
 };
 

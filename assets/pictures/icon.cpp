@@ -1,4 +1,5 @@
-// The icons of the Windows saver: a desktop with a hole burnt into it, and the sun behind.
+// The icons: a desktop with a hole burnt into it, and the sun behind. One file for the Windows saver, and
+// pictures for the icon themes of Linux.
 #include "base/whole_file.h"
 #include "noise.h"
 #include "pictures/colour.h"
@@ -13,7 +14,11 @@
 namespace {
 
 constexpr int kSizes[] = {16, 32, 48};
-constexpr int kFine = 8; // times as many pixels are drawn, then averaged
+
+// Times as many pixels are drawn, then averaged.
+int localFine(int size) {
+    return size <= 48 ? 8 : 4;
+}
 
 constexpr Stop kSun[] = {
     {0.0f, Hex(0xB83404)}, {0.4f, Hex(0xFF8A1C)}, {0.75f, Hex(0xFFC44C)}, {1.0f, Hex(0xFFF4C8)}};
@@ -51,12 +56,17 @@ Rgba localIconAt(float x, float y) {
             1};
 }
 
-Raster localDrawIcon(int size) {
-    Raster fine(size * kFine, size * kFine);
+} // namespace
+
+Raster DrawIcon(int size) {
+    const int drawn = size * localFine(size);
+    Raster fine(drawn, drawn);
     const float half = static_cast<float>(fine.Width()) / 2;
     fine.Fill([half](float x, float y) { return localIconAt(x / half - 1, y / half - 1); });
     return fine.Shrunk(size, size);
 }
+
+namespace {
 
 class LittleEndian {
 public:
@@ -99,7 +109,7 @@ std::string WriteIcons(const std::string& file, const Screen&) {
     directory.Put(kCount, 2);
     std::string bitmaps;
     for (const int size : kSizes) {
-        const std::string bitmap = localIconBitmap(localDrawIcon(size));
+        const std::string bitmap = localIconBitmap(DrawIcon(size));
         directory.Put(static_cast<std::uint32_t>(size | size << 8), 4);
         directory.Put(1u | 32u << 16, 4);
         directory.Put(static_cast<std::uint32_t>(bitmap.size()), 4);

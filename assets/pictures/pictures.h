@@ -40,5 +40,6 @@ Raster DrawCalm(const Size& size); // burns in place of a desktop that cannot be
 
 Raster DrawDesktop(); // stands in for a real desktop in tests and pictures
 
+Raster DrawIcon(int size);
 // The Windows saver's icons, three sizes in one .ico file. Empty when well, else what went wrong.
 std::string WriteIcons(const std::string& file, const Screen&);
