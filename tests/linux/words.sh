@@ -24,6 +24,13 @@ done
 for setting in $settings; do
     grep -q "^\.BI \"$setting = \"" <<<"$paragraphs" || fail "the manual page has no paragraph for the setting $setting"
 done
+# And the page names nothing else.
+for option in $(sed -En 's/^\.B[IR]? (--[a-z-]+).*/\1/p' <<<"$paragraphs"); do
+    grep -qx -- "$option" <<<"$options" || fail "the manual page has $option, which the program does not know"
+done
+for setting in $(sed -n 's/^\.BI "\([a-z_]*\) = ".*/\1/p' <<<"$paragraphs"); do
+    [[ " ${settings//$'\n'/ } " == *" $setting "* ]] || fail "the manual page has the setting $setting, which the program does not know"
+done
 
 source "$2/packaging/linux/tamblor.bash-completion"
 # offered WORD...: what is offered for the last word, sorted, in one line
