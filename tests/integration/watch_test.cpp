@@ -280,11 +280,14 @@ TEST_F(Watch, AutostartWritesAndRemovesTheEntry) {
 }
 
 TEST_F(Watch, WrongWordsAreNamed) {
+    const char* both = "--autostart and --watch do not go together; tamblor.conf knows idle = MINUTES";
     const std::pair<std::vector<std::string>, std::string> lines[] = {
         {{"--watch", "3"}, "unexpected word 3"},
         {{"--watch=0"}, "--watch takes a number of minutes from 0.01 to 1440, not '0'"},
         {{"--watch=2x"}, "--watch takes a number of minutes from 0.01 to 1440, not '2x'"},
         {{"--watch=1441"}, "--watch takes a number of minutes from 0.01 to 1440, not '1441'"},
+        {{"--watch=3", "--autostart=on"}, both},
+        {{"--autostart", "on", "--watch"}, both},
         {{"--autostart"}, "--autostart needs a value, on|off"},
         {{"--autostart=yes"}, "--autostart takes on or off, not 'yes'"},
         {{"--lock", "/p", "12", "s"}, "--lock goes with the show, --watch or --autostart on"},

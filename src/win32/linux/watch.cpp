@@ -52,6 +52,7 @@ class Signals {
 public:
     Signals() {
         std::signal(SIGCHLD, SIG_DFL);
+        std::signal(SIGPIPE, SIG_IGN);
         sigset_t ours;
         sigemptyset(&ours);
         for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {

@@ -25,6 +25,9 @@ std::string TakeTask(Task task, Words* words) {
     return "";
 }
 
+constexpr const char* kNotBoth =
+    "--autostart and --watch do not go together; tamblor.conf knows idle = MINUTES";
+
 std::string TakeWindow(const std::string& number, Words* words) {
     words->task = Task::Hosted;
     words->window = WindowNumber(number);
@@ -39,6 +42,8 @@ std::string TakeMonitors(const std::string& value, Words* words) {
 std::string TakeMinutes(const std::string& value, Words* words) {
     constexpr double kLeast = 0.01;
     constexpr double kMost = 1440; // a day
+    if (words->task == Task::Autostart)
+        return kNotBoth;
     words->task = Task::Watch;
     if (value.empty())
         return "";
@@ -50,6 +55,8 @@ std::string TakeMinutes(const std::string& value, Words* words) {
 }
 
 std::string TakeAutostart(const std::string& value, Words* words) {
+    if (words->task == Task::Watch)
+        return kNotBoth;
     words->task = Task::Autostart;
     words->autostart = value == "on";
     return value == "on" || value == "off" ? "" : "--autostart takes on or off, not '" + value + "'";
@@ -99,12 +106,12 @@ bool AsksForShow(const std::vector<std::string>& rest) {
     return letter == 's' || letter == 'S';
 }
 
-// For --lock: something here leads to the show, by an option or the first switch.
-bool HasShow(const Words& words) {
+// Whether a show may come of this that nobody else watches over, by an option or by the first switch.
+bool LeadsToShow(const Words& words) {
     if (words.task == Task::Autostart)
         return words.autostart;
     if (words.task != Task::Classic)
-        return true; // but for the help and the version, where it does not matter
+        return words.task == Task::Show || words.task == Task::Watch;
     for (const std::string& word : words.rest)
         if (const std::size_t at = word.find_first_of(kSwitches); at != std::string::npos)
             return word[at] == 's' || word[at] == 'S';
@@ -156,7 +163,8 @@ Words ReadWords(std::span<const std::string> all) {
     const bool own = words.task == Task::Watch || words.task == Task::Autostart;
     if (own && !words.rest.empty())
         return Wrong("unexpected word " + words.rest.front());
-    if (words.lock && !HasShow(words))
+    const bool asks = words.task == Task::Help || words.task == Task::Version;
+    if (words.lock && !asks && !LeadsToShow(words))
         return Wrong("--lock goes with the show, --watch or --autostart on");
     return words;
 }
