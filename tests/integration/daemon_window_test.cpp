@@ -201,7 +201,7 @@ TEST_F(DaemonWindow, AskedToEndAtAnyMomentItEndsByThatSignal) {
             usleep(ms * 1000);
             const auto asked = std::chrono::steady_clock::now();
             ExpectASignalEndsIt(number);
-            EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(1)) << ms;
+            EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(5)) << ms;
         }
 }
 

@@ -75,7 +75,7 @@ TEST_F(Modes, NoneOfTheseShowsAWindowAndEachSaysWhy) {
     const std::pair<std::vector<std::string>, std::string> lines[] = {
         {{}, nothing},                                 // there is no settings dialog
         {{"/c:1234"}, nothing},                        // as the settings panel asks
-        {{"-q"}, nothing},                             // no known letter
+        {{"q"}, nothing},                              // no known letter
         {{"/p"}, noNumber},                            // preview without a window
         {{"/p", "0xFfffff"}, noWindow + "16777215\n"}, // as X tools write it
         {{"p0Xffffffff"}, noWindow + "4294967295\n"},

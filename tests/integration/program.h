@@ -66,7 +66,6 @@ public:
         if (pid_ > 0)
             kill(pid_, number);
     }
-    int Id() const { return pid_; } // -1: it does not run
     void Kill() {
         Signal(SIGKILL);
         WaitForExit();

@@ -8,14 +8,13 @@
 #include <atomic>
 #include <cstddef>
 
+// Blocks in use that code linked into this program statically has taken, and their bytes. A block of the same
+// size may be some bytes larger the next time, where what would be left beside it is too small for a block.
+inline std::atomic<std::ptrdiff_t> ownBlocksInUse = 0;
 inline std::atomic<std::ptrdiff_t> ownHeapInUse = 0;
 
-// Bytes in use, of blocks taken and given back by code that was linked into this program statically.
-inline std::ptrdiff_t OwnHeapInUse() {
-    return ownHeapInUse;
-}
-
 inline void* Count(void* block, int sign) {
+    ownBlocksInUse += block != nullptr ? sign : 0;
     ownHeapInUse += sign * static_cast<std::ptrdiff_t>(malloc_usable_size(block));
     return block;
 }
