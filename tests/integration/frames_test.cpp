@@ -35,7 +35,7 @@ protected:
         std::uint32_t before = 0;
         return Eventually([&] {
             before = Shown();
-            usleep(400000);
+            usleep(1000000); // a busy machine may take most of that for a frame
             return Shown() == before;
         });
     }

@@ -193,7 +193,8 @@ void FollowMonitors() {
         return;
     FitCovers(Monitors().subspan(1));
     PlaceSaver(Monitors().front());
-    Raise();
+    if (!locked)
+        Raise();
 }
 
 // The focus is the next best meanwhile, which keeps no program from a grab.
