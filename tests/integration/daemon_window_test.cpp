@@ -4,6 +4,7 @@
 #include <X11/Xatom.h>
 
 #include <chrono>
+#include <sys/stat.h>
 
 namespace {
 
@@ -67,6 +68,15 @@ protected:
         return display.WaitForPixel(kX, kY, WallpaperPixel(kX, kY), 3) &&
                display.WaitForPixel(kArea.x + 20, kArea.y + 10, WallpaperPixel(kArea.x + 20, kArea.y + 10),
                                     3);
+    }
+    // Until the middle burns, which OpenGL alone draws.
+    bool Burns(std::uint32_t before) const {
+        for (unsigned ms = 0; ms < 20000; ms += 40, usleep(20000)) {
+            saver.SetClock(ms);
+            if (ChannelDistance(display.PixelAt(kArea.x + 80, kArea.y + 60), before) > 40)
+                return true;
+        }
+        return false;
     }
     void ExpectASignalEndsIt(int number = SIGTERM) {
         saver.Signal(number);
@@ -150,7 +160,9 @@ TEST_F(DaemonWindow, ItsScreenshotIsBurntWhereTheUserAllowsItElseTheWallpaperThe
          {std::pair{"False", false}, {"true", true}, {"on", true}, {"", false}}) {
         AllowDesktop(answer);
         StartIn(Hexadecimal(host));
-        EXPECT_TRUE(allowed ? ShowsShot() : ShowsWallpaper()) << answer << saver.Errors();
+        ASSERT_TRUE(allowed ? ShowsShot() : ShowsWallpaper()) << answer << saver.Errors();
+        EXPECT_TRUE(Burns(allowed ? ShotPixel(80, 60) : WallpaperPixel(kArea.x + 80, kArea.y + 60)));
+        EXPECT_TRUE(allowed ? ShowsShot() : ShowsWallpaper()) << answer << " burning";
         ExpectASignalEndsIt();
     }
     std::filesystem::remove(saver.data.File(".xscreensaver"));
@@ -192,6 +204,19 @@ TEST_F(DaemonWindow, WithoutAUsableScreenshotTheWallpaperIsBurntAndThenAPictureO
     EXPECT_TRUE(display.WaitForPixel(kX, kArea.y + 110, 0x2F6975, 12));
     EXPECT_NE(saver.Trace().find("#ERROR: "), std::string::npos);
     ExpectASignalEndsIt();
+}
+
+TEST_F(DaemonWindow, WhileTheShowIsBuiltThePictureIsThereAndASignalEndsIt) {
+    NameShot(Shot());
+    NameWallpaper();
+    std::filesystem::remove(saver.data.File("tamb.dat"));
+    ASSERT_EQ(mkfifo(saver.data.File("tamb.dat").c_str(), 0600), 0); // it waits for its package for ever
+    for (const bool allowed : {true, false}) {
+        AllowDesktop(allowed ? "True" : "False");
+        StartIn(Hexadecimal(host));
+        EXPECT_TRUE(allowed ? ShowsShot() : ShowsWallpaper());
+        ExpectASignalEndsIt();
+    }
 }
 
 TEST_F(DaemonWindow, AskedToEndAtAnyMomentItEndsByThatSignal) {

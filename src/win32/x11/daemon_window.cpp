@@ -71,18 +71,47 @@ bool ReadPixmap(Display* display, Pixmap pixmap, Photograph* picture) {
     return true;
 }
 
-// The daemon's photograph hangs on its window or, where the show is in a pane, on one around that.
-bool ReadScreenshot(Display* display, Photograph* picture) {
-    for (Window window = daemonWindow; window != None; window = ParentOf(display, window))
-        if (ReadPixmap(display, NamedPixmap(display, window, "_SCREENSAVER_SCREENSHOT"), picture))
-            return true;
-    return false;
+// The daemon's photograph hangs on its window or, where the show is in a pane, on one around that. None when
+// there is none.
+Pixmap ReadScreenshot(Display* display, Photograph* picture) {
+    for (Window window = daemonWindow; window != None; window = ParentOf(display, window)) {
+        const Pixmap pixmap = NamedPixmap(display, window, "_SCREENSAVER_SCREENSHOT");
+        if (ReadPixmap(display, pixmap, picture))
+            return pixmap;
+    }
+    return None;
 }
 
-bool ReadWallpaper(Display* display, Photograph* picture) {
-    const Window root = DefaultRootWindow(display);
-    return ReadPixmap(display, NamedPixmap(display, root, "_XROOTPMAP_ID"), picture) ||
-           ReadPixmap(display, NamedPixmap(display, root, "ESETROOT_PMAP_ID"), picture);
+Pixmap ReadWallpaper(Display* display, Photograph* picture) {
+    for (const char* property : {"_XROOTPMAP_ID", "ESETROOT_PMAP_ID"}) {
+        const Pixmap pixmap = NamedPixmap(display, DefaultRootWindow(display), property);
+        if (ReadPixmap(display, pixmap, picture))
+            return pixmap;
+    }
+    return None;
+}
+
+// The window shows the picture, which is repeated, from that place on, until the first frame comes: a slow
+// machine takes seconds to build the show. Nothing is shown in a window of another depth.
+void ShowMeanwhile(Display* display, Pixmap picture, const Place& from) {
+    const unsigned width = static_cast<unsigned>(from.width);
+    const unsigned height = static_cast<unsigned>(from.height);
+    const Pixmap background =
+        XCreatePixmap(display, saverWindow.id, width, height,
+                      static_cast<unsigned>(DefaultDepth(display, DefaultScreen(display))));
+    XGCValues values = {};
+    values.fill_style = FillTiled;
+    values.tile = picture;
+    values.ts_x_origin = -from.x;
+    values.ts_y_origin = -from.y;
+    const GC pen =
+        XCreateGC(display, background, GCFillStyle | GCTile | GCTileStipXOrigin | GCTileStipYOrigin, &values);
+    XFillRectangle(display, background, pen, 0, 0, width, height);
+    XSetWindowBackgroundPixmap(display, saverWindow.id, background);
+    XMapWindow(display, saverWindow.id);
+    XFreeGC(display, pen);
+    XFreePixmap(display, background);
+    XFlush(display);
 }
 
 Photograph Sized(int width, int height) {
@@ -156,16 +185,20 @@ bool EnterWindow(HWND window, bool desktopAllowed) {
 bool FindDaemonPicture(int width, int height, Photograph* picture, std::string* problem) {
     Display* display = Connection();
     Photograph found;
-    if (desktopIsAllowed && ReadScreenshot(display, &found)) {
+    Place place = {0, 0, width, height};
+    Pixmap pixmap = desktopIsAllowed ? ReadScreenshot(display, &found) : None;
+    if (pixmap != None) {
         const bool fits = found.width == width && found.height == height;
+        if (fits)
+            ShowMeanwhile(display, pixmap, place);
         *picture = fits ? std::move(found) : Scaled(found, width, height);
         return true;
     }
-    Place place = {0, 0, width, height};
     Window child = None;
-    if (ReadWallpaper(display, &found) &&
-        XTranslateCoordinates(display, daemonWindow, DefaultRootWindow(display), 0, 0, &place.x, &place.y,
-                              &child)) {
+    pixmap = ReadWallpaper(display, &found);
+    if (pixmap != None && XTranslateCoordinates(display, daemonWindow, DefaultRootWindow(display), 0, 0,
+                                                &place.x, &place.y, &child)) {
+        ShowMeanwhile(display, pixmap, place);
         *picture = Part(found, place);
         return true;
     }
