@@ -87,8 +87,9 @@ struct WindowSystem {
     // From now on a window of another program is the screen, as it is and will be: FindScreen gives its size,
     // the program's window lies in it, takes no input and leaves the cursor, the focus and what lies above it
     // alone, and the photograph is the one that the other program has made or, where pictures of the desktop
-    // are not allowed, the wallpaper. Called before all else. False when there is no such window.
-    bool (*EnterWindow)(HWND window, bool desktopAllowed);
+    // are not allowed, the wallpaper. Called before all else. Gives the number of
+    // the monitor that the window lies on, 1 for the primary one; 0 when there is no such window.
+    int (*EnterWindow)(HWND window, bool desktopAllowed);
     // For a show on each monitor, a process each. How many there can be: the monitors that show no part of
     // another one.
     int (*CountShows)();

@@ -105,6 +105,17 @@ TEST_F(DaemonWindow, IsNamedByTheWordsOrTheVariableInBothNotations) {
     }
 }
 
+TEST_F(DaemonWindow, OnAnotherMonitorHasATraceOfItsOwn) {
+    NameShot(Shot());
+    display.SetMonitor("left", {0, 0, 60, 240}, true);
+    display.SetMonitor("right", {60, 0, 260, 240}, false);
+    StartIn(Hexadecimal(host));
+    EXPECT_TRUE(Eventually(
+        [this] { return saver.data.Read("tamb-2.log").find("OpenGL info") != std::string::npos; }));
+    EXPECT_EQ(saver.Trace(), "");
+    ExpectASignalEndsIt();
+}
+
 TEST_F(DaemonWindow, IsTheOnlyThingThatItTouches) {
     NameShot(Shot());
     const Window focused = display.ShowWindow({0, 0, 40, 40}, 0x00FF00); // the daemon's dialog lies above

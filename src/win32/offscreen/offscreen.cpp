@@ -54,7 +54,7 @@ void WaitForEvents(int wake, int milliseconds) {
 const WindowSystem kOffscreen = {
     .name = "offscreen",
     .Open = [] { return offscreen::screen.width > 0; },
-    .EnterWindow = [](HWND, bool) { return false; }, // there are no other windows
+    .EnterWindow = [](HWND, bool) { return 0; }, // there are no other windows
     .CountShows = [] { return 1; },
     .ChooseShow = [](int, int) {},
     .FindScreen = [] { return offscreen::screen; },

@@ -122,7 +122,9 @@ std::string ShowInWindow(std::uint32_t named) {
     if (number == 0)
         return "--root needs the number of a window in XSCREENSAVER_WINDOW, as screen saver daemons set it";
     const HWND window = reinterpret_cast<HWND>(static_cast<UINT_PTR>(number));
-    if (UsedWindowSystem().EnterWindow(window, DesktopImagesAllowed()))
+    const int monitor = UsedWindowSystem().EnterWindow(window, DesktopImagesAllowed());
+    showNumber = monitor; // daemons start one on each
+    if (monitor > 0)
         return "";
     char text[80];
     std::snprintf(text, sizeof text, "there is no window 0x%x that a show can lie in", number);

@@ -165,21 +165,36 @@ Photograph Part(const Photograph& wallpaper, const Place& place) {
     return part;
 }
 
+// The number of the monitor that its middle lies on.
+int MonitorOf(Display* display, Window window) {
+    Place place;
+    Window child = None;
+    if (!FindGeometry(display, window, &place) ||
+        !XTranslateCoordinates(display, window, DefaultRootWindow(display), place.width / 2, place.height / 2,
+                               &place.x, &place.y, &child))
+        return 1;
+    const auto found = std::ranges::find_if(Monitors(), [&](const Place& monitor) {
+        return monitor.x <= place.x && place.x < monitor.x + monitor.width && monitor.y <= place.y &&
+               place.y < monitor.y + monitor.height;
+    });
+    return found == Monitors().end() ? 1 : static_cast<int>(found - Monitors().begin()) + 1;
+}
+
 } // namespace
 
 Window DaemonWindow() {
     return daemonWindow;
 }
 
-bool EnterWindow(HWND window, bool desktopAllowed) {
+int EnterWindow(HWND window, bool desktopAllowed) {
     Display* display = Connection();
     XWindowAttributes facts = {};
     if (display == nullptr || IdOf(window) == DefaultRootWindow(display) ||
         XGetWindowAttributes(display, IdOf(window), &facts) == 0 || facts.c_class != InputOutput)
-        return false;
+        return 0;
     daemonWindow = IdOf(window);
     desktopIsAllowed = desktopAllowed;
-    return true;
+    return MonitorOf(display, daemonWindow);
 }
 
 bool FindDaemonPicture(int width, int height, Photograph* picture, std::string* problem) {

@@ -114,7 +114,7 @@ void SayNoDisplay();
 void FitSurface(int width, int height);
 
 // The functions of the window system's table (x11.cpp), in the file that their subject has.
-bool EnterWindow(HWND window, bool desktopAllowed);
+int EnterWindow(HWND window, bool desktopAllowed);
 int CountShows();
 void ChooseShow(int number, int count);
 Place FindScreen();
