@@ -63,6 +63,11 @@ protected:
         children >> child;
         return child;
     }
+    void KillShow() const {
+        const pid_t show = ShowProcess();
+        ASSERT_GT(show, 0); // 0 would be the test's own group
+        kill(show, SIGKILL);
+    }
     std::string Switches() const { // how often it has been woken
         std::ifstream status("/proc/" + std::to_string(saver.Id()) + "/status");
         std::string line;
@@ -82,7 +87,7 @@ TEST_F(Watch, TheShowComesWithIdlenessAndTheWatcherGoesOnAfterIt) {
         if (byKey)
             display.PressKey(XK_space);
         else
-            kill(ShowProcess(), SIGKILL);
+            KillShow();
         EXPECT_TRUE(WaitUntilGone());
     }
     ExpectNoShow(); // it was killed, and nobody has touched anything
@@ -101,6 +106,7 @@ TEST_F(Watch, WhoIsIdleAlreadyGetsItAtOnceAndItEndsWithTheWatcherAndTheServer) {
     StartWatcher();
     ExpectAShow();
     const pid_t show = ShowProcess();
+    ASSERT_GT(show, 0);
     display.Kill();
     EXPECT_EQ(saver.WaitForExit(), 0);
     EXPECT_TRUE(Eventually([show] { return kill(show, 0) != 0; }));
