@@ -131,11 +131,11 @@ public:
 
     int Run() {
         const WindowSystem& system = UsedWindowSystem();
-        if (!system.WatchIdle(static_cast<int>(idle_.count())))
+        if (!WatchIdle())
             return 1;
         while (!signals_.EndIsAsked()) {
-            if (show_.HasEnded() && lock_)
-                LockSession();
+            if (show_.HasEnded())
+                OnShowEnded();
             if (inhibitors_.Process())
                 notBefore_ = Clock::now() + idle_;
             const int due = system.ReadEvents();
@@ -153,10 +153,16 @@ private:
         if (descriptor >= 0)
             epoll_ctl(sources_, EPOLL_CTL_ADD, descriptor, &event);
     }
+    bool WatchIdle() const { return UsedWindowSystem().WatchIdle(static_cast<int>(idle_.count())); }
+    void OnShowEnded() const {
+        WatchIdle(); // what ended it may be input that has not been reported yet
+        if (lock_)
+            LockSession();
+    }
     // It would start, were it not held back by what nobody reports the end of.
-    bool IsTime() const { return userIsIdle && !shown_ && !inhibitors_.Any(); }
+    bool IsTime() const { return userIsIdle && !shown_ && !show_.Runs() && !inhibitors_.Any(); }
     void Decide() {
-        shown_ = userIsIdle && (shown_ || show_.Runs());
+        shown_ = userIsIdle && shown_;
         if (!IsTime() || Clock::now() < notBefore_)
             return;
         if (LoginBlocksIdle() || SessionIsLocked() || UsedWindowSystem().ShowIsUnwanted()) {
