@@ -58,6 +58,10 @@ TEST_F(EachMonitor, HasAShowOfItsOwnDesktopAndATraceAndAKeyEndsAll) {
     XSync(display.connection, True);
     usleep(1200000);
     EXPECT_EQ(XPending(display.connection), 0) << "they do not fight against each other";
+    Window focus = None;
+    int revert = 0;
+    XGetInputFocus(display.connection, &focus, &revert);
+    EXPECT_EQ(focus, Window{PointerRoot}) << "only the first one wants the input, and has it";
     ExpectAKeyEndsIt();
     ExpectNothingIsLeft(shows);
     for (const char* trace : {"tamb.log", "tamb-2.log"})
