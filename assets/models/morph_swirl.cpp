@@ -172,7 +172,8 @@ void ScatterShards(SheetCorners* corners, float seconds, Vec3 centre) {
             const Vec3 paper =
                 Vec3{torn.x * kAspect / kPatchColumns, torn.y / kPatchRows, bulge / kPatchRows} * shard.size;
             const Vec3 whirling = centre + shard.centre + localTurnedAbout(paper, shard.axis, shard.angle);
-            Vec3& at = (*corners)[static_cast<std::size_t>(patch * kPatchCorners + corner)];
+            Vec3& at = (*corners)[static_cast<std::size_t>(patch) * kPatchCorners +
+                                  static_cast<std::size_t>(corner)];
             at = Mix(whirling, at, arrived);
         }
     }

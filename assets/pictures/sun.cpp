@@ -11,7 +11,8 @@ namespace {
 
 // What an equirectangular picture shows at a point of the unit sphere.
 template <class Function> Raster localWrapped(const Size& size, Function colourAt) {
-    const auto [width, height] = size;
+    const int width = size.width;
+    const int height = size.height;
     Raster picture(width, height);
     const float meridian = 2 * kPi / static_cast<float>(width - 1);
     const float parallel = kPi / static_cast<float>(height - 1);
@@ -105,7 +106,8 @@ float localSpindleHeight(float down) {
 // Half of the unit sphere, from the pole down to `reach`, rolled up until its two edges meet: a spindle, on
 // which all lengths are what they were on the sphere. What is drawn there goes on from one edge at the other.
 Raster localDrawSun(const Size& size, float reach) {
-    const auto [width, height] = size;
+    const int width = size.width;
+    const int height = size.height;
     Raster picture(width, height);
     const float turn = 2 * kPi / static_cast<float>(width - 1);
     const float parallel = reach / static_cast<float>(height - 1);

@@ -34,10 +34,10 @@ void FXMesh::LoadMeshC(FXPackage*, FXPackageData* d, FXMatlib* lib, FXLoadBudget
     const bool fits = record.vertices.count >= 0 && record.corners.count >= 0;
     if (!ReallocWithin(budget, fits ? record.vertices.count : 0, fits ? record.corners.count : 0))
         return;
-    if (vertexCount > 0)
+    if (vertexCount > 0 && record.vertices.bytes != nullptr)
         std::memcpy(vertices, record.vertices.bytes,
                     static_cast<std::size_t>(vertexCount) * sizeof *vertices);
-    if (indexCount > 0)
+    if (indexCount > 0 && record.corners.bytes != nullptr)
         std::memcpy(indices, record.corners.bytes, static_cast<std::size_t>(indexCount) * sizeof *indices);
     if (!IndicesFit())
         vertexCount = indexCount = 0;

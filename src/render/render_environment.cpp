@@ -28,6 +28,7 @@ FXEnv::~FXEnv() {
     FXEnv::Destroy();
 }
 
+// NOLINTBEGIN(clang-analyzer-optin.cplusplus.VirtualCall): a device's own while there is one
 void FXEnv::Destroy() {
     StopLoop(kDestroyPatience);
     Lock(true);
@@ -40,6 +41,7 @@ void FXEnv::Destroy() {
     mutex = nullptr;
     stop = false;
 }
+// NOLINTEND(clang-analyzer-optin.cplusplus.VirtualCall)
 
 bool FXEnv::StartLoop(PRender* target) {
     if (!CanDraw())

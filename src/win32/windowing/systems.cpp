@@ -16,6 +16,7 @@ void OfferWindowSystems(std::span<const WindowSystem* const> systems) {
 const WindowSystem& UsedWindowSystem() {
     if (used != nullptr)
         return *used;
+    used = offered.front();
     for (const WindowSystem* system : offered) {
         used = system;
         if (system->Open())

@@ -73,6 +73,7 @@ std::vector<Place> ListMonitors(Display* display) {
         return std::tuple(monitor.secondary, monitor.place.x, monitor.place.y);
     });
     std::vector<Place> places;
+    places.reserve(monitors.size() + 1);
     for (const Monitor& monitor : monitors)
         places.push_back(monitor.place);
     if (places.empty())
