@@ -97,8 +97,10 @@ TEST_F(Morph, MovesPositionsAndNormalsAlongTheSplines) {
         First(1).pos[1] = First(2).normal[1] = 6; // no straight line
         FXBezierSpline positions, normals;
         for (FXBezierSpline* spline : {&positions, &normals}) {
-            for (int i = 0; i < 12; ++i)
-                spline->points.Push((spline == &positions ? First(i / 3).pos : First(i / 3).normal)[i % 3]);
+            for (int i = 0; i < 12; ++i) {
+                const tagFXVertex& point = First(i / 3);
+                spline->points.Push(spline == &positions ? point.pos[i % 3] : point.normal[i % 3]);
+            }
             spline->closed = closed;
             spline->tension = 0.5f;
             spline->Precompute();
@@ -110,11 +112,12 @@ TEST_F(Morph, MovesPositionsAndNormalsAlongTheSplines) {
         const tagFXVertex& vertex = anim_.imodel.meshes[0]->vertices[0];
         for (int quarter = 0; quarter < (closed ? 16 : 12); ++quarter) {
             Draw(quarter * 0.25);
-            for (const auto& [spline, moved] :
-                 {std::pair{&positions, vertex.pos}, {&normals, vertex.normal}}) {
+            for (const bool ofNormals : {false, true}) {
+                FXBezierSpline& spline = ofNormals ? normals : positions;
+                const float* moved = ofNormals ? vertex.normal : vertex.pos;
                 float expected[3];
-                spline->SetActPoints(quarter / 4, (quarter / 4 + 1) % 4);
-                spline->Get(expected, static_cast<float>(quarter % 4) * 0.25f);
+                spline.SetActPoints(quarter / 4, (quarter / 4 + 1) % 4);
+                spline.Get(expected, static_cast<float>(quarter % 4) * 0.25f);
                 for (int axis = 0; axis < 3; ++axis)
                     EXPECT_NEAR(moved[axis], expected[axis], 1e-5) << closed << quarter;
             }
