@@ -1,8 +1,10 @@
 #include "win32/linux/autostart.h"
 
+#include "base/whole_file.h"
+#include "win32/posix/user_folder.h"
+
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -18,15 +20,6 @@ constexpr mode_t kForAll = 0644;
 int Fail(const std::string& what, int error) {
     std::fprintf(stderr, "tamblor: %s: %s\n", what.c_str(), std::strerror(error));
     return 1;
-}
-
-// Empty when nobody says where.
-fs::path AutostartFolder() {
-    const char* configuration = std::getenv("XDG_CONFIG_HOME");
-    if (configuration != nullptr && *configuration == '/')
-        return fs::path(configuration) / "autostart";
-    const char* home = std::getenv("HOME");
-    return home != nullptr && *home == '/' ? fs::path(home) / ".config/autostart" : "";
 }
 
 // A value of a desktop entry.
@@ -62,30 +55,20 @@ std::string Entry(const std::string& program, bool lock) {
            "\nTerminal=false\n";
 }
 
-// Beside it first, then in its place: a desktop never reads half of one.
 int Write(const fs::path& file, const std::string& text) {
-    std::string beside = file.string() + ".XXXXXX";
-    const int fd = mkstemp(beside.data());
-    if (fd < 0)
-        return Fail(file.string(), errno);
-    int error = 0;
-    if (write(fd, text.data(), text.size()) != static_cast<ssize_t>(text.size()) || fchmod(fd, kForAll) != 0)
-        error = errno != 0 ? errno : ENOSPC;
-    close(fd);
-    if (error == 0 && rename(beside.c_str(), file.c_str()) != 0)
-        error = errno;
-    if (error == 0)
-        return 0;
-    unlink(beside.c_str());
-    return Fail(file.string(), error);
+    const auto write = [&](std::FILE* out) {
+        return std::fputs(text.c_str(), out) >= 0 && fchmod(fileno(out), kForAll) == 0;
+    };
+    return fxReplaceFile(file.string(), write) ? 0 : Fail(file.string(), errno != 0 ? errno : ENOMEM);
 }
 
 } // namespace
 
 int SetAutostart(bool on, bool lock) {
-    const fs::path folder = AutostartFolder();
-    if (folder.empty())
+    const std::string configuration = UserFolder("XDG_CONFIG_HOME", "/.config");
+    if (configuration.empty())
         return Fail("no configuration folder: neither XDG_CONFIG_HOME nor HOME names one", ENOENT);
+    const fs::path folder = fs::path(configuration) / "autostart";
     const fs::path file = folder / "tamblor.desktop";
     if (!on) {
         const bool removed = unlink(file.c_str()) == 0;

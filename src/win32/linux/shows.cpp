@@ -1,9 +1,10 @@
 #include "win32/linux/shows.h"
 
+#include "win32/linux/child_process.h"
+
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -13,27 +14,12 @@ namespace {
 constexpr int kMost = 64;       // monitors
 constexpr int kSignalled = 128; // and the signal's number: exit status, as shells have it
 
-constexpr int kEnds[] = {SIGINT, SIGTERM, SIGHUP};
-
-// What the parent chose to ignore (nohup) stays ignored: such a signal would be waited for all the same.
-sigset_t Awaited() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGCHLD);
-    for (const int number : kEnds) {
-        struct sigaction action = {};
-        if (sigaction(number, nullptr, &action) == 0 && action.sa_handler != SIG_IGN)
-            sigaddset(&signals, number);
-    }
-    return signals;
-}
-
 // With the same exit status, or by the same request.
 [[noreturn]] void EndLike(int status) {
     const int number = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
     if (number == 0)
         _exit(WEXITSTATUS(status));
-    if (std::ranges::find(kEnds, number) != std::end(kEnds)) {
+    if (std::ranges::find(kEndSignals, number) != std::end(kEndSignals)) {
         sigset_t nothing;
         sigemptyset(&nothing);
         std::signal(number, SIG_DFL);
@@ -81,16 +67,14 @@ int CountInAnotherProcess(int (*count)()) {
 // The signals are held back until there is somebody to hear them.
 int ForkShows(int count) {
     const pid_t parent = getpid();
-    const sigset_t awaited = Awaited();
+    const sigset_t awaited = AwaitedSignals();
     sigset_t before;
     sigprocmask(SIG_BLOCK, &awaited, &before);
     std::vector<pid_t> shows;
     for (int number = 0; number < count; ++number) {
         const pid_t show = fork();
         if (show == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGTERM);
-            sigprocmask(SIG_SETMASK, &before, nullptr);
-            if (getppid() != parent) // it has ended already
+            if (!EndWithParent(parent, before))
                 _exit(0);
             return number;
         }

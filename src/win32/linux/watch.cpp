@@ -1,5 +1,6 @@
 #include "win32/linux/watch.h"
 
+#include "win32/linux/child_process.h"
 #include "win32/linux/inhibitors.h"
 #include "win32/linux/login.h"
 #include "win32/windowing/windowing.h"
@@ -14,7 +15,6 @@
 #include <cstring>
 #include <string>
 #include <sys/epoll.h>
-#include <sys/prctl.h>
 #include <sys/signalfd.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -46,20 +46,13 @@ bool TakeSession() {
     return bind(socket, reinterpret_cast<const sockaddr*>(&address), length) == 0 || errno != EADDRINUSE;
 }
 
-// The signals that end the watcher, and a child's end, as something to read. What the parent chose to ignore
-// (nohup) stays ignored.
+// The signals that end the watcher, and a child's end, as something to read.
 class Signals {
 public:
     Signals() {
         std::signal(SIGCHLD, SIG_DFL);
         std::signal(SIGPIPE, SIG_IGN);
-        sigset_t ours;
-        sigemptyset(&ours);
-        for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {
-            struct sigaction action = {};
-            if (sigaction(number, nullptr, &action) == 0 && action.sa_handler != SIG_IGN)
-                sigaddset(&ours, number);
-        }
+        const sigset_t ours = AwaitedSignals();
         sigprocmask(SIG_BLOCK, &ours, &before_);
         descriptor_ = signalfd(-1, &ours, SFD_CLOEXEC | SFD_NONBLOCK);
     }
@@ -72,7 +65,7 @@ public:
             asked = asked || info.ssi_signo != SIGCHLD;
         return asked;
     }
-    void Restore() const { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+    const sigset_t& Before() const { return before_; }
 
 private:
     sigset_t before_ = {};
@@ -90,9 +83,7 @@ public:
             std::fprintf(stderr, "tamblor: the show cannot be started: %s\n", std::strerror(errno));
         if (process_ != 0)
             return;
-        prctl(PR_SET_PDEATHSIG, SIGTERM);
-        signals.Restore();
-        if (getppid() == watcher) // it may have ended before it was watched
+        if (EndWithParent(watcher, signals.Before()))
             execl("/proc/self/exe", "tamblor", "/s", nullptr);
         _exit(1);
     }

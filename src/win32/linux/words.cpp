@@ -112,10 +112,7 @@ bool LeadsToShow(const Words& words) {
         return words.autostart;
     if (words.task != Task::Classic)
         return words.task == Task::Show || words.task == Task::Watch;
-    for (const std::string& word : words.rest)
-        if (const std::size_t at = word.find_first_of(kSwitches); at != std::string::npos)
-            return word[at] == 's' || word[at] == 'S';
-    return false;
+    return AsksForShow(words.rest);
 }
 
 Words Wrong(const std::string& problem) {

@@ -1,6 +1,7 @@
 #include "win32/linux/xscreensaver_file.h"
 
 #include "base/whole_file.h"
+#include "win32/posix/trimmed.h"
 
 #include <algorithm>
 #include <cctype>
@@ -19,7 +20,6 @@ constexpr const char* kSystemFile = "/etc/X11/app-defaults/XScreenSaver";
 constexpr std::string_view kSaverLine = R"(  GL: "Tamblor"  tamblor --root \n\)";
 constexpr std::string_view kSaver = "tamblor"; // the program in a line of the list
 constexpr std::string_view kEnd = R"(\n)";     // of each saver in the list
-constexpr std::string_view kBlanks = " \t\r";
 
 using Lines = std::vector<std::string>;
 
@@ -31,13 +31,6 @@ Lines Split(const std::string& text) {
         from = end + 1;
     }
     return lines;
-}
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 bool GoesOn(std::string_view line) {

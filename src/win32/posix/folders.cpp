@@ -1,4 +1,5 @@
 // The current folder and the shell's folders.
+#include "win32/posix/user_folder.h"
 #include "win32/win32.h"
 
 #include <cerrno>
@@ -32,15 +33,6 @@ private:
 
 constexpr mode_t kPrivate = 0700;
 
-// Where programs keep what they remember from run to run; empty when nobody says.
-std::string StateFolder() {
-    const char* state = std::getenv("XDG_STATE_HOME");
-    if (state != nullptr && *state == '/')
-        return state;
-    const char* home = std::getenv("HOME");
-    return home != nullptr && *home == '/' ? std::string(home) + "/.local/state" : "";
-}
-
 void CreateFolders(const std::string& path) {
     for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1))
         mkdir(path.substr(0, end).c_str(), kPrivate);
@@ -48,6 +40,14 @@ void CreateFolders(const std::string& path) {
 }
 
 } // namespace
+
+std::string UserFolder(const char* variable, const char* belowHome) {
+    const char* named = std::getenv(variable);
+    if (named != nullptr && *named == '/')
+        return named;
+    const char* home = std::getenv("HOME");
+    return home != nullptr && *home == '/' ? std::string(home) + belowHome : "";
+}
 
 DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
     if (getcwd(buffer, size) != nullptr)
@@ -77,9 +77,10 @@ BOOL CreateDirectoryA(const char* path, void*) {
 
 HRESULT SHGetFolderPathA(HWND, int folder, HANDLE, DWORD, char* path) {
     constexpr HRESULT kFailed = static_cast<HRESULT>(0x80004005u);
-    const std::string found = folder == CSIDL_FONTS                                  ? "/usr/share/fonts"
-                              : (folder & ~CSIDL_FLAG_CREATE) == CSIDL_LOCAL_APPDATA ? StateFolder()
-                                                                                     : "";
+    const std::string found = folder == CSIDL_FONTS ? "/usr/share/fonts"
+                              : (folder & ~CSIDL_FLAG_CREATE) == CSIDL_LOCAL_APPDATA
+                                  ? UserFolder("XDG_STATE_HOME", "/.local/state")
+                                  : "";
     if (found.empty() || found.size() >= MAX_PATH)
         return kFailed;
     if ((folder & CSIDL_FLAG_CREATE) != 0)

@@ -1,5 +1,6 @@
 #include "win32/posix/settings_file.h"
 
+#include "win32/posix/trimmed.h"
 #include "win32/product.h"
 
 #include <algorithm>
@@ -34,12 +35,6 @@ std::set<std::string> reported; // problems
 std::string Variable(const char* name, const std::string& otherwise) {
     const char* value = std::getenv(name);
     return value != nullptr && *value != '\0' ? value : otherwise;
-}
-
-std::string Trimmed(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(" \t\r");
-    const std::size_t last = text.find_last_not_of(" \t\r");
-    return first == std::string::npos ? "" : text.substr(first, last - first + 1);
 }
 
 std::string Unquoted(const std::string& text) {
@@ -77,7 +72,7 @@ std::string CheckNumber(const std::string& name, const std::string& value) {
 
 // One line; what is wrong with it, or "".
 std::string ReadLine(const std::string& line, std::map<std::string, std::string>* values) {
-    const std::string text = Trimmed(line);
+    const std::string text(Trimmed(line));
     for (const char c : text)
         if (static_cast<unsigned char>(c) < ' ' && c != '\t')
             return "a control character";
@@ -86,8 +81,8 @@ std::string ReadLine(const std::string& line, std::map<std::string, std::string>
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos)
         return "expected a line of the form: path = /folder";
-    const std::string name = Trimmed(text.substr(0, equals));
-    std::string value = Unquoted(Trimmed(text.substr(equals + 1)));
+    const std::string name(Trimmed(text.substr(0, equals)));
+    std::string value = Unquoted(std::string(Trimmed(text.substr(equals + 1))));
     std::string wrong;
     if (name != kDataFolderValue)
         wrong = CheckNumber(name, value);

@@ -1,5 +1,6 @@
 // The saver's process entry, and the facts of the process.
 #include "win32/linux/autostart.h"
+#include "win32/linux/child_process.h"
 #include "win32/linux/daemon_window.h"
 #include "win32/linux/login.h"
 #include "win32/linux/shows.h"
@@ -12,7 +13,6 @@
 #include "win32/product.h"
 #include "win32/windowing/windowing.h"
 
-#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -45,12 +45,9 @@ std::string Joined(std::span<const std::string> words) {
 // 0x1c00007, as the tools of X write a window's number, in decimal; anything else, and more than 32 bits, as
 // it is.
 std::string InDecimal(const std::string& number) {
-    std::uint32_t value = 0;
-    const char* end = number.data() + number.size();
-    if (!number.starts_with("0x") && !number.starts_with("0X"))
-        return number;
-    const auto [stop, error] = std::from_chars(number.data() + 2, end, value, 16);
-    return error == std::errc() && stop == end ? std::to_string(value) : number;
+    const bool hexadecimal = number.starts_with("0x") || number.starts_with("0X");
+    const std::uint32_t value = hexadecimal ? WindowNumber(number) : 0;
+    return value != 0 ? std::to_string(value) : number;
 }
 
 // The length of a switch that takes a window's number ("/p", "-A", "p") at the start of a word; 0: none.
@@ -99,11 +96,9 @@ void ListenToSignals() {
     struct sigaction action = {};
     action.sa_handler = [](int) { RequestEnd(); };
     action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction before = {};
-        if (sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+    for (const int number : kEndSignals)
+        if (!IsIgnored(number))
             sigaction(number, &action, nullptr);
-    }
 }
 
 int Complain(int status, const std::string& problem) {
