@@ -9,23 +9,32 @@
 
 namespace {
 
-// What an equirectangular picture shows at a point of the unit sphere.
-template <class Function> Raster localWrapped(const Size& size, Function colourAt) {
-    const int width = size.width;
-    const int height = size.height;
-    Raster picture(width, height);
-    const float meridian = 2 * kPi / static_cast<float>(width - 1);
-    const float parallel = kPi / static_cast<float>(height - 1);
-    ForEachRow(height, [&](int y) {
-        const float across = std::sin(parallel * static_cast<float>(y));
-        const float up = std::cos(parallel * static_cast<float>(y));
-        for (int x = 0; x < width; ++x) {
+// A circle round the axis: its radius, and its height.
+struct Circle {
+    float across, up;
+};
+
+// The picture of a surface of revolution, wrapped round it from the pole down to `reach`, an angle: each row
+// is the circle at an angle from the pole.
+template <class CircleAt, class Function>
+Raster localWrapped(const Size& size, float reach, CircleAt circleAt, Function colourAt) {
+    Raster picture(size.width, size.height);
+    const float meridian = 2 * kPi / static_cast<float>(size.width - 1);
+    const float parallel = reach / static_cast<float>(size.height - 1);
+    ForEachRow(size.height, [&](int y) {
+        const Circle circle = circleAt(parallel * static_cast<float>(y));
+        for (int x = 0; x < size.width; ++x) {
             const float turn =
-                meridian * static_cast<float>(x % (width - 1)); // the last column is the first again
-            picture.At(x, y) = colourAt(Vec3{across * std::cos(turn), up, across * std::sin(turn)});
+                meridian * static_cast<float>(x % (size.width - 1)); // the last column is the first again
+            picture.At(x, y) =
+                colourAt(Vec3{circle.across * std::cos(turn), circle.up, circle.across * std::sin(turn)});
         }
     });
     return picture;
+}
+
+Circle localSphereAt(float down) {
+    return {std::sin(down), std::cos(down)};
 }
 
 constexpr Stop kIncandescent[] = {
@@ -105,23 +114,12 @@ float localSpindleHeight(float down) {
 
 // Half of the unit sphere, from the pole down to `reach`, rolled up until its two edges meet: a spindle, on
 // which all lengths are what they were on the sphere. What is drawn there goes on from one edge at the other.
-Raster localDrawSun(const Size& size, float reach) {
-    const int width = size.width;
-    const int height = size.height;
-    Raster picture(width, height);
-    const float turn = 2 * kPi / static_cast<float>(width - 1);
-    const float parallel = reach / static_cast<float>(height - 1);
-    ForEachRow(height, [&](int y) {
-        const float down = parallel * static_cast<float>(y);
-        const float across = std::sin(down) / 2;
-        const float up = localSpindleHeight(down);
-        for (int x = 0; x < width; ++x) {
-            const float at = turn * static_cast<float>(x % (width - 1));
-            picture.At(x, y) =
-                localCoreAt(Vec3{across * std::cos(at), up, across * std::sin(at)} + kSunVantage);
-        }
-    });
-    return picture;
+Circle localSpindleAt(float down) {
+    return {std::sin(down) / 2, localSpindleHeight(down)};
+}
+
+Rgba localSurfaceAt(Vec3 p) {
+    return localCoreAt(p + kSunVantage);
 }
 
 Rgba localPlasma(std::span<const Stop> palette, float density, float heat) {
@@ -159,21 +157,21 @@ Rgba localPlasmaCAt(Vec3 p) {
 } // namespace
 
 Raster DrawSunCore(const Size& size) {
-    return localDrawSun(size, std::acos(kSunLowest));
+    return localWrapped(size, std::acos(kSunLowest), localSpindleAt, localSurfaceAt);
 }
 
 Raster DrawWholeSun(const Size& size) {
-    return localDrawSun(size, kPi);
+    return localWrapped(size, kPi, localSpindleAt, localSurfaceAt);
 }
 
 Raster DrawPlasmaA(const Size& size) {
-    return localWrapped(size, localPlasmaAAt);
+    return localWrapped(size, kPi, localSphereAt, localPlasmaAAt);
 }
 
 Raster DrawPlasmaB(const Size& size) {
-    return localWrapped(size, localPlasmaBAt);
+    return localWrapped(size, kPi, localSphereAt, localPlasmaBAt);
 }
 
 Raster DrawPlasmaC(const Size& size) {
-    return localWrapped(size, localPlasmaCAt);
+    return localWrapped(size, kPi, localSphereAt, localPlasmaCAt);
 }
