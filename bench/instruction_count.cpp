@@ -72,20 +72,9 @@ void localCountPackage(const char* name, int flags) {
     std::filesystem::remove(file);
 }
 
-// As the scene builds it (scene/scene.cpp).
 void localCountMorphBuilding() {
     FXAnim morph;
-    localCount("morph-building", [&] {
-        morph.LoadCN(&show::pck, show::kMorph);
-        const int last = morph.models.count - 1;
-        morph.UnitizeStretch1(last);
-        morph.Normalize(-1, false);
-        morph.ComputeFrontTexCoords(last, -1);
-        morph.ResizeTextCoords1();
-        morph.linear = true;
-        morph.UpdateInterpolation(true, true);
-        morph.ReleaseKeyFrames();
-    });
+    localCount("morph-building", [&] { LoadMorph(&morph, &show::pck); });
 }
 
 // False when the show has no pictures, or a stage ended before its frame: such frames are not those that are

@@ -51,7 +51,7 @@ bool hasError = false;
 int stage = kDissolving;
 bool first = true;
 int fire_num = 1024;
-const char* logsFile = "tamb.log";
+const char* logsFile = kLogFile;
 
 } // namespace show
 
@@ -213,22 +213,6 @@ void localCreateLights() {
     gr.RegisterLight(&light2);
 }
 
-// All key frames are fitted by the last one, which lies flat: it covers the screen, and the desktop picture
-// it.
-void localCreateMorph() {
-    reopen.LoadCN(&pck, kMorph);
-    const int last = reopen.models.count - 1;
-    reopen.UnitizeStretch1(last);
-    reopen.Normalize(-1, false);
-    reopen.ComputeFrontTexCoords(last, -1);
-    reopen.ResizeTextCoords1();
-    reopen.loop = false;
-    reopen.pingPong = false;
-    reopen.linear = true;
-    reopen.UpdateInterpolation(true, true);
-    reopen.ReleaseKeyFrames();
-}
-
 void localCreateShow(FXScrShot* shot, bool isTaken) {
     localTakeDesktop(shot, isTaken);
     fire.Create(fire_num);
@@ -245,7 +229,7 @@ void localCreateShow(FXScrShot* shot, bool isTaken) {
         flat.desk.SetMaterial(&flat.material);
     }
     localCreateLights();
-    localCreateMorph();
+    LoadMorph(&reopen, &pck);
     gad.CreateCN(&pck, kLabelPicture, kMedallionModel);
     demo.CreateCN(&pck, kCubeReflection, kCubeSkin);
 }
@@ -282,6 +266,22 @@ void localBuild(HWND window, bool asPreview, FXScrShot* shot) {
 }
 
 } // namespace
+
+// All key frames are fitted by the last one, which lies flat: it covers the screen, and the desktop picture
+// it.
+void LoadMorph(FXAnim* morph, FXPackage* package) {
+    morph->LoadCN(package, kMorph);
+    const int last = morph->models.count - 1;
+    morph->UnitizeStretch1(last);
+    morph->Normalize(-1, false);
+    morph->ComputeFrontTexCoords(last, -1);
+    morph->ResizeTextCoords1();
+    morph->loop = false;
+    morph->pingPong = false;
+    morph->linear = true;
+    morph->UpdateInterpolation(true, true);
+    morph->ReleaseKeyFrames();
+}
 
 void BuildScene(HWND window, bool asPreview) {
     FXScrShot shot;

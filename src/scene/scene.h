@@ -4,6 +4,9 @@
 #include "render/environment.h"
 #include "win32/win32.h"
 
+class FXAnim;
+class FXPackage;
+
 // One frame: the background, the sun, the stage of the cycle that is due, the cube and the error picture. Its
 // state is the show's (show.h).
 class Scene : public PRender {
@@ -19,6 +22,9 @@ void InitScene(HWND window, bool preview);
 void ResizeScene(int width, int height);
 // Waits for the frame that is being drawn, then releases everything.
 void DestroyScene();
+
+// The morph of a package, fitted to the screen and ready to be started; its key frames are given up.
+void LoadMorph(FXAnim* morph, FXPackage* package);
 
 // InitScene without the loop, for programs that draw the frames themselves.
 void BuildScene(HWND window, bool preview);

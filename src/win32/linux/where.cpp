@@ -15,7 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char kLogFile[] = "tamb.log";
 constexpr char kProblem[] = "PROBLEM: ";
 
 // Subjects with lines below each other.
@@ -84,7 +83,7 @@ void PutPackage(Lines* lines, const std::vector<DataPlace>& places, int screenWi
         return;
     }
     lines->Put("", "installed with the program, and nothing names another");
-    if (screenWidth > kWidestForDefaultShow && !package.ends_with(std::string("-4k/") + kPackageFile))
+    if (screenWidth > kWidestForDefaultShow && fs::path(chosen->folder).filename() != kLargeShowFolder)
         lines->Put("", "the one for such a wide screen is not installed (Debian package tamblor-4k)");
 }
 
