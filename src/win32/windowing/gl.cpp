@@ -18,6 +18,7 @@ struct HGLRC__ {
 
 namespace {
 
+constexpr int kNotSet = -1;
 constexpr int kSamples = 4;   // by default, where a graphics card draws
 constexpr int kTheFormat = 1; // the number of the chosen pixel format
 HDC theDc = nullptr;
@@ -63,7 +64,9 @@ int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* wanted) {
     std::vector<GlConfig> configs;
     if (!dc->surface->ListConfigs(&configs))
         return Fail(dc, ERROR_NOT_SUPPORTED);
-    const int samples = Setting("samples", dc->surface->DrawsInSoftware() ? 0 : kSamples);
+    int samples = Setting("samples", kNotSet);
+    if (samples == kNotSet) // else the driver is not asked
+        samples = dc->surface->DrawsInSoftware() ? 0 : kSamples;
     const GlConfig* chosen = ChooseConfig(configs, wanted->cDepthBits, wanted->cStencilBits, samples);
     if (chosen == nullptr)
         return Fail(dc, ERROR_BAD_DRIVER);
