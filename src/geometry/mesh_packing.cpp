@@ -75,6 +75,14 @@ bool localReadCorner(FXNumPool* pool, const int (&counts)[3], Corner* corner) {
     return true;
 }
 
+tagFXVertex localVertex(const FXVectorMap& map, const FXTriple& from) {
+    tagFXVertex vertex = {};
+    map.GetVecPos(from.p, vertex.pos);
+    map.GetVecNorm(from.n, vertex.normal);
+    map.GetVecTex(from.t, vertex.tex);
+    return vertex;
+}
+
 } // namespace
 
 void FXMesh::DiscardVertices() {
@@ -123,12 +131,8 @@ bool FXMesh::FromVMapLike(const FXMesh* first, const FXArray<FXTriple>& built, c
         !std::all_of(built.begin(), built.end(), isThere))
         return false;
     vertexCount = built.count;
-    for (int v = 0; v < vertexCount; ++v) {
-        vertices[v] = {};
-        map.GetVecPos(built[v].p, vertices[v].pos);
-        map.GetVecNorm(built[v].n, vertices[v].normal);
-        map.GetVecTex(built[v].t, vertices[v].tex);
-    }
+    for (int v = 0; v < vertexCount; ++v)
+        vertices[v] = localVertex(map, built[v]);
     std::copy_n(first->indices, indexCount, indices);
     return true;
 }
@@ -151,10 +155,7 @@ bool FXMesh::FromVMap(FXVectorMap* map, FXNumPool* pool) {
             at = map->GetUsed(p, n, t);
             if (at < 0 && vertexCount < room && map->PushUsed(p, n, t, vertexCount)) {
                 at = vertexCount++;
-                vertices[at] = {};
-                map->GetVecPos(p, vertices[at].pos);
-                map->GetVecNorm(n, vertices[at].normal);
-                map->GetVecTex(t, vertices[at].tex);
+                vertices[at] = localVertex(*map, {p, n, t});
             }
         }
         if (at < 0) {

@@ -8,6 +8,12 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+constexpr int kMostListed = 256; // pictures: a malformed library may name very many
+
+} // namespace
+
 void FXMatlib::AddMaterial(FXMaterial* m) {
     if (materials.Findpos(m) < 0 && materials.Realloc(materials.count + 1))
         materials.Push(m);
@@ -71,10 +77,6 @@ bool FXMatlib::LoadC(FXPackage* pkg, const char* text) {
     FXRecordReader reader(&loader.data);
     Fields(loader, reader);
     return true;
-}
-
-namespace {
-constexpr int kMostListed = 256; // a malformed library may have very many
 }
 
 void FXMatlib::ListPictures(FXPackage* pkg, const char* text, FXArray<int>* entries) {

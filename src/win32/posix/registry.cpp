@@ -2,8 +2,8 @@
 //   1. the environment variable TAMBLOR_DATA
 //   2. tamblor/tamblor.conf in the user's configuration folder, then in the system's
 //   3. the folder that the package was installed or built into, beside the executable; the one for large
-//   screens where
-//      the screen is large and there is one
+//   screens
+//      where the screen is large and there is one
 #include "win32/posix/data_folder.h"
 #include "win32/posix/last_error.h"
 #include "win32/posix/settings_file.h"

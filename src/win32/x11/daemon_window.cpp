@@ -48,24 +48,20 @@ Pixmap NamedPixmap(Display* display, Window window, const char* property) {
 
 // False when there is no such pixmap, or it is of another depth than the screen.
 bool ReadPixmap(Display* display, Pixmap pixmap, Photograph* picture) {
-    Window root = None;
-    int x = 0;
-    int y = 0;
-    unsigned width = 0;
-    unsigned height = 0;
-    unsigned border = 0;
+    Place size;
     unsigned depth = 0;
     XWindowAttributes isWindow = {};
     if (pixmap == None || XGetWindowAttributes(display, pixmap, &isWindow) != 0 ||
-        XGetGeometry(display, pixmap, &root, &x, &y, &width, &height, &border, &depth) == 0 ||
+        !FindGeometry(display, pixmap, &size, &depth) ||
         depth != static_cast<unsigned>(DefaultDepth(display, DefaultScreen(display))) ||
-        std::max(width, height) > kLargest)
+        std::max(size.width, size.height) > kLargest)
         return false;
-    XImage* image = XGetImage(display, pixmap, 0, 0, width, height, AllPlanes, ZPixmap);
+    XImage* image = XGetImage(display, pixmap, 0, 0, static_cast<unsigned>(size.width),
+                              static_cast<unsigned>(size.height), AllPlanes, ZPixmap);
     if (image == nullptr)
         return false;
-    picture->width = static_cast<int>(width);
-    picture->height = static_cast<int>(height);
+    picture->width = size.width;
+    picture->height = size.height;
     Convert(display, image, picture);
     XDestroyImage(image);
     return true;

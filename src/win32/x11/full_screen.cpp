@@ -118,10 +118,8 @@ bool IsLocker(const XWindowAttributes& facts) {
 
 // Another show's window, on its monitor, does not.
 bool TouchesOurs(const XWindowAttributes& facts) {
-    return std::ranges::any_of(Monitors(), [&](const Place& place) {
-        return facts.x < place.x + place.width && place.x < facts.x + facts.width &&
-               facts.y < place.y + place.height && place.y < facts.y + facts.height;
-    });
+    const Place window = {facts.x, facts.y, facts.width, facts.height};
+    return std::ranges::any_of(Monitors(), [&](const Place& place) { return Overlap(window, place); });
 }
 
 // All our windows are shown, above all others that show anything; or they are not; or they need not be.

@@ -38,17 +38,21 @@ bool HasMonitors(Display* display) {
 
 } // namespace
 
-bool FindGeometry(Display* display, Window window, Place* place) {
+bool FindGeometry(Display* display, Drawable drawable, Place* place, unsigned* depth) {
     Window root = None;
     unsigned width = 0;
     unsigned height = 0;
     unsigned border = 0;
-    unsigned depth = 0;
-    const Status found =
-        XGetGeometry(display, window, &root, &place->x, &place->y, &width, &height, &border, &depth);
+    unsigned unasked = 0;
+    const Status found = XGetGeometry(display, drawable, &root, &place->x, &place->y, &width, &height,
+                                      &border, depth != nullptr ? depth : &unasked);
     place->width = static_cast<int>(width);
     place->height = static_cast<int>(height);
     return found != 0;
+}
+
+bool Overlap(const Place& a, const Place& b) {
+    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
 }
 
 std::vector<Place> ListMonitors(Display* display) {

@@ -13,10 +13,6 @@ bool hasMonitor = true;
 std::size_t show = 0; // this process's
 std::size_t shows = 1;
 
-bool Overlap(const Place& a, const Place& b) {
-    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
-}
-
 // The monitors that have a show, and behind them those that show a part of one of them.
 std::vector<Place> ShowsFirst(const std::vector<Place>& all, std::size_t* count) {
     std::vector<Place> apart;
