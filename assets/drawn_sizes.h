@@ -15,17 +15,18 @@ struct Drawn {
     float across, down, texels;
 };
 
-//           drawn by           screens up to 2560   3840
-// Space     desk0              1920 x 1024   3840 x 2048   as wide as the most common of these screens
-// Halo      kGlowScale          512 x  512   1024 x 1024
-// Rays      kGlowScale          512 x  512   1024 x 1024
-// Lens      desk_lens          1024 x  512   1024 x 1024
-// SunCore   kSunScale          2048 x 1024   4096 x 2048   half the equator, the meridian as far as it is
-// seen Plasma    kSunScale          1024 x  512   1024 x  512   the equator, from pole to pole Gold kSize 256
-// x  256    512 x  512   the medallion Emblem    kSize               256 x  256    512 x  512   its face
-// Label     kLabelScale         512 x  128    512 x  128
-// Skin      kCubeScale         1024 x 1024   1024 x 1024   a face, either side of which may lie across the
-// screen Studio    kCubeScale          512 x  512   1024 x 1024   as much of it as a face mirrors
+//          drawn by       to 2560 wide   to 3840
+// Space    desk0          1920 x 1024    3840 x 2048   as wide as the most common of these screens
+// Halo     kGlowScale      512 x  512    1024 x 1024
+// Rays     kGlowScale      512 x  512    1024 x 1024
+// Lens     desk_lens      1024 x  512    1024 x 1024
+// SunCore  kSunScale      2048 x 1024    4096 x 2048   half the equator, the meridian as far as it is seen
+// Plasma   kSunScale      1024 x  512    1024 x  512   the equator, from pole to pole
+// Gold     kSize           256 x  256     512 x  512   the medallion
+// Emblem   kSize           256 x  256     512 x  512   its face
+// Label    kLabelScale     512 x  128     512 x  128
+// Skin     kCubeScale     1024 x 1024    1024 x 1024   a face, either side of which may lie across the screen
+// Studio   kCubeScale      512 x  512    1024 x 1024   as much of it as a face mirrors
 constexpr Drawn kDrawnSpace = {1, 1, 1};
 constexpr Drawn kDrawnHalo = {1.5f, 2, 0.17f};
 constexpr Drawn kDrawnRays = kDrawnHalo;
