@@ -101,6 +101,15 @@ TEST_F(EachMonitor, IsFollowedWhenItGoesAndComesAndOneWithoutAShowIsBlack) {
     ExpectAKeyEndsIt();
 }
 
+TEST_F(EachMonitor, IsWhatTheWatcherStartsWhenItIsTold) {
+    saver.environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=/no/such/bus"; // not the machine's
+    saver.Start(display, {"--watch=0.02", "--monitors=all"});
+    EXPECT_TRUE(Eventually([&] { return !saver.data.Read("tamb-2.log").empty(); })) << saver.Errors();
+    saver.Signal(SIGTERM);
+    EXPECT_EQ(saver.WaitForExit(), 0);
+    EXPECT_TRUE(display.VisibleWindows().empty());
+}
+
 TEST_F(EachMonitor, ThatShowsAPartOfAnotherHasNoShow) {
     display.SetMonitor("mirror", {0, 0, 320, 240}, false);
     StartOnAll();

@@ -264,8 +264,8 @@ TEST_F(Watch, AutostartWritesAndRemovesTheEntry) {
                       "Comment=Starts the show when nobody has touched anything for a while\n"
                       "Exec=\"" +
                           exe + "\" --watch\nTryExec=" + exe + "\nTerminal=false\n");
-    EXPECT_EQ(run({"--lock", "--autostart=on"}), 0);
-    EXPECT_NE(text().find("--watch --lock\n"), std::string::npos);
+    EXPECT_EQ(run({"--monitors=all", "--lock", "--autostart=on"}), 0);
+    EXPECT_NE(text().find("--watch --lock --monitors=all\n"), std::string::npos);
     EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(entry).parent_path()), {}), 1);
     for (int twice = 0; twice < 2; ++twice) {
         EXPECT_EQ(run({"--autostart=off"}), 0);

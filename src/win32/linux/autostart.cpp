@@ -45,13 +45,14 @@ std::string Quoted(const std::string& word) {
     return quoted + '"';
 }
 
-std::string Entry(const std::string& program, bool lock) {
+// `options` of the watcher, each with a blank before it.
+std::string Entry(const std::string& program, const std::string& options) {
     return "[Desktop Entry]\n"
            "Type=Application\n"
            "Name=Tamblor\n"
            "Comment=Starts the show when nobody has touched anything for a while\n"
            "Exec=" +
-           Escaped(Quoted(program)) + " --watch" + (lock ? " --lock" : "") + "\nTryExec=" + Escaped(program) +
+           Escaped(Quoted(program)) + " --watch" + options + "\nTryExec=" + Escaped(program) +
            "\nTerminal=false\n";
 }
 
@@ -64,7 +65,7 @@ int Write(const fs::path& file, const std::string& text) {
 
 } // namespace
 
-int SetAutostart(bool on, bool lock) {
+int SetAutostart(bool on, bool lock, bool allMonitors) {
     const std::string configuration = UserFolder("XDG_CONFIG_HOME", "/.config");
     if (configuration.empty())
         return Fail("no configuration folder: neither XDG_CONFIG_HOME nor HOME names one", ENOENT);
@@ -84,7 +85,8 @@ int SetAutostart(bool on, bool lock) {
     fs::create_directories(folder, failed);
     if (failed)
         return Fail(folder.string(), failed.value());
-    const int status = Write(file, Entry(program.string(), lock));
+    const std::string options = std::string(lock ? " --lock" : "") + (allMonitors ? " --monitors=all" : "");
+    const int status = Write(file, Entry(program.string(), options));
     if (status == 0)
         std::printf("%s written; it counts from the next log-in\n", file.c_str());
     return status;

@@ -76,7 +76,7 @@ private:
 class Show {
 public:
     bool Runs() const { return process_ > 0; }
-    void Start(const Signals& signals) {
+    void Start(const Signals& signals, bool onAllMonitors) {
         const pid_t watcher = getpid();
         process_ = fork();
         if (process_ < 0)
@@ -84,7 +84,7 @@ public:
         if (process_ != 0)
             return;
         if (EndWithParent(watcher, signals.Before()))
-            execl("/proc/self/exe", "tamblor", "/s", nullptr);
+            execl("/proc/self/exe", "tamblor", "/s", onAllMonitors ? "--monitors=all" : nullptr, nullptr);
         _exit(1);
     }
     bool HasEnded() {
@@ -109,7 +109,8 @@ private:
 
 class Watcher {
 public:
-    Watcher(milliseconds idle, bool lock) : idle_(idle), lock_(lock) {
+    Watcher(milliseconds idle, bool lock, bool allMonitors)
+        : idle_(idle), lock_(lock), allMonitors_(allMonitors) {
         Add(signals_.Descriptor());
         Add(inhibitors_.Descriptor());
     }
@@ -160,7 +161,7 @@ private:
             notBefore_ = Clock::now() + idle_;
             return;
         }
-        show_.Start(signals_);
+        show_.Start(signals_, allMonitors_);
         shown_ = true;
     }
     // Milliseconds until the next decision; -1: not before something happens.
@@ -173,6 +174,7 @@ private:
 
     const milliseconds idle_;
     const bool lock_;
+    const bool allMonitors_;
     const int sources_ = epoll_create1(EPOLL_CLOEXEC);
     const Signals signals_;
     Inhibitors inhibitors_;
@@ -183,10 +185,10 @@ private:
 
 } // namespace
 
-int Watch(int milliseconds, bool lock) {
+int Watch(int milliseconds, bool lock, bool allMonitors) {
     if (!TakeSession()) {
         std::fprintf(stderr, "tamblor: already watching this session\n");
         return 1;
     }
-    return Watcher(std::chrono::milliseconds(milliseconds), lock).Run();
+    return Watcher(std::chrono::milliseconds(milliseconds), lock, allMonitors).Run();
 }

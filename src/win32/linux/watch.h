@@ -5,8 +5,9 @@
 // The show does not start while a program wants the screen to stay on (the window system's own way,
 // org.freedesktop.ScreenSaver, the login manager), nor over a locked session or a program that holds the
 // keyboard; what holds it back without saying when it ends is asked again after as long. It starts once in a
-// time without input, however it ends. `lock`: the session is locked when it has ended.
+// time without input, however it ends. `lock`: the session is locked when it has ended. `allMonitors`: it is a
+// show on each monitor.
 //
 // A second watcher in a session, and a window system that does not know idle time, are refused with a line
 // on stderr. Gives the exit status.
-int Watch(int milliseconds, bool lock);
+int Watch(int milliseconds, bool lock, bool allMonitors);

@@ -180,9 +180,9 @@ int main(int count, char** arguments) {
     case Task::Unregister:
         return Tell(RemoveFromSavers(&line), line);
     case Task::Watch:
-        return Watch(IdleMilliseconds(words), words.lock);
+        return Watch(IdleMilliseconds(words), words.lock, words.allMonitors);
     case Task::Autostart:
-        return SetAutostart(words.autostart, words.lock);
+        return SetAutostart(words.autostart, words.lock, words.allMonitors);
     case Task::Where:
         HonourSettings();
         return Where();
