@@ -83,6 +83,9 @@ struct WindowSystem {
     // Connects. False: this window system is not there. When none is, the last of those on offer is used all
     // the same: its functions fail, and CreateWindow says on stderr what is missing.
     bool (*Open)();
+    // What keeps a show over the whole screen from being right here, or the system from opening, in words for
+    // the user; "": nothing.
+    std::string (*FindHindrance)();
 
     // From now on a window of another program is the screen, as it is and will be: FindScreen gives its size,
     // the program's window lies in it, takes no input and leaves the cursor, the focus and what lies above it
@@ -90,6 +93,9 @@ struct WindowSystem {
     // are not allowed, the wallpaper. Called before all else. Gives the number of
     // the monitor that the window lies on, 1 for the primary one; 0 when there is no such window.
     int (*EnterWindow)(HWND window, bool desktopAllowed);
+    // From now on the window is a part of the desktop, on its layer of that name (background, bottom, top,
+    // overlay): it takes no input. Called before all else, but ChooseShow. False where there are no layers.
+    bool (*EnterLayer)(const std::string& name);
     // For a show on each monitor, a process each. How many there can be: the monitors that show no part of
     // another one.
     int (*CountShows)();
@@ -145,6 +151,7 @@ struct WindowSystem {
 };
 
 // One per folder; an executable links those that it offers.
+extern const WindowSystem kWayland;
 extern const WindowSystem kX11;
 extern const WindowSystem kOffscreen;
 

@@ -48,7 +48,9 @@ template <bool kOpens>
 constexpr WindowSystem kFake = {
     .name = kOpens ? "fake" : "closed",
     .Open = [] { return kOpens; },
+    .FindHindrance = {},
     .EnterWindow = {},
+    .EnterLayer = {},
     .CountShows = {},
     .ChooseShow = {},
     .FindScreen = {},

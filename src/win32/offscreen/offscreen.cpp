@@ -54,7 +54,9 @@ void WaitForEvents(int wake, int milliseconds) {
 const WindowSystem kOffscreen = {
     .name = "offscreen",
     .Open = [] { return offscreen::screen.width > 0; },
+    .FindHindrance = [] { return std::string(); },
     .EnterWindow = [](HWND, bool) { return 0; }, // there are no other windows
+    .EnterLayer = [](const std::string&) { return false; },
     .CountShows = [] { return 1; },
     .ChooseShow = [](int, int) {},
     .FindScreen = [] { return offscreen::screen; },

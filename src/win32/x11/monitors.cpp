@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 #include <tuple>
 
 namespace x11 {
@@ -83,6 +84,33 @@ std::vector<Place> ListMonitors(Display* display) {
     if (places.empty())
         places.push_back(screen);
     return places;
+}
+
+// It has an extension of that name since version 23; its outputs have always had that name.
+bool IsXwayland(Display* display) {
+    struct FreeResources {
+        void operator()(XRRScreenResources* list) const { XRRFreeScreenResources(list); }
+    };
+    struct FreeOutput {
+        void operator()(XRROutputInfo* info) const { XRRFreeOutputInfo(info); }
+    };
+    int code = 0;
+    int event = 0;
+    int error = 0;
+    if (XQueryExtension(display, "XWAYLAND", &code, &event, &error) != False)
+        return true;
+    if (!HasMonitors(display))
+        return false;
+    const std::unique_ptr<XRRScreenResources, FreeResources> list(
+        XRRGetScreenResourcesCurrent(display, DefaultRootWindow(display)));
+    for (int i = 0; list && i < list->noutput; ++i) {
+        const std::unique_ptr<XRROutputInfo, FreeOutput> info(
+            XRRGetOutputInfo(display, list.get(), list->outputs[i]));
+        if (info &&
+            std::string_view(info->name, static_cast<std::size_t>(info->nameLen)).starts_with("XWAYLAND"))
+            return true;
+    }
+    return false;
 }
 
 void WatchMonitors(Display* display) {

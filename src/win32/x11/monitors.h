@@ -17,6 +17,9 @@ bool Overlap(const Place& a, const Place& b);
 // RandR 1.5, or with every monitor off, the whole screen is one; the list is never empty.
 std::vector<Place> ListMonitors(Display* display);
 
+// Whether the X server is a client of a Wayland compositor's.
+bool IsXwayland(Display* display);
+
 // Asks for the events that report other monitors, or other places of theirs. They come to the root window.
 void WatchMonitors(Display* display);
 // True for such an event.

@@ -2,6 +2,8 @@
 #include "win32/x11/x11.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 namespace x11 {
@@ -75,6 +77,23 @@ std::span<const Place> Monitors() {
     if (monitors.empty())
         ReadMonitors();
     return monitors;
+}
+
+void SayNoDisplay() {
+    std::fprintf(stderr, "tamblor: %s\n", FindHindrance().c_str());
+}
+
+// Xwayland gives a window the keyboard only while the compositor gives it to that window, whatever it grabs.
+std::string FindHindrance() {
+    Display* display = Connection();
+    const char* wanted = std::getenv("DISPLAY");
+    if (display == nullptr)
+        return std::string("cannot open display ") + (wanted ? wanted : "(DISPLAY is not set)");
+    if (!IsXwayland(display))
+        return "";
+    return "DISPLAY=" + std::string(wanted) +
+           " is Xwayland, which does not give a saver the keyboard: what is typed would go to the window "
+           "below";
 }
 
 Place FindScreen() {

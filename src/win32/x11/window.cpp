@@ -4,8 +4,6 @@
 #include <X11/Xutil.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 namespace x11 {
@@ -77,11 +75,6 @@ void FollowParent() {
     Place parent;
     if (FindWindow(HandleOf(saverWindow.parent), &parent))
         PlaceSaver(PlaceIn(saverWindow.parent, {0, 0, parent.width, parent.height}));
-}
-
-void SayNoDisplay() {
-    const char* wanted = std::getenv("DISPLAY");
-    std::fprintf(stderr, "tamblor: cannot open display %s\n", wanted ? wanted : "(DISPLAY is not set)");
 }
 
 HWND CreateWindow(const WindowRequest& request) {

@@ -3,7 +3,9 @@
 const WindowSystem kX11 = {
     .name = "x11",
     .Open = [] { return x11::Connection() != nullptr; },
+    .FindHindrance = x11::FindHindrance,
     .EnterWindow = x11::EnterWindow,
+    .EnterLayer = [](const std::string&) { return false; },
     .CountShows = x11::CountShows,
     .ChooseShow = x11::ChooseShow,
     .FindScreen = x11::FindScreen,

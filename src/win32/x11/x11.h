@@ -107,13 +107,14 @@ void OnVisibilityEvent(const XEvent& event);
 // idle.cpp: true for an alarm, which it reports.
 bool OnIdleEvent(const XEvent& event);
 
-// window.cpp: the line on stderr for a user whose X server cannot be reached.
+// screen.cpp: the line on stderr for a user whose X server cannot be reached.
 void SayNoDisplay();
 
 // gl_surface.cpp: the picture in the window takes the window's new size.
 void FitSurface(int width, int height);
 
 // The functions of the window system's table (x11.cpp), in the file that their subject has.
+std::string FindHindrance();
 int EnterWindow(HWND window, bool desktopAllowed);
 int CountShows();
 void ChooseShow(int number, int count);

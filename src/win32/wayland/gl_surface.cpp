@@ -1,0 +1,176 @@
+// OpenGL on the window, by EGL.
+#include "win32/posix/last_error.h"
+#include "win32/wayland/frames.h"
+#include "win32/wayland/wayland.h"
+
+#include <wayland-egl.h>
+
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace wayland {
+
+namespace {
+
+// EGL keeps for each thread which OpenGL is meant, and starts every thread with OpenGL ES.
+bool MeanDesktopOpenGl() {
+    return eglBindAPI(EGL_OPENGL_API) == EGL_TRUE;
+}
+
+// Kept until the process ends, and the driver with it: unloading that gains nothing and is a risk.
+EGLDisplay GlDisplay() {
+    static const EGLDisplay display = [] {
+        const EGLDisplay opened = eglGetPlatformDisplay(EGL_PLATFORM_WAYLAND_KHR, Connection(), nullptr);
+        return opened != EGL_NO_DISPLAY && eglInitialize(opened, nullptr, nullptr) == EGL_TRUE
+                   ? opened
+                   : EGL_NO_DISPLAY;
+    }();
+    return display;
+}
+
+EGLint Attribute(EGLConfig config, EGLint name) {
+    EGLint value = 0;
+    eglGetConfigAttrib(GlDisplay(), config, name, &value);
+    return value;
+}
+
+// Names may begin alike.
+bool HasWord(const char* names, std::string_view name) {
+    std::istringstream words(names != nullptr ? names : "");
+    return std::find(std::istream_iterator<std::string>(words), {}, name) !=
+           std::istream_iterator<std::string>();
+}
+
+class EglContext final : public GlContext {
+public:
+    explicit EglContext(EGLContext context) : context_(context) {}
+    ~EglContext() override {
+        MeanDesktopOpenGl();
+        if (eglGetCurrentContext() == context_)
+            eglMakeCurrent(GlDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        eglDestroyContext(GlDisplay(), context_);
+    }
+    EGLContext Get() const { return context_; }
+
+private:
+    EGLContext context_;
+};
+
+class EglSurface final : public GlSurface {
+public:
+    EglSurface() = default;
+    ~EglSurface() override {
+        if (surface_ != EGL_NO_SURFACE)
+            eglDestroySurface(GlDisplay(), surface_);
+        if (native_ != nullptr)
+            wl_egl_window_destroy(native_);
+    }
+
+    bool ListConfigs(std::vector<GlConfig>* configs) override;
+    bool DrawsInSoftware() override;
+    bool Create(const GlConfig& config) override;
+    std::unique_ptr<GlContext> CreateContext() override;
+    bool MakeCurrent(GlContext* context) override;
+    bool Swap() override;
+
+private:
+    wl_egl_window* native_ = nullptr;
+    EGLConfig config_ = nullptr;
+    EGLSurface surface_ = EGL_NO_SURFACE;
+    bool paced_ = false; // EGL has been told not to wait for the monitor
+};
+
+// Configurations of 10 bits a colour come first, and cost more. One with alpha may let the desktop through.
+bool EglSurface::ListConfigs(std::vector<GlConfig>* configs) {
+    if (GlDisplay() == EGL_NO_DISPLAY || !MeanDesktopOpenGl()) {
+        SetErrorWords(ERROR_NOT_SUPPORTED,
+                      "EGL has no OpenGL for this compositor (Mesa's has it: package libegl-mesa0)");
+        return false;
+    }
+    // clang-format off
+    constexpr EGLint kWishes[] = {
+        EGL_SURFACE_TYPE, EGL_WINDOW_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_COLOR_BUFFER_TYPE, EGL_RGB_BUFFER,
+        EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8, EGL_DEPTH_SIZE, 1, EGL_NONE};
+    // clang-format on
+    EGLint count = 0;
+    eglChooseConfig(GlDisplay(), kWishes, nullptr, 0, &count);
+    std::vector<EGLConfig> found(static_cast<std::size_t>(count));
+    eglChooseConfig(GlDisplay(), kWishes, found.data(), count, &count);
+    for (EGLConfig config : found) {
+        constexpr EGLint kColours[] = {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE};
+        if (std::ranges::all_of(kColours, [&](EGLint colour) { return Attribute(config, colour) == 8; }))
+            configs->push_back({config, Attribute(config, EGL_DEPTH_SIZE),
+                                Attribute(config, EGL_STENCIL_SIZE), Attribute(config, EGL_SAMPLES),
+                                Attribute(config, EGL_ALPHA_SIZE) == 0});
+    }
+    return true;
+}
+
+// EGL's device says it; where it does not, it counts as software.
+bool EglSurface::DrawsInSoftware() {
+    const auto displayAttribute =
+        reinterpret_cast<PFNEGLQUERYDISPLAYATTRIBEXTPROC>(eglGetProcAddress("eglQueryDisplayAttribEXT"));
+    const auto deviceString =
+        reinterpret_cast<PFNEGLQUERYDEVICESTRINGEXTPROC>(eglGetProcAddress("eglQueryDeviceStringEXT"));
+    EGLAttrib device = 0;
+    if (displayAttribute == nullptr || deviceString == nullptr ||
+        displayAttribute(GlDisplay(), EGL_DEVICE_EXT, &device) != EGL_TRUE)
+        return true;
+    const char* extensions = deviceString(reinterpret_cast<EGLDeviceEXT>(device), EGL_EXTENSIONS);
+    return extensions == nullptr || HasWord(extensions, "EGL_MESA_device_software");
+}
+
+bool EglSurface::Create(const GlConfig& config) {
+    config_ = config.native;
+    native_ = wl_egl_window_create(WindowSurface(), TheWindow().width, TheWindow().height);
+    if (native_ == nullptr)
+        return false;
+    surface_ = eglCreatePlatformWindowSurface(GlDisplay(), config_, native_, nullptr);
+    return surface_ != EGL_NO_SURFACE;
+}
+
+std::unique_ptr<GlContext> EglSurface::CreateContext() {
+    if (!MeanDesktopOpenGl())
+        return nullptr;
+    const EGLContext context = eglCreateContext(GlDisplay(), config_, EGL_NO_CONTEXT, nullptr);
+    return context != EGL_NO_CONTEXT ? std::make_unique<EglContext>(context) : nullptr;
+}
+
+bool EglSurface::MakeCurrent(GlContext* context) {
+    if (!MeanDesktopOpenGl())
+        return false;
+    if (context == nullptr)
+        return eglMakeCurrent(GlDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT) == EGL_TRUE;
+    int width = 0;
+    int height = 0;
+    if (frames.TakeSize(&width, &height))
+        wl_egl_window_resize(native_, width, height, 0, 0);
+    if (eglMakeCurrent(GlDisplay(), surface_, surface_, static_cast<EglContext*>(context)->Get()) != EGL_TRUE)
+        return false;
+    if (!std::exchange(paced_, true))
+        eglSwapInterval(GlDisplay(), 0); // which would wait for ever on an output that is off
+    return true;
+}
+
+bool EglSurface::Swap() {
+    return frames.Show([this] { return eglSwapBuffers(GlDisplay(), surface_) == EGL_TRUE; });
+}
+
+} // namespace
+
+std::unique_ptr<GlSurface> OpenGl() {
+    return WindowSurface() != nullptr ? std::make_unique<EglSurface>() : nullptr;
+}
+
+PROC FindGlFunction(const char* name) {
+    return reinterpret_cast<PROC>(eglGetProcAddress(name));
+}
+
+} // namespace wayland
