@@ -78,8 +78,9 @@ TEST_F(Where, WhatIsMissingIsSaidWithStatus1) {
 
     SaverProcess without; // a display: all else is there
     EXPECT_EQ(AskWithoutDisplay(without), 1);
-    ExpectLine("window system", "PROBLEM: none can be reached (tried: x11)\n");
-    ExpectLine("", "DISPLAY is not set\n");
+    ExpectLine("window system", "PROBLEM: none can be reached (tried: wayland, x11)\n");
+    ExpectLine("", "wayland: WAYLAND_DISPLAY is not set\n");
+    ExpectLine("", "x11: cannot open display (DISPLAY is not set)\n");
 }
 
 } // namespace

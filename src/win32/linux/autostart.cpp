@@ -65,7 +65,7 @@ int Write(const fs::path& file, const std::string& text) {
 
 } // namespace
 
-int SetAutostart(bool on, bool lock, bool allMonitors) {
+int SetAutostart(bool on, bool lock, const std::vector<std::string>& showOptions) {
     const std::string configuration = UserFolder("XDG_CONFIG_HOME", "/.config");
     if (configuration.empty())
         return Fail("no configuration folder: neither XDG_CONFIG_HOME nor HOME names one", ENOENT);
@@ -85,7 +85,9 @@ int SetAutostart(bool on, bool lock, bool allMonitors) {
     fs::create_directories(folder, failed);
     if (failed)
         return Fail(folder.string(), failed.value());
-    const std::string options = std::string(lock ? " --lock" : "") + (allMonitors ? " --monitors=all" : "");
+    std::string options = lock ? " --lock" : "";
+    for (const std::string& option : showOptions)
+        options += " " + option;
     const int status = Write(file, Entry(program.string(), options));
     if (status == 0)
         std::printf("%s written; it counts from the next log-in\n", file.c_str());

@@ -20,6 +20,7 @@
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -32,7 +33,8 @@ constexpr milliseconds kStep{10};
 // A name that the system frees when the process ends, however it ends: of the user and the display, without
 // the number of a screen. False when another process has it.
 bool TakeSession() {
-    const char* display = std::getenv("DISPLAY");
+    const bool wayland = std::strcmp(UsedWindowSystem().name, "wayland") == 0;
+    const char* display = std::getenv(wayland ? "WAYLAND_DISPLAY" : "DISPLAY");
     std::string name = display != nullptr ? display : "";
     if (const std::size_t colon = name.rfind(':'); colon != std::string::npos)
         name.resize(std::min(name.find('.', colon), name.size()));
@@ -76,15 +78,21 @@ private:
 class Show {
 public:
     bool Runs() const { return process_ > 0; }
-    void Start(const Signals& signals, bool onAllMonitors) {
+    void Start(const Signals& signals, std::vector<std::string> options) {
         const pid_t watcher = getpid();
         process_ = fork();
         if (process_ < 0)
             std::fprintf(stderr, "tamblor: the show cannot be started: %s\n", std::strerror(errno));
         if (process_ != 0)
             return;
+        std::string program = "tamblor";
+        std::string task = "/s";
+        std::vector<char*> words = {program.data(), task.data()};
+        for (std::string& option : options)
+            words.push_back(option.data());
+        words.push_back(nullptr);
         if (EndWithParent(watcher, signals.Before()))
-            execl("/proc/self/exe", "tamblor", "/s", onAllMonitors ? "--monitors=all" : nullptr, nullptr);
+            execv("/proc/self/exe", words.data());
         _exit(1);
     }
     bool HasEnded() {
@@ -109,8 +117,8 @@ private:
 
 class Watcher {
 public:
-    Watcher(milliseconds idle, bool lock, bool allMonitors)
-        : idle_(idle), lock_(lock), allMonitors_(allMonitors) {
+    Watcher(milliseconds idle, bool lock, const std::vector<std::string>& options)
+        : idle_(idle), lock_(lock), options_(options) {
         Add(signals_.Descriptor());
         Add(inhibitors_.Descriptor());
     }
@@ -161,7 +169,7 @@ private:
             notBefore_ = Clock::now() + idle_;
             return;
         }
-        show_.Start(signals_, allMonitors_);
+        show_.Start(signals_, options_);
         shown_ = true;
     }
     // Milliseconds until the next decision; -1: not before something happens.
@@ -174,7 +182,7 @@ private:
 
     const milliseconds idle_;
     const bool lock_;
-    const bool allMonitors_;
+    const std::vector<std::string> options_; // of the show
     const int sources_ = epoll_create1(EPOLL_CLOEXEC);
     const Signals signals_;
     Inhibitors inhibitors_;
@@ -185,10 +193,10 @@ private:
 
 } // namespace
 
-int Watch(int milliseconds, bool lock, bool allMonitors) {
+int Watch(int milliseconds, bool lock, const std::vector<std::string>& showOptions) {
     if (!TakeSession()) {
         std::fprintf(stderr, "tamblor: already watching this session\n");
         return 1;
     }
-    return Watcher(std::chrono::milliseconds(milliseconds), lock, allMonitors).Run();
+    return Watcher(std::chrono::milliseconds(milliseconds), lock, showOptions).Run();
 }

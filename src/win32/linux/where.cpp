@@ -5,6 +5,7 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -158,13 +159,20 @@ void PutScreen(Lines* lines, std::span<const WindowSystem* const> systems) {
         for (const WindowSystem* system : systems)
             tried += (tried.empty() ? "" : ", ") + std::string(system->name);
         lines->PutProblem("window system", "none can be reached (tried: " + tried + ")");
-        lines->Put("", SettingOf("DISPLAY"));
+        for (const WindowSystem* system : systems)
+            lines->Put("", std::string(system->name) + ": " + system->FindHindrance());
         lines->Put("renderer", "unknown without a window system");
         return;
     }
-    lines->Put("window system", std::string(used.name) + ", " + SettingOf("DISPLAY"));
+    const bool wayland = std::strcmp(used.name, "wayland") == 0;
+    lines->Put("window system",
+               std::string(used.name) + ", " + SettingOf(wayland ? "WAYLAND_DISPLAY" : "DISPLAY"));
     lines->Put("", "the first of those on offer that answers; primary monitor " +
                        Pixels(screen.width, screen.height));
+    for (const WindowSystem* system : systems.first(std::ranges::find(systems, &used) - systems.begin()))
+        lines->Put("", "not " + std::string(system->name) + ": " + system->FindHindrance());
+    if (const std::string hindrance = used.FindHindrance(); !hindrance.empty())
+        lines->PutProblem("", hindrance);
     std::string renderer;
     std::string extensions;
     const std::string problem = AskOpenGl(screen, &renderer, &extensions);

@@ -39,6 +39,20 @@ std::string TakeMonitors(const std::string& value, Words* words) {
     return value == "all" || value == "primary" ? "" : "--monitors is all or primary, not '" + value + "'";
 }
 
+std::string TakeWindowSystem(const std::string& value, Words* words) {
+    words->windowSystem = value;
+    return value == "x11" || value == "wayland" ? ""
+                                                : "--window-system is x11 or wayland, not '" + value + "'";
+}
+
+std::string TakeLayer(const std::string& value, Words* words) {
+    constexpr const char* kLayers[] = {"background", "bottom", "top", "overlay"};
+    words->layer = value;
+    return std::ranges::find(kLayers, value) != std::end(kLayers)
+               ? ""
+               : "--layer is background, bottom, top or overlay, not '" + value + "'";
+}
+
 std::string TakeMinutes(const std::string& value, Words* words) {
     constexpr double kLeast = 0.01;
     constexpr double kMost = 1440; // a day
@@ -65,6 +79,10 @@ std::string TakeAutostart(const std::string& value, Words* words) {
 constexpr Option kOptions[] = {
     {"--monitors", "all|primary", "a show on each monitor, or on the primary one alone (so without this)",
      TakeMonitors},
+    {"--window-system", "x11|wayland", "use that one (without this, Wayland where it answers, else X11)",
+     TakeWindowSystem},
+    {"--layer", "background|bottom|top|overlay", "the show as a part of a Wayland desktop: it takes no input",
+     TakeLayer},
     {"--help", nullptr, "this text", [](const std::string&, Words* w) { return TakeTask(Task::Help, w); }},
     {"--version", nullptr, "the version",
      [](const std::string&, Words* w) { return TakeTask(Task::Version, w); }},
@@ -97,13 +115,16 @@ bool HasSwitch(const std::string& word) {
     return word.find_first_of(kSwitches) != std::string::npos;
 }
 
+// In lower case; 0: there is none.
+char FirstSwitch(const std::vector<std::string>& rest) {
+    const auto first = std::ranges::find_if(rest, HasSwitch);
+    constexpr char kLower = 'a' - 'A';
+    return first == rest.end() ? '\0' : static_cast<char>((*first)[first->find_first_of(kSwitches)] | kLower);
+}
+
 // By the classic rule, or by having nothing for it.
 bool AsksForShow(const std::vector<std::string>& rest) {
-    const auto first = std::ranges::find_if(rest, HasSwitch);
-    if (first == rest.end())
-        return rest.empty();
-    const char letter = (*first)[first->find_first_of(kSwitches)];
-    return letter == 's' || letter == 'S';
+    return rest.empty() || FirstSwitch(rest) == 's';
 }
 
 // Whether a show may come of this that nobody else watches over, by an option or by the first switch.
@@ -153,17 +174,23 @@ Words ReadWords(std::span<const std::string> all) {
     }
     if (!unknown.empty() && (anyOption || std::ranges::none_of(words.rest, HasSwitch)))
         return Wrong("unknown option " + unknown);
-    if (words.allMonitors && !AsksForShow(words.rest))
-        return Wrong("--monitors is for the show");
+    if ((words.allMonitors || !words.layer.empty()) && !AsksForShow(words.rest))
+        return Wrong(std::string(words.allMonitors ? "--monitors" : "--layer") + " is for the show");
     if (words.task == Task::Classic && anyOption && words.rest.empty())
         words.task = Task::Show;
     const bool own = words.task == Task::Watch || words.task == Task::Autostart;
     if (own && !words.rest.empty())
         return Wrong("unexpected word " + words.rest.front());
     const bool asks = words.task == Task::Help || words.task == Task::Version;
+    if (!words.layer.empty() && !asks && (words.task != Task::Show && words.task != Task::Classic))
+        return Wrong("--layer is for the show");
     if (words.lock && !asks && !LeadsToShow(words))
         return Wrong("--lock goes with the show, --watch or --autostart on");
     return words;
+}
+
+char ClassicSwitch(const Words& words) {
+    return FirstSwitch(words.rest);
 }
 
 std::string HelpText() {

@@ -30,6 +30,8 @@ struct Words {
     double idleMinutes = 0;        // of Watch; 0: as it is configured
     bool autostart = false;        // of Autostart: on
     bool lock = false;             // the session, when the show ends
+    std::string windowSystem;      // the one to be used; "": the first that opens
+    std::string layer;             // of the desktop, that the show is on; "": it is above everything
 };
 
 // The words behind the program's name. An option stands as it is ("--help"), with its value behind it or
@@ -37,6 +39,9 @@ struct Words {
 // begins with a minus and is none of the options is wrong, unless the classic rule makes a switch of it.
 // Options that only say how ask for the show, where nothing else asks for anything.
 Words ReadWords(std::span<const std::string> words);
+
+// The switch that the classic rule finds in them, in lower case; 0: none.
+char ClassicSwitch(const Words& words);
 
 // What --help prints, and --version: both end with a newline.
 std::string HelpText();

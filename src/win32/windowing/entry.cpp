@@ -15,6 +15,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <span>
 #include <string>
@@ -23,12 +24,13 @@
 namespace {
 
 // The preferred one first.
-constexpr const WindowSystem* kWindowSystems[] = {&kX11};
+constexpr const WindowSystem* kWindowSystems[] = {&kWayland, &kX11};
 
 constexpr int kFailed = 1; // exit status
 constexpr int kUsageError = 2;
 
 std::string commandLine;
+std::vector<const WindowSystem*> offered; // for what the command line asks
 
 // As a shell would join them: words with blanks in quotes.
 std::string Joined(std::span<const std::string> words) {
@@ -82,8 +84,46 @@ int IdleMilliseconds(const Words& words) {
     return static_cast<int>(minutes * kMillisecondsPerMinute);
 }
 
+// Other programs' windows, and daemons', have numbers on X11 alone.
+bool NameAWindow(const Words& words) {
+    const char letter = ClassicSwitch(words);
+    return words.task == Task::Hosted || (words.task == Task::Classic && (letter == 'p' || letter == 'a'));
+}
+
+void OfferSystemsFor(const Words& words) {
+    const std::string only =
+        words.windowSystem.empty() && NameAWindow(words) ? kX11.name : words.windowSystem;
+    for (const WindowSystem* each : kWindowSystems)
+        if (only.empty() || only == each->name)
+            offered.push_back(each);
+    OfferWindowSystems(offered);
+}
+
+// Why a show does not start here by itself, and what to do, or "": its keys would go to somebody else. A
+// window system that has not opened says so when it is asked for a window.
+std::string ReasonAgainstShow(const Words& words) {
+    const WindowSystem& used = UsedWindowSystem();
+    std::string reason = words.windowSystem.empty() && used.Open() ? used.FindHindrance() : "";
+    if (reason.empty())
+        return "";
+    for (const WindowSystem* each : offered)
+        if (each != &used)
+            reason += "\ntamblor: not on " + std::string(each->name) + ": " + each->FindHindrance();
+    return reason + "\ntamblor: --window-system " + used.name + " starts it all the same";
+}
+
+// Of the show that somebody starts later.
+std::vector<std::string> ShowOptions(const Words& words) {
+    std::vector<std::string> options;
+    if (words.allMonitors)
+        options.emplace_back("--monitors=all");
+    if (!words.windowSystem.empty())
+        options.push_back("--window-system=" + words.windowSystem);
+    return options;
+}
+
 int Where() {
-    const WhereReport report = FindOutWhere(kWindowSystems);
+    const WhereReport report = FindOutWhere(offered);
     const int said = Say(report.text);
     return report.whole ? said : 1;
 }
@@ -127,12 +167,15 @@ std::string ShowInWindow(std::uint32_t named) {
 }
 
 int CountShows() {
-    OfferWindowSystems(kWindowSystems);
+    OfferWindowSystems(offered);
     return UsedWindowSystem().CountShows();
 }
 
-// From here on this is the process of one of the shows. A single one is no other than without the option.
+// From here on this is the process of one of the shows. A single one is no other than without the option. A
+// connection to the compositor that was handed over is one for one process.
 void BeginShowOnEachMonitor() {
+    if (std::getenv("WAYLAND_SOCKET") != nullptr)
+        return;
     const int count = CountInAnotherProcess(CountShows);
     if (count == 1)
         return;
@@ -166,7 +209,7 @@ int main(int count, char** arguments) {
     if (count == 1 && DaemonWindow() != 0)
         words.task = Task::Hosted;
     std::string line;
-    OfferWindowSystems(kWindowSystems);
+    OfferSystemsFor(words);
     AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
     switch (words.task) {
     case Task::Wrong:
@@ -180,9 +223,11 @@ int main(int count, char** arguments) {
     case Task::Unregister:
         return Tell(RemoveFromSavers(&line), line);
     case Task::Watch:
-        return Watch(IdleMilliseconds(words), words.lock, words.allMonitors);
+        line = ReasonAgainstShow(words);
+        return line.empty() ? Watch(IdleMilliseconds(words), words.lock, ShowOptions(words))
+                            : Complain(kFailed, line);
     case Task::Autostart:
-        return SetAutostart(words.autostart, words.lock, words.allMonitors);
+        return SetAutostart(words.autostart, words.lock, ShowOptions(words));
     case Task::Where:
         HonourSettings();
         return Where();
@@ -201,6 +246,12 @@ int main(int count, char** arguments) {
     } else if (const std::string problem = ShowInWindow(words.window); !problem.empty()) {
         return Complain(kFailed, problem);
     }
+    if (!words.layer.empty() && !UsedWindowSystem().EnterLayer(words.layer))
+        return Complain(kFailed, "--layer needs a Wayland compositor with layers (zwlr_layer_shell_v1)");
+    if (words.task != Task::Hosted && ClassicSwitch(words) == 's')
+        line = ReasonAgainstShow(words);
+    if (!line.empty())
+        return Complain(kFailed, line);
     HonourSettings();
     commandLine = Joined(all);
     line = Joined(WithDecimals(words.rest));
