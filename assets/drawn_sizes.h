@@ -25,7 +25,7 @@ struct Drawn {
 // Gold     kSize           256 x  256     512 x  512   the medallion
 // Emblem   kSize           256 x  256     512 x  512   its face
 // Label    kLabelScale     512 x  128     512 x  128
-// Skin     kCubeScale     1024 x 1024    1024 x 1024   a face, either side of which may lie across the screen
+// Skin     kCubeScale      512 x  512    1024 x 1024   a face, either side of which may lie across the screen
 // Studio   kCubeScale      512 x  512    1024 x 1024   as much of it as a face mirrors
 constexpr Drawn kDrawnSpace = {1, 1, 1};
 constexpr Drawn kDrawnHalo = {1.5f, 2, 0.17f};
@@ -36,7 +36,7 @@ constexpr Drawn kDrawnPlasma = {1.98f, 1.6f, 0.18f};
 constexpr Drawn kDrawnGold = {0.1013f, 0.18f, 1};
 constexpr Drawn kDrawnEmblem = {0.085f, 0.151f, 1.2f};
 constexpr Drawn kDrawnLabel = {0.135f, 0.06f, 1.2f};
-constexpr Drawn kDrawnSkin = {0.3f, 0.533f, 1};
+constexpr Drawn kDrawnSkin = {0.3f, 0.533f, 0.9f};
 constexpr Drawn kDrawnStudio = {0.3f, 0.533f, 0.7f};
 
 // The powers of two that come nearest: the device stores no others.
