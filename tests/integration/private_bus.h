@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <systemd/sd-bus.h>
 #include <thread>
 
@@ -43,7 +44,30 @@ private:
     Program daemon_;
 };
 
-// What the saver asks of the login manager, answered on a thread of its own.
+// Answers what comes on a connection, on a thread of its own, until this goes.
+class BusThread {
+public:
+    explicit BusThread(sd_bus* bus)
+        : thread_([this, bus] {
+              while (!ended_) {
+                  while (sd_bus_process(bus, nullptr) > 0) {
+                  }
+                  sd_bus_wait(bus, 10000); // microseconds
+              }
+          }) {}
+    ~BusThread() {
+        ended_ = true;
+        thread_.join();
+    }
+    BusThread(const BusThread&) = delete;
+    BusThread& operator=(const BusThread&) = delete;
+
+private:
+    std::atomic<bool> ended_ = false;
+    std::thread thread_;
+};
+
+// What the saver asks of the login manager.
 class FakeLogin {
 public:
     explicit FakeLogin(const PrivateBus& bus) : bus_(bus.Connect()) {
@@ -52,17 +76,7 @@ public:
         sd_bus_add_object_vtable(bus_.get(), nullptr, kSessionPath, "org.freedesktop.login1.Session",
                                  kSession, this);
         sd_bus_request_name(bus_.get(), "org.freedesktop.login1", 0);
-        thread_ = std::thread([this] {
-            while (!ended_) {
-                while (sd_bus_process(bus_.get(), nullptr) > 0) {
-                }
-                sd_bus_wait(bus_.get(), 10000); // microseconds
-            }
-        });
-    }
-    ~FakeLogin() {
-        ended_ = true;
-        thread_.join();
+        thread_.emplace(bus_.get());
     }
 
     std::atomic<const char*> blocks = "sleep:shutdown"; // what programs have asked it not to do
@@ -107,8 +121,7 @@ private:
     };
 
     BusClient bus_;
-    std::atomic<bool> ended_ = false;
-    std::thread thread_;
+    std::optional<BusThread> thread_;
 };
 
 // The cookie; 0 when it is refused.
