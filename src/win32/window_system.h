@@ -150,7 +150,7 @@ struct WindowSystem {
     PROC (*FindGlFunction)(const char* name);
 };
 
-// One per folder; an executable links those that it offers.
+// One per folder; an executable links those that it offers, or loads them (windowing/window_modules.h).
 extern const WindowSystem kWayland;
 extern const WindowSystem kX11;
 extern const WindowSystem kOffscreen;

@@ -1,5 +1,6 @@
 // Which of two installed shows the saver takes, by the primary monitor. It writes its trace beside the
 // package.
+#include "integration/installed_program.h"
 #include "integration/saver_process.h"
 
 namespace {
@@ -9,8 +10,7 @@ namespace fs = std::filesystem;
 class LargeScreen : public ShowFixture {
 protected:
     LargeScreen() : ShowFixture(3840, 2160) {
-        fs::create_directories(prefix_ / "bin");
-        fs::copy_file(TAMBLOR_EXE, prefix_ / "bin/tamblor");
+        InstallProgram(prefix_);
         Install("tamblor");
         Install("tamblor-4k");
         saver.environment.erase("TAMBLOR_DATA");

@@ -11,6 +11,7 @@
 #include "win32/posix/data_folder.h"
 #include "win32/posix/settings_file.h"
 #include "win32/product.h"
+#include "win32/windowing/window_modules.h"
 #include "win32/windowing/windowing.h"
 
 #include <csignal>
@@ -22,9 +23,6 @@
 #include <vector>
 
 namespace {
-
-// The preferred one first.
-constexpr const WindowSystem* kWindowSystems[] = {&kWayland, &kX11};
 
 constexpr int kFailed = 1; // exit status
 constexpr int kUsageError = 2;
@@ -91,9 +89,8 @@ bool NameAWindow(const Words& words) {
 }
 
 void OfferSystemsFor(const Words& words) {
-    const std::string only =
-        words.windowSystem.empty() && NameAWindow(words) ? kX11.name : words.windowSystem;
-    for (const WindowSystem* each : kWindowSystems)
+    const std::string only = words.windowSystem.empty() && NameAWindow(words) ? "x11" : words.windowSystem;
+    for (const WindowSystem* each : WindowModules())
         if (only.empty() || only == each->name)
             offered.push_back(each);
     OfferWindowSystems(offered);

@@ -1,0 +1,74 @@
+// The window systems are modules: a machine that lacks the libraries of one is told so, and the program
+// itself needs none of them.
+#include "integration/installed_program.h"
+#include "integration/saver_process.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class WindowModules : public ShowFixture {
+protected:
+    void SetUp() override {
+        ShowFixture::SetUp();
+        InstallProgram(saver.data.Path());
+        saver.environment["DISPLAY"] = display.Name();
+    }
+    // By a shell, before which its line may stand more; gives the exit status.
+    int Run(const std::string& words, const std::string& before = "") {
+        const std::string line =
+            before + " exec " + saver.data.File("bin/tamblor") + " " + words + " >" + saver.data.File("out");
+        saver.Program::Start({"/bin/sh", "-c", line}, saver.environment, "/", saver.data.File("stderr"));
+        return saver.WaitForExit();
+    }
+    std::string Module() const { return ModulesOf(saver.data.Path()) / "tamblor-x11.so"; }
+    void ReplaceInModule(const std::string& old, const std::string& text) const {
+        std::string bytes = saver.data.Read(fs::relative(Module(), saver.data.Path()).string());
+        const std::size_t at = bytes.find(old);
+        ASSERT_NE(at, std::string::npos) << old;
+        bytes.replace(at, text.size(), text);
+        saver.data.Write(fs::relative(Module(), saver.data.Path()).string(), bytes);
+    }
+};
+
+TEST_F(WindowModules, AloneNeedTheirLibraries) {
+    EXPECT_EQ(Run("", "LD_TRACE_LOADED_OBJECTS=1"), 0);
+    const std::string libraries = saver.data.Read("out");
+    EXPECT_NE(libraries.find("libOpenGL"), std::string::npos) << libraries;
+    for (const char* name : {"libX", "libxcb", "libGL.", "libGLX", "libEGL", "libwayland"})
+        EXPECT_EQ(libraries.find(name), std::string::npos) << name << " in\n" << libraries;
+}
+
+TEST_F(WindowModules, ThatCannotBeLoadedAreNamedWithTheReason) {
+    const struct {
+        std::function<void()> damage;
+        std::string reason;
+    } cases[] = {
+        // As on a machine without it.
+        {[this] { ReplaceInModule("libXrandr.so.2", "libXrandr.so.0"); }, "libXrandr.so.0: cannot open"},
+        {[this] { fs::copy_file(GL_SPY, Module(), fs::copy_options::overwrite_existing); },
+         "undefined symbol"},
+        {[this] { fs::resize_file(Module(), 10); }, Module() + ": file too short"},
+        {[this] { fs::remove(Module()); }, Module() + ": cannot open"},
+    };
+    saver.environment["XSCREENSAVER_WINDOW"] = std::to_string(display.ShowWindow({0, 0, 80, 60}, 0xFFFFFF));
+    for (const auto& [damage, reason] : cases) {
+        damage();
+        const std::string said = "tamblor: no window system x11: ";
+        // As where no display can be opened.
+        for (const auto& [words, status] :
+             {std::pair("/s", 0), std::pair("--watch", 1), std::pair("--root", 1)}) {
+            EXPECT_EQ(Run(words), status) << words;
+            EXPECT_EQ(saver.Errors().find(said), 0u) << words << ": " << saver.Errors();
+            EXPECT_NE(saver.Errors().find(reason), std::string::npos) << words << ": " << saver.Errors();
+        }
+        EXPECT_EQ(Run("--where"), 1);
+        const std::string text = saver.data.Read("out");
+        EXPECT_NE(text.find("PROBLEM: none can be reached (tried: wayland, x11)\n"), std::string::npos) << text;
+        EXPECT_NE(text.find(" x11: "), std::string::npos) << text;
+        EXPECT_NE(text.find(reason), std::string::npos) << text;
+        EXPECT_EQ(Run("--version"), 0);
+    }
+}
+
+} // namespace
