@@ -64,7 +64,8 @@ TEST_F(WindowModules, ThatCannotBeLoadedAreNamedWithTheReason) {
         }
         EXPECT_EQ(Run("--where"), 1);
         const std::string text = saver.data.Read("out");
-        EXPECT_NE(text.find("PROBLEM: none can be reached (tried: wayland, x11)\n"), std::string::npos) << text;
+        EXPECT_NE(text.find("PROBLEM: none can be reached (tried: wayland, x11)\n"), std::string::npos)
+            << text;
         EXPECT_NE(text.find(" x11: "), std::string::npos) << text;
         EXPECT_NE(text.find(reason), std::string::npos) << text;
         EXPECT_EQ(Run("--version"), 0);
