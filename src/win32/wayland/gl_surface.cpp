@@ -159,8 +159,17 @@ bool EglSurface::MakeCurrent(GlContext* context) {
     return true;
 }
 
+// What a lost frame holds is worked off before the loop sleeps, so that an end need not wait for it.
 bool EglSurface::Swap() {
-    return frames.Show([this] { return eglSwapBuffers(GlDisplay(), surface_) == EGL_TRUE; });
+    static const auto finish = reinterpret_cast<void (*)()>(eglGetProcAddress("glFinish"));
+    bool lost = true;
+    const bool done = frames.Show([&] {
+        lost = false;
+        return eglSwapBuffers(GlDisplay(), surface_) == EGL_TRUE;
+    });
+    if (lost && finish != nullptr)
+        finish();
+    return done;
 }
 
 } // namespace
