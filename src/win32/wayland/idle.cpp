@@ -32,21 +32,21 @@ constexpr org_kde_kwin_idle_timeout_listener kKdeListener = {
     .resumed = [](void*, org_kde_kwin_idle_timeout*) { Note(false); },
 };
 
-// What keeps idle time from being known; null: nothing.
-const char* FindObstacle() {
+// What keeps idle time from being known; "": nothing.
+std::string FindObstacle() {
     if (Connection() == nullptr)
-        return "there is no compositor";
+        return FindHindrance();
     if (Offers().idle == nullptr && Offers().kdeIdle == nullptr)
         return "the compositor tells nobody of idle time (it has no ext_idle_notifier_v1)";
-    return Seat() == nullptr ? "the compositor has no seat" : nullptr;
+    return Seat() == nullptr ? "the compositor has no seat" : "";
 }
 
 } // namespace
 
 // The compositor counts from here on. So one who asks again for the same time is told what is known.
 bool WatchIdle(int milliseconds) {
-    if (const char* obstacle = FindObstacle()) {
-        std::fprintf(stderr, "tamblor: %s\n", obstacle);
+    if (const std::string obstacle = FindObstacle(); !obstacle.empty()) {
+        std::fprintf(stderr, "tamblor: %s\n", obstacle.c_str());
         return false;
     }
     if (milliseconds == watched) {

@@ -184,6 +184,23 @@ void RemoveOutput(std::uint32_t global) {
     outputs.erase(found);
 }
 
+Place WholeDesktop() {
+    const std::vector<const Output*> all = ListOutputs();
+    if (all.empty())
+        return {};
+    Place whole = all.front()->Logical();
+    for (const Output* output : all) {
+        const Place place = output->Logical();
+        const int right = std::max(whole.x + whole.width, place.x + place.width);
+        const int bottom = std::max(whole.y + whole.height, place.y + place.height);
+        whole.x = std::min(whole.x, place.x);
+        whole.y = std::min(whole.y, place.y);
+        whole.width = right - whole.x;
+        whole.height = bottom - whole.y;
+    }
+    return whole;
+}
+
 bool OutputsHaveChanged() {
     return std::exchange(changed, false);
 }

@@ -56,6 +56,8 @@ inline constexpr auto kPassedOver = [](auto...) {};
 bool TakesInput(); // the show is the first one
 // Those of this process: the show's, and behind it those to be covered. Empty: the show has none.
 std::vector<const Output*> OwnOutputs();
+// Just around all of them, in the compositor's coordinates.
+Place WholeDesktop();
 // Whether outputs have come, gone or changed since it was last called.
 bool OutputsHaveChanged();
 

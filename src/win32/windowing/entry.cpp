@@ -96,17 +96,21 @@ void OfferSystemsFor(const Words& words) {
     OfferWindowSystems(offered);
 }
 
-// Why a show does not start here by itself, and what to do, or "": its keys would go to somebody else. A
-// window system that has not opened says so when it is asked for a window.
+// Why a show does not start here by itself, and what to do, or "": its keys would go to somebody else. When
+// no window system opens, the one in use says so when it is asked for a window; where there may be a
+// compositor, what is wrong with that is said before.
 std::string ReasonAgainstShow(const Words& words) {
     const WindowSystem& used = UsedWindowSystem();
-    std::string reason = words.windowSystem.empty() && used.Open() ? used.FindHindrance() : "";
-    if (reason.empty())
-        return "";
+    std::string others;
     for (const WindowSystem* each : offered)
         if (each != &used)
-            reason += "\ntamblor: not on " + std::string(each->name) + ": " + each->FindHindrance();
-    return reason + "\ntamblor: --window-system " + used.name + " starts it all the same";
+            others += "tamblor: not on " + std::string(each->name) + ": " + each->FindHindrance() + "\n";
+    if (!used.Open() && std::getenv("WAYLAND_DISPLAY") != nullptr)
+        std::fputs(others.c_str(), stderr);
+    const std::string reason = words.windowSystem.empty() && used.Open() ? used.FindHindrance() : "";
+    if (reason.empty())
+        return "";
+    return reason + "\n" + others + "tamblor: --window-system " + used.name + " starts it all the same";
 }
 
 // Of the show that somebody starts later.
