@@ -101,7 +101,9 @@ bool ReadPixels(int pipe, const Session& session, const RawPicture& raw, Photogr
     std::vector<unsigned char> row(raw.stride);
     for (std::size_t y = 0; y < raw.height; ++y) {
         if (!ReadAll(pipe, session, row)) {
-            *problem = "the picture ends in row " + std::to_string(y) + " of " + std::to_string(raw.height);
+            const char* what = session.Left() > milliseconds{0} ? "ends in" : "has not come further than";
+            *problem = std::string("the picture ") + what + " row " + std::to_string(y) + " of " +
+                       std::to_string(raw.height);
             return false;
         }
         ConvertRow(*format, row.data(), std::span(picture->pixels).subspan(pitch * y, pitch));

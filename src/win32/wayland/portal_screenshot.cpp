@@ -17,7 +17,7 @@ namespace wayland {
 
 namespace {
 
-constexpr milliseconds kPatience{5000}; // the portal may have to start first, and may ask the user
+constexpr milliseconds kPatience{6000}; // the portal may have to start first, and may ask the user
 constexpr milliseconds kClosePatience{500};
 constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
 constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
