@@ -17,7 +17,16 @@ foreach(size 16 22 24 32 48 64 128 256)
     install(FILES ${made}/assets/icon-${size}.png RENAME tamblor.png
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps)
 endforeach()
-install(FILES linux/org.orinlab.Tamblor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+# The entry names the program where it will lie, which is known when it is installed; an archive may be unpacked anywhere.
+install(CODE "
+    set(program \${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/tamblor)
+    if(program MATCHES /_CPack_Packages/)
+        set(program tamblor)
+    endif()
+    set(entry \$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/applications/org.orinlab.Tamblor.desktop)
+    message(STATUS \"Installing: \${entry}\")
+    configure_file(\"${CMAKE_CURRENT_SOURCE_DIR}/linux/org.orinlab.Tamblor.desktop.in\" \"\${entry}\" @ONLY)"
+    COMPONENT tamblor)
 install(FILES linux/tamblor.bash-completion RENAME tamblor
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 configure_file(linux/org.orinlab.Tamblor.metainfo.xml.in org.orinlab.Tamblor.metainfo.xml @ONLY)
