@@ -95,16 +95,6 @@ TEST_F(BadInput, WhatIsMissingIsNamedAndNothingIsWrittenElsewhere) {
         ExpectAShow(c);
 }
 
-TEST_F(BadInput, OpenGLWithoutMultitextureShowsTheErrorPictureOverTheShow) {
-    saver.environment["MESA_EXTENSION_OVERRIDE"] = "-GL_ARB_multitexture";
-    Start();
-    // At a standing clock all is desktop but for the picture at the top left.
-    EXPECT_TRUE(display.WaitForPixel(40, 40, display.DesktopPixel(40, 40), 40, true));
-    EXPECT_LE(ChannelDistance(display.PixelAt(4, 4), display.DesktopPixel(4, 4)), 3);
-    ExpectAKeyEndsIt();
-    EXPECT_EQ(saver.Trace().find("ARB_multitexture"), std::string::npos);
-}
-
 TEST_F(BadInput, TheServerGoingAwayEndsItCleanlyAndWithoutOneItSaysSo) {
     Start();
     display.Kill();

@@ -2,7 +2,6 @@
 // root, who therefore takes a user of the test's own, in a mount namespace: nothing outside is changed.
 #include "integration/saver_process.h"
 
-#include <X11/Xatom.h>
 #include <regex>
 
 namespace {
@@ -41,11 +40,7 @@ protected:
         ScreenPicture picture{display.width, {}};
         for (int i = 0; i < display.width * display.height; ++i)
             picture.pixels.push_back(display.DesktopPixel(i % display.width, i / display.width));
-        const Pixmap pixmap = display.MakePixmap(picture);
-        XChangeProperty(display.connection, display.Root(),
-                        XInternAtom(display.connection, "_XROOTPMAP_ID", False), XA_PIXMAP, 32,
-                        PropModeReplace, reinterpret_cast<const unsigned char*>(&pixmap), 1);
-        display.Sync();
+        display.Name(display.Root(), "_XROOTPMAP_ID", display.MakePixmap(picture));
     }
     // The words, for an ordinary user who has Tamblor installed. False where that cannot be had.
     bool AsUser(std::vector<std::string>* words) {

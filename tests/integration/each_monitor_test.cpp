@@ -1,8 +1,6 @@
 // A show on each monitor: --monitors all.
 #include "integration/saver_process.h"
 
-#include <fstream>
-
 namespace {
 
 constexpr Area kLeft = {0, 0, 320, 480};
@@ -27,15 +25,6 @@ protected:
                    facts.height == area.height;
         });
     }
-    // The shows' processes, the first monitor's first.
-    std::vector<pid_t> Shows() const {
-        const std::string id = std::to_string(saver.Id());
-        std::ifstream file("/proc/" + id + "/task/" + id + "/children");
-        std::vector<pid_t> shows;
-        for (pid_t show = 0; file >> show;)
-            shows.push_back(show);
-        return shows;
-    }
     void ExpectNothingIsLeft(const std::vector<pid_t>& shows) {
         EXPECT_EQ(shows.size(), 2u);
         EXPECT_TRUE(Eventually(
@@ -46,7 +35,7 @@ protected:
 
 TEST_F(EachMonitor, HasAShowOfItsOwnDesktopAndATraceAndAKeyEndsAll) {
     StartOnAll();
-    const std::vector<pid_t> shows = Shows();
+    const std::vector<pid_t> shows = saver.Children(); // the first monitor's first
     ASSERT_TRUE(saver.SeeFrames(display, 160, 200));
     saver.SetClock(0);
     for (const auto& [x, y] : {std::pair{10, 470}, {319, 0}, {320, 0}, {500, 300}, {639, 399}})
@@ -54,19 +43,20 @@ TEST_F(EachMonitor, HasAShowOfItsOwnDesktopAndATraceAndAKeyEndsAll) {
     saver.SetClock(3000);
     for (const int x : {160, 480})
         EXPECT_TRUE(display.WaitForPixel(x, 200, display.DesktopPixel(x, 200), 12, true)) << x;
-    XSelectInput(display.connection, display.Root(), SubstructureNotifyMask);
-    XSync(display.connection, True);
-    usleep(1200000);
-    EXPECT_EQ(XPending(display.connection), 0) << "they do not fight against each other";
-    Window focus = None;
-    int revert = 0;
-    XGetInputFocus(display.connection, &focus, &revert);
-    EXPECT_EQ(focus, Window{PointerRoot}) << "only the first one wants the input, and has it";
+    ExpectNoFight();
+    EXPECT_EQ(display.Focus(), Window{PointerRoot}) << "only the first one wants the input, and has it";
     ExpectAKeyEndsIt();
     ExpectNothingIsLeft(shows);
     for (const char* trace : {"tamb.log", "tamb-2.log"})
         EXPECT_TRUE(saver.data.Read(trace).ends_with("unload devil\n")) << trace;
     EXPECT_EQ(saver.Errors(), "");
+}
+
+TEST_F(EachMonitor, ThatShowsAPartOfAnotherHasNoShow) {
+    display.SetMonitor("mirror", {0, 0, 320, 240}, false);
+    StartOnAll();
+    EXPECT_EQ(saver.Children().size(), 2u);
+    ExpectAKeyEndsIt();
 }
 
 TEST_F(EachMonitor, EndsWithTheOthers) {
@@ -76,7 +66,7 @@ TEST_F(EachMonitor, EndsWithTheOthers) {
     } cases[] = {{OfAll, SIGTERM, 0}, {OfAll, SIGKILL, -2}, {First, SIGKILL, 137}, {Second, SIGABRT, 134}};
     for (const auto& c : cases) {
         StartOnAll();
-        const std::vector<pid_t> shows = Shows();
+        const std::vector<pid_t> shows = saver.Children();
         ASSERT_EQ(shows.size(), 2u);
         if (c.which == OfAll)
             saver.Signal(c.signal);
@@ -108,32 +98,6 @@ TEST_F(EachMonitor, IsWhatTheWatcherStartsWhenItIsTold) {
     saver.Signal(SIGTERM);
     EXPECT_EQ(saver.WaitForExit(), 0);
     EXPECT_TRUE(display.VisibleWindows().empty());
-}
-
-TEST_F(EachMonitor, ThatShowsAPartOfAnotherHasNoShow) {
-    display.SetMonitor("mirror", {0, 0, 320, 240}, false);
-    StartOnAll();
-    EXPECT_EQ(Shows().size(), 2u);
-    ExpectAKeyEndsIt();
-}
-
-TEST_F(EachMonitor, AloneOrByAWordThatIsNoneOfThem) {
-    display.DeleteMonitor("right");
-    display.DeleteMonitor("left");
-    saver.Start(display, {"--monitors=all", "/s"});
-    ASSERT_TRUE(saver.WaitUntilShown(display));
-    EXPECT_TRUE(Shows().empty()) << "one monitor needs no other process";
-    ExpectAKeyEndsIt();
-    const std::pair<std::vector<std::string>, std::string> wrong[] = {
-        {{"--monitors", "both"}, "tamblor: --monitors is all or primary, not 'both'"},
-        {{"--monitors=all", "/p", "12"}, "tamblor: --monitors is for the show"},
-        {{"--monitors"}, "tamblor: --monitors needs a value"},
-    };
-    for (const auto& [words, says] : wrong) {
-        saver.Start(display, words);
-        EXPECT_EQ(saver.WaitForExit(), 2);
-        EXPECT_TRUE(saver.Errors().starts_with(says)) << saver.Errors();
-    }
 }
 
 } // namespace

@@ -62,6 +62,12 @@ public:
     // Of a program that has ended: the signal that ended it, or 0.
     int EndSignal() const { return WIFSIGNALED(status_) ? WTERMSIG(status_) : 0; }
     pid_t Id() const { return pid_; } // -1: it does not run
+    // The processes that it has started and that still run, the first one first.
+    std::vector<pid_t> Children() const {
+        const std::string id = std::to_string(pid_);
+        std::ifstream file("/proc/" + id + "/task/" + id + "/children");
+        return {std::istream_iterator<pid_t>(file), {}};
+    }
     void Signal(int number) const {
         if (pid_ > 0)
             kill(pid_, number);

@@ -53,6 +53,11 @@ public:
         words.insert(words.end(), arguments.begin(), arguments.end());
         Program::Start(words, environment, folder, data.File("stderr"));
     }
+    // The user's tamblor.conf; gives its path.
+    std::string Configure(const std::string& settings) const {
+        std::filesystem::create_directories(data.File("config/tamblor"));
+        return data.Write("config/tamblor/tamblor.conf", settings);
+    }
     // The time on the saver's clock, in ms since Start: it stands still until the test moves it.
     void SetClock(std::uint32_t ms) const { std::atomic_ref(clock_->tick).store(kStartMs + ms); }
     // Waits until the saver's window is on the display and drawn. False when that does not come.
@@ -112,6 +117,13 @@ protected:
     void ExpectItGoesOn() {
         usleep(300000);
         EXPECT_TRUE(saver.Running()) << saver.Errors();
+    }
+    // Shows and black windows do not raise themselves above each other again and again.
+    void ExpectNoFight() {
+        XSelectInput(display.connection, display.Root(), SubstructureNotifyMask);
+        XSync(display.connection, True);
+        usleep(1200000);
+        EXPECT_EQ(XPending(display.connection), 0);
     }
     // The pointer passes over a preview and clicks, long after all times of grace; it goes on, and has
     // written nothing.

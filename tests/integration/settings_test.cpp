@@ -5,11 +5,6 @@ namespace {
 
 class UserSettings : public ShowFixture {
 protected:
-    void StartWith(const std::string& settings) {
-        std::filesystem::create_directories(saver.data.File("config/tamblor"));
-        saver.data.Write("config/tamblor/tamblor.conf", settings);
-        Start();
-    }
     // The pointer jumps to and fro by so many pixels; two seconds later it rests.
     void Tremble(int x, int y, int by) {
         for (int i = 0; i < 6; ++i)
@@ -24,7 +19,8 @@ private:
 };
 
 TEST_F(UserSettings, APointerThatTremblesDoesNotEndItAndOneThatIsMovedDoes) {
-    StartWith("mouse_threshold = 10\n");
+    saver.Configure("mouse_threshold = 10\n");
+    Start();
     ASSERT_TRUE(saver.SeeFrames(display));
     saver.SetClock(0);
     display.MovePointer(20, 20); // while the mouse does nothing: the saver has been put away
@@ -36,15 +32,6 @@ TEST_F(UserSettings, APointerThatTremblesDoesNotEndItAndOneThatIsMovedDoes) {
     display.MovePointer(60, 45);
     EXPECT_EQ(saver.WaitForExit(), 0);
     EXPECT_EQ(saver.Errors(), "");
-}
-
-TEST_F(UserSettings, AFileThatIsNotGoodIsReportedOnceAndChangesNothing) {
-    StartWith("mouse_threshold = 10\nmax_fps = fast\n");
-    saver.SetClock(5000);
-    display.MovePointer(display.width / 3 + 1, display.height / 3);
-    EXPECT_EQ(saver.WaitForExit(), 0);
-    EXPECT_EQ(saver.Errors(), "tamblor: configuration: " + saver.data.File("config/tamblor/tamblor.conf") +
-                                  ":2: max_fps must be a whole number from 0 to 1000\n");
 }
 
 } // namespace

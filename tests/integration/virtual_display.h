@@ -5,6 +5,7 @@
 #include "integration/program.h"
 
 #define Picture XPicture // the film tool has a type of that name
+#include <X11/Xatom.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/extensions/Xfixes.h>
@@ -201,6 +202,18 @@ public:
         XSetInputFocus(connection, window, RevertToPointerRoot, CurrentTime);
         Sync();
     }
+    Window Focus() const {
+        Window focus = None;
+        int revert = 0;
+        XGetInputFocus(connection, &focus, &revert);
+        return focus;
+    }
+    // A property of one number.
+    void Name(Window window, const char* property, XID value, Atom type = XA_PIXMAP) const {
+        XChangeProperty(connection, window, XInternAtom(connection, property, False), type, 32,
+                        PropModeReplace, reinterpret_cast<const unsigned char*>(&value), 1);
+        Sync();
+    }
     // Keyboard and pointer, each with the server's answer.
     std::pair<int, int> GrabInput() const {
         return {XGrabKeyboard(connection, Root(), False, GrabModeAsync, GrabModeAsync, CurrentTime),
@@ -245,26 +258,6 @@ public:
         XRRDeleteMonitor(connection, Root(), XInternAtom(connection, name, False));
         Sync();
     }
-    // Not beyond what it was when the server started.
-    void SetScreenSize(int newWidth, int newHeight) {
-        XRRScreenResources* resources = XRRGetScreenResourcesCurrent(connection, Root());
-        std::string name = "mode " + std::to_string(++modesMade_);
-        XRRModeInfo info = {};
-        info.width = info.hTotal = static_cast<unsigned>(newWidth);
-        info.height = info.vTotal = static_cast<unsigned>(newHeight);
-        info.dotClock = 60ul * info.width * info.height;
-        info.name = name.data();
-        info.nameLength = static_cast<unsigned>(name.size());
-        RRMode mode = XRRCreateMode(connection, Root(), &info);
-        XRRAddOutputMode(connection, resources->outputs[0], mode);
-        const RRCrtc crtc = resources->crtcs[0];
-        XRRSetCrtcConfig(connection, resources, crtc, CurrentTime, 0, 0, None, RR_Rotate_0, nullptr, 0);
-        XRRSetScreenSize(connection, Root(), newWidth, newHeight, newWidth, newHeight);
-        XRRSetCrtcConfig(connection, resources, crtc, CurrentTime, 0, 0, mode, RR_Rotate_0,
-                         resources->outputs, 1);
-        XRRFreeScreenResources(resources);
-        Sync();
-    }
 
     Display* connection = nullptr; // null: there is no server
     const int width, height;
@@ -288,5 +281,4 @@ private:
 
     Program server_;
     std::string name_ = ":";
-    int modesMade_ = 0;
 };

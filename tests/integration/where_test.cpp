@@ -1,4 +1,5 @@
 // tamblor --where: what it says is what the show then uses, and nothing is touched.
+#include "integration/installed_program.h"
 #include "integration/saver_process.h"
 
 namespace fs = std::filesystem;
@@ -7,6 +8,7 @@ namespace {
 
 class Where : public ShowFixture {
 protected:
+    Where(int width = 320, int height = 240) : ShowFixture(width, height) {}
     // Its exit status; what it printed is in `text`.
     int Ask(SaverProcess& one) {
         one.environment["DISPLAY"] = display.Name();
@@ -14,7 +16,7 @@ protected:
     }
     int AskWithoutDisplay(SaverProcess& one) {
         const std::string out = one.data.File("out");
-        one.Program::Start({"/bin/sh", "-c", "exec " TAMBLOR_EXE " --where >" + out}, one.environment, "/",
+        one.Program::Start({"/bin/sh", "-c", "exec " + program + " --where >" + out}, one.environment, "/",
                            one.data.File("stderr"));
         const int status = one.WaitForExit();
         text = one.data.Read("out");
@@ -25,7 +27,7 @@ protected:
         EXPECT_NE(text.find(start + words), std::string::npos) << start << words << "\nis not in\n" << text;
     }
 
-    std::string text;
+    std::string text, program = TAMBLOR_EXE;
 };
 
 TEST_F(Where, AWholeShowIsNamedPieceByPieceAndNothingIsShownOrWritten) {
@@ -48,10 +50,8 @@ TEST_F(Where, AWholeShowIsNamedPieceByPieceAndNothingIsShownOrWritten) {
 }
 
 TEST_F(Where, TheLogAndTheConfigurationAreThoseOfTheShow) {
-    fs::create_directories(saver.data.File("config/tamblor"));
     fs::create_directories(saver.data.File("tamb.log"));
-    const std::string settings =
-        saver.data.Write("config/tamblor/tamblor.conf", "path = " + saver.data.File(""));
+    const std::string settings = saver.Configure("path = " + saver.data.File(""));
     saver.environment["TAMBLOR_DATA"] = "";
     EXPECT_EQ(Ask(saver), 0) << text;
     ExpectLine("", "named by " + settings + "\n");
@@ -65,9 +65,8 @@ TEST_F(Where, TheLogAndTheConfigurationAreThoseOfTheShow) {
 }
 
 TEST_F(Where, WhatIsMissingIsSaidWithStatus1) {
-    fs::create_directories(saver.data.File("config/tamblor"));
     fs::remove(saver.data.File("tamb.dat"));
-    saver.data.Write("config/tamblor/tamblor.conf", "paht = /");
+    saver.Configure("paht = /");
     saver.environment["LIBGL_DRIVERS_PATH"] = "/no/such/folder";
     EXPECT_EQ(Ask(saver), 1);
     ExpectLine("package", "PROBLEM: " + saver.data.File("tamb.dat") + ": No such file or directory\n");
@@ -81,6 +80,35 @@ TEST_F(Where, WhatIsMissingIsSaidWithStatus1) {
     ExpectLine("window system", "PROBLEM: none can be reached (tried: wayland, x11)\n");
     ExpectLine("", "wayland: WAYLAND_DISPLAY is not set\n");
     ExpectLine("", "x11: cannot open display (DISPLAY is not set)\n");
+}
+
+// Of two installed shows it takes the one for the primary monitor.
+class WhereInstalled : public Where {
+protected:
+    WhereInstalled() : Where(3840, 2160) {
+        saver.environment.erase("TAMBLOR_DATA");
+        program = saver.data.File("bin/tamblor");
+        InstallProgram(saver.data.Path());
+        for (const std::string show : {"share/tamblor", "share/tamblor-4k"}) {
+            fs::create_directories(saver.data.File(show));
+            fs::create_symlink(TAMBLOR_DATA_DIR "/tamb.dat", saver.data.File(show + "/tamb.dat"));
+        }
+    }
+    void ExpectTaken(const std::string& show) {
+        EXPECT_EQ(Ask(saver), 0) << text;
+        ExpectLine("package", saver.data.File("share/" + show + "/tamb.dat") + " (");
+    }
+};
+
+TEST_F(WhereInstalled, TheLargeShowIsTakenWhereThePrimaryMonitorIsWide) {
+    ExpectTaken("tamblor-4k");
+    display.SetMonitor("wide", {0, 0, 2561, 1080}, true);
+    ExpectTaken("tamblor-4k");
+    display.SetMonitor("wide", {0, 0, 2560, 1440}, true); // what the default show is made for
+    ExpectTaken("tamblor");
+    display.DeleteMonitor("wide");
+    fs::remove_all(saver.data.File("share/tamblor-4k"));
+    ExpectTaken("tamblor");
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 
 #include "unit/temp_folder.h"
 
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -44,45 +43,30 @@ public:
 };
 
 // What no test here asks for is left out.
-template <bool kOpens>
-constexpr WindowSystem kFake = {
-    .name = kOpens ? "fake" : "closed",
-    .Open = [] { return kOpens; },
-    .FindHindrance = {},
-    .EnterWindow = {},
-    .EnterLayer = {},
-    .CountShows = {},
-    .ChooseShow = {},
-    .FindScreen = {},
-    .FindPointer = {},
-    .PhotographDesktop = {},
-    .CreateWindow =
-        [](const WindowRequest&) {
-            ReportSize(300, 200); // which changes while it is made
-            return kWindow;
-        },
-    .ShowWindow = [] { Note("show"); },
-    .DestroyWindow = [] { Note("destroy"); },
-    .FindWindow = {},
-    .SetParent = {},
-    .PlaceWindow = {},
-    .HideCursor = [] { Note("hide"); },
-    .ShowBlack = [] { Note("black"); },
-    .ReadEvents =
-        [] {
-            script.events();
-            return 40;
-        },
-    .WaitForEvents = [](int, int milliseconds) { Note("wait" + std::to_string(milliseconds)); },
-    .WatchIdle = {},
-    .UnwatchIdle = {},
-    .ShowIsUnwanted = {},
-    .OpenGl =
-        [] { return script.failing != 0 ? std::make_unique<FakeSurface>() : std::unique_ptr<GlSurface>(); },
-    .FindGlFunction = {},
-};
-// The first that opens is in use.
-constexpr const WindowSystem* kSystems[] = {&kFake<false>, &kFake<true>, &kFake<false>};
+template <bool kOpens> WindowSystem Fake() {
+    WindowSystem fake = {};
+    fake.name = kOpens ? "fake" : "closed";
+    fake.Open = [] { return kOpens; };
+    fake.CreateWindow = [](const WindowRequest&) {
+        ReportSize(300, 200); // which changes while it is made
+        return kWindow;
+    };
+    fake.ShowWindow = [] { Note("show"); };
+    fake.DestroyWindow = [] { Note("destroy"); };
+    fake.HideCursor = [] { Note("hide"); };
+    fake.ShowBlack = [] { Note("black"); };
+    fake.ReadEvents = [] {
+        script.events();
+        return 40;
+    };
+    fake.WaitForEvents = [](int, int milliseconds) { Note("wait" + std::to_string(milliseconds)); };
+    fake.OpenGl = []() -> std::unique_ptr<GlSurface> {
+        return script.failing != 0 ? std::make_unique<FakeSurface>() : nullptr;
+    };
+    return fake;
+}
+const WindowSystem kClosed = Fake<false>(), kOpen = Fake<true>();
+const WindowSystem* const kSystems[] = {&kClosed, &kOpen, &kClosed}; // the first that opens is in use
 
 LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM, LPARAM) {
     EXPECT_EQ(window, kWindow);
@@ -220,6 +204,16 @@ TEST_F(Windowing, FramesAreApartOnlyWhereTheUsersSettingsHoldAndTheClockIsNotTur
     EXPECT_GE(secondsForSix("max_fps = 20"), 5 / 20.0 - kClose);
     EXPECT_GE(secondsForSix(""), 5 / 60.0 - kClose);
     EXPECT_LT(secondsForSix("max_fps = 0"), 5 / 60.0);
+    // The end does not wait until a frame is due.
+    folder.Write(name, "max_fps = 1");
+    EXPECT_EQ(Create(), kWindow);
+    std::thread end([] {
+        usleep(50000);
+        DestroyWindow(kWindow);
+    });
+    EXPECT_LT(SecondsFor(1), 0.8);
+    end.join();
+    Run(1);
     setenv("TAMBLOR_CLOCK", folder.File(name).c_str(), 1);
     EXPECT_LT(secondsForSix("max_fps = 2"), 1);
     unsetenv("TAMBLOR_CLOCK");
@@ -248,32 +242,28 @@ TEST_F(Windowing, NoFrameIsDueWhileNobodySeesTheWindowAndTheEndWakesTheLoop) {
 }
 
 TEST(Battery, IsInUseWhenItDischargesAndNothingElseGivesPower) {
-    const struct {
-        std::vector<std::array<std::string, 3>> files; // supply, file, contents
-        bool inUse;
-    } cases[] = {
-        {{}, false},
-        {{{"AC", "type", "Mains"}, {"AC", "online", "0"}}, false},
-        {{{"AC", "type", "Mains"},
-          {"AC", "online", "0"},
-          {"B", "type", "Battery"},
-          {"B", "status", "Discharging"}},
-         true},
-        {{{"B", "type", "Battery"},
-          {"B", "status", "Discharging"},
-          {"U", "type", "USB"},
-          {"U", "online", "1"}},
-         false},
-        {{{"B", "type", "Battery"}, {"B", "status", "Full"}}, false},
-        {{{"m", "type", "Battery"}, {"m", "status", "Discharging"}, {"m", "scope", "Device"}}, false},
+    using Files = std::vector<std::pair<std::string, std::string>>;
+    const Files mains = {{"AC/type", "Mains"}, {"AC/online", "0"}},
+                usb = {{"U/type", "USB"}, {"U/online", "1"}};
+    const auto battery = [](const char* status, Files more = {}) {
+        more.insert(more.end(), {{"B/type", "Battery"}, {"B/status", status}});
+        return more;
     };
-    for (const auto& c : cases) {
+    const std::pair<Files, bool> cases[] = {
+        {{}, false},
+        {mains, false},
+        {battery("Discharging", mains), true},
+        {battery("Discharging", usb), false},
+        {battery("Full"), false},
+        {battery("Discharging", {{"B/scope", "Device"}}), false}, // a mouse's
+    };
+    for (const auto& [files, inUse] : cases) {
         const TempFolder folder;
-        for (const auto& [supply, file, text] : c.files) {
-            std::filesystem::create_directories(folder.File(supply));
-            folder.Write(supply + "/" + file, text + "\n");
+        for (const auto& [file, text] : files) {
+            std::filesystem::create_directories(std::filesystem::path(folder.File(file)).parent_path());
+            folder.Write(file, text + "\n");
         }
-        EXPECT_EQ(IsOnBattery(folder.Path().c_str()), c.inUse) << &c - cases;
+        EXPECT_EQ(IsOnBattery(folder.Path().c_str()), inUse) << testing::PrintToString(files);
     }
     EXPECT_FALSE(IsOnBattery("/none"));
 }

@@ -58,8 +58,7 @@ bool PrepareWine() {
 // Cases that mean nothing without pictures. CTest runs each case by itself.
 bool NeedsCodec() {
     const std::string filter = testing::GTEST_FLAG(filter);
-    return filter.starts_with("Frames.") || filter.starts_with("PreviewInPane.Shows") ||
-           filter.starts_with("FullScreen.TheTrace");
+    return filter.starts_with("Frames.") || filter.starts_with("PreviewInPane.Shows");
 }
 
 // Ends what still runs in the prefix, the services too: the next test has another display.
