@@ -1,7 +1,6 @@
-// What the film tool makes of its command line, and that a film can be made twice.
+// What the film tool makes of its command line and of ffmpeg.
 #include "film/film_options.h"
 #include "film/video.h"
-#include "picture/test_show.h"
 #include "unit/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -18,23 +17,7 @@ bool Parse(const std::string& line, FilmOptions* options, std::string* error) {
     return ParseFilmOptions({std::istream_iterator<std::string>(words), {}}, options, error);
 }
 
-std::vector<Picture> ShortFilm() {
-    ShowDriver driver;
-    std::vector<Picture> film;
-    std::string error;
-    EXPECT_TRUE(driver.Open(TestShow(), &error)) << error;
-    for (const double seconds : {0.0, 4.0, 18.0}) // with the burn and the cube, whose ways are random
-        film.push_back(driver.FrameAt(seconds));
-    return film;
-}
-
 } // namespace
-
-TEST(Film, IsTheSameTwice) {
-    const std::vector<Picture> one = ShortFilm(), two = ShortFilm();
-    for (std::size_t i = 0; i < one.size(); ++i)
-        EXPECT_EQ(one[i].pixels, two[i].pixels) << i;
-}
 
 TEST(Film, TakesItsOptionsAndNamesTheOneItCannotTake) {
     FilmOptions options;

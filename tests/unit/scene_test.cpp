@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <malloc.h>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -175,7 +176,8 @@ TEST_F(Show, GoesThroughItsCycle) {
     EXPECT_EQ(fakeDesktop.calls, "copy 1x1, lock, unlock, release");
     EXPECT_NE(built_.find("112233ff..112233ff)"), std::string::npos) << "the desktop's picture";
     EXPECT_EQ(GLRecorder::LiveTextures(), 9) << "all pictures but the preview's";
-    fxSetAllocLimit(1); // nothing is allocated any more
+    fxSetAllocLimit(1);        // nothing is allocated any more
+    std::size_t inUse[2] = {}; // of the heap
     const auto expect = [&](double time, const std::string& drawn, float alpha,
                             int stage) { // behind the frame
         EXPECT_EQ(Frame(time), kAlways + drawn) << time;
@@ -202,8 +204,13 @@ TEST_F(Show, GoesThroughItsCycle) {
         expect(time + 21.5, "desktop desktop ", 0.25f, show::kReturning);
         expect(time + 23, "desktop desktop ", 1, show::kDissolving);
         EXPECT_EQ(faces_, "mirror mirror mirror mirror mirror mirror skin skin skin skin skin skin ");
+        frame_ = {};
+        drawings_ = {};
+        inUse[cycle] = mallinfo2().uordblks; // a sanitizer's heap has none
     }
     fxSetAllocLimit(0);
+    EXPECT_EQ(inUse[1], inUse[0]) << "it goes round for days";
+    EXPECT_EQ(GLRecorder::LiveTextures(), 9);
 }
 
 TEST_F(Show, DrawsEachThingInItsPlaceAndLight) {
@@ -283,24 +290,36 @@ TEST_F(Show, FirstFrameKeepsWhatIsOnTheScreenAndHasTheSunsLight) {
     }
 }
 
-TEST_F(Show, BurnsThePackagesOwnPictureWhereTheDesktopCannotBePhotographed) {
+TEST_F(Show, BuiltAnewBurnsThePackagesOwnPictureWhereTheDesktopCannotBePhotographed) {
     WritePackage({{90, kTga, Tga(1, 1, {0xFF776655u})}});
     for (const auto& [copyFails, lockFails] : {std::pair{true, false}, {false, true}, {false, false}}) {
         fakeDesktop.copyFails = copyFails;
         fakeDesktop.lockFails = lockFails;
         Build();
         EXPECT_EQ(built_.find("556677ff") != std::string::npos, copyFails || lockFails);
-        EXPECT_EQ(Frame(kStart), kAlways + "desktop desktop ");
+        EXPECT_EQ(Frame(kStart), kAlways + "desktop desktop ") << "from the beginning";
         EXPECT_TRUE(show::scr_mat.name.Compare("Material001"));
         EXPECT_EQ(show::scr_mat.diffuse[3], 1);
+        Frame(kStart + 16);
+        Frame(kStart + 17);
+        EXPECT_TRUE(show::stage != show::kDissolving && !faces_.empty()) << "of which nothing is left";
         DestroyScene();
+        EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+        EXPECT_TRUE(!fxDevilLoaded() && show::gr.rc == nullptr && show::pck.ids.IsEmpty());
     }
 }
 
-TEST_F(Show, GoesOnWithoutAnything) {
+TEST_F(Show, GoesOnWithoutAnythingAndSaysWhere) {
     fakeWin32.libraries.clear();
     fakeDesktop.copyFails = true;
+    orinPath[0] = '\0';
+    configSearch.Set("looked for in many places");
+    testing::internal::CaptureStderr();
     Build();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "tamblor: package /start/tamb.dat cannot be opened: No such file or directory\n"
+              "tamblor: no data folder is known: looked for in many places\n");
+    configSearch.Clear();
     EXPECT_NE(built_.find("000000ff..000000ff)"), std::string::npos) << "a black desktop";
     EXPECT_EQ(fakeDesktop.calls, "copy 1x1, release");
     EXPECT_EQ(GLRecorder::LiveTextures(), 1);
@@ -344,31 +363,6 @@ TEST_F(Show, WithoutAContextNothingIsHandedToOpenGL) {
         show::scr_mat.texName = 1; // of a context that was lost
         DestroyScene();
         EXPECT_EQ(GLRecorder::Take(), Calls{});
-    }
-}
-
-TEST_F(Show, ReportsWhereItFoundNoDataFolder) {
-    orinPath[0] = '\0';
-    configSearch.Set("looked for in many places");
-    testing::internal::CaptureStderr();
-    Build();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "tamblor: package /start/tamb.dat cannot be opened: No such file or directory\n"
-              "tamblor: no data folder is known: looked for in many places\n");
-    configSearch.Clear();
-}
-
-TEST_F(Show, IsTakenDownAndBuiltAgain) {
-    WritePackage();
-    for (int build = 0; build < 2; ++build) {
-        Build();
-        EXPECT_EQ(Frame(kStart), kAlways + "desktop desktop ") << "from the beginning";
-        Frame(kStart + 16);
-        Frame(kStart + 17);
-        EXPECT_TRUE(show::stage != show::kDissolving && !faces_.empty()) << "of which nothing is left";
-        DestroyScene();
-        EXPECT_EQ(GLRecorder::LiveTextures(), 0);
-        EXPECT_TRUE(!fxDevilLoaded() && show::gr.rc == nullptr && show::pck.ids.IsEmpty());
     }
 }
 
