@@ -21,8 +21,6 @@ struct FakeWin32 {
     int screenWidth = 1280;
     int screenHeight = 1024;
     RECT clientArea = {0, 0, 152, 112}; // any window's
-    std::map<HWND, RECT> windowAreas;   // on the screen; like the client area where there is none
-    HWND parent = nullptr;              // of the program's window, until SetParent
     POINT pointer = {400, 300};
     HWND foreground = nullptr;
     std::set<HWND> windows;                      // other programs'

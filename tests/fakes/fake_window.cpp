@@ -92,14 +92,10 @@ FAKE(BOOL, ShowWindow, (HWND, int show), TRUE, "ShowWindow(%d)", show)
 FAKE(BOOL, UpdateWindow, (HWND), TRUE, "UpdateWindow()")
 FAKE(BOOL, ValidateRect, (HWND, const RECT*), TRUE, "ValidateRect()")
 FAKE(BOOL, GetClientRect, (HWND, RECT* area), (*area = fakeWin32.clientArea, TRUE))
-FAKE(BOOL, GetWindowRect, (HWND window, RECT* area),
-     (*area = fakeWin32.windowAreas.contains(window) ? fakeWin32.windowAreas[window] : fakeWin32.clientArea,
-      TRUE))
-FAKE(HWND, SetParent, (HWND, HWND parent), std::exchange(fakeWin32.parent, parent), "SetParent(0x%x)",
-     Number(parent))
+FAKE(BOOL, GetWindowRect, (HWND, RECT*), FALSE)
+FAKE(HWND, SetParent, (HWND, HWND), nullptr)
 FAKE(HWND, GetForegroundWindow, (), fakeWin32.foreground)
-FAKE(BOOL, SetWindowPos, (HWND, HWND, int x, int y, int width, int height, UINT flags), TRUE,
-     "SetWindowPos(%d, %d, %d, %d, %u)", x, y, width, height, flags)
+FAKE(BOOL, SetWindowPos, (HWND, HWND, int, int, int, int, UINT), FALSE)
 
 BOOL GetMessageA(MSG* message, HWND, UINT, UINT) {
     while (posted.empty()) {

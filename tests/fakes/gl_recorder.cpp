@@ -10,7 +10,6 @@
 #include <bit>
 #include <cstdio>
 #include <mutex>
-#include <set>
 #include <string_view>
 #include <utility>
 
@@ -37,7 +36,7 @@ CONSTANTS(GL_LEQUAL, GL_GREATER, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_FRONT,
 
 std::recursive_mutex mutex; // of the three below
 std::vector<std::string> calls;
-std::set<GLuint> textures;
+int liveTextures = 0;
 GLuint lastTexture = 0;
 
 std::atomic<bool> nullMode = false;
@@ -86,12 +85,13 @@ std::string Pixels(const void* bytes, GLsizei width, GLsizei height) {
 }
 
 template <class... Arguments> void Note(const char* function, const Arguments&... arguments) {
+    if (nullMode)
+        return;
     std::string call;
     ((call += "," + Text(arguments)), ...);
     call = std::string(function) + "(" + call.substr(call.empty() ? 0 : 1) + ")";
     const std::lock_guard lock(mutex);
-    if (!nullMode)
-        calls.push_back(std::move(call));
+    calls.push_back(std::move(call));
 }
 
 // The parameters of lights, materials and light models are colours, but for these.
@@ -134,13 +134,13 @@ void GLRecorder::SetDriver(const Driver& newDriver) {
 
 int GLRecorder::LiveTextures() {
     const std::lock_guard lock(mutex);
-    return static_cast<int>(textures.size());
+    return liveTextures;
 }
 
 void GLRecorder::Reset() {
     const std::lock_guard lock(mutex);
     calls.clear();
-    textures.clear();
+    liveTextures = 0;
     lastTexture = 0;
     driver = {};
 }
@@ -219,23 +219,25 @@ RECORD(glPixelStorei, (GLenum parameter, GLint value), Name(parameter), value)
 // The product makes and deletes one at a time.
 void GLAPIENTRY glGenTextures(GLsizei, GLuint* name) {
     const std::lock_guard lock(mutex);
-    textures.insert(*name = ++lastTexture);
+    *name = ++lastTexture;
+    ++liveTextures;
     Note("glGenTextures", 1, *name);
 }
 void GLAPIENTRY glDeleteTextures(GLsizei, const GLuint* name) {
     const std::lock_guard lock(mutex);
-    textures.erase(*name);
+    --liveTextures;
     Note("glDeleteTextures", 1, *name);
 }
-void GLAPIENTRY glTexImage2D(GLenum target, GLint level, GLint components, GLsizei width, GLsizei height,
-                             GLint border, GLenum format, GLenum type, const void* pixels) {
-    Note("glTexImage2D", Name(target), level, components, width, height, border, Name(format), Name(type),
-         Pixels(pixels, width, height));
-}
+RECORD(glTexImage2D,
+       (GLenum target, GLint level, GLint components, GLsizei width, GLsizei height, GLint border,
+        GLenum format, GLenum type, const void* pixels),
+       Name(target), level, components, width, height, border, Name(format), Name(type),
+       Pixels(pixels, width, height))
 GLint GLAPIENTRY gluBuild2DMipmaps(GLenum target, GLint components, GLsizei width, GLsizei height,
                                    GLenum format, GLenum type, const void* pixels) {
-    Note("gluBuild2DMipmaps", Name(target), components, width, height, Name(format), Name(type),
-         Pixels(pixels, width, height));
+    if (!nullMode)
+        Note("gluBuild2DMipmaps", Name(target), components, width, height, Name(format), Name(type),
+             Pixels(pixels, width, height));
     return 0;
 }
 }

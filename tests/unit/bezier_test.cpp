@@ -1,12 +1,9 @@
 #include "anim/bezier_spline.h"
-#include "anim/spline_set.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <climits>
 #include <cmath>
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -86,51 +83,6 @@ TEST(Spline, IsEvaluatedOverItsWholeLength) {
         spline.GetAll(point.data(), phase);
         ExpectNear(point, {x});
     }
-}
-
-TEST(SplineSet, GivesWhatTheSplinesGive) {
-    constexpr int kSplines = 7;
-    std::mt19937 random(1);
-    std::uniform_real_distribution<float> place(-1, 1);
-    for (const int points : {1, 2, 3, 6})
-        for (int variant = 0; variant < 8; ++variant) {
-            const Shape shape = {(variant & 1) != 0, (variant & 2) != 0, (variant & 4) != 0 ? 0.4f : 1.0f};
-            FXBezierSpline splines[kSplines];
-            FXSplineSet set;
-            ASSERT_TRUE(set.Create(kSplines, points));
-            set.closed = shape.closed;
-            set.linear = shape.linear;
-            set.tension = shape.tension;
-            for (int s = 0; s < kSplines; ++s) {
-                std::vector<Point> through(static_cast<std::size_t>(points));
-                for (Point& point : through)
-                    point = {place(random), place(random), place(random)};
-                if (s == 3 && points > 1)
-                    through[1] = through[0]; // stands still for a segment
-                Fill(&splines[s], through, shape);
-                for (int p = 0; p < points; ++p)
-                    set.SetPoint(s, p, through[static_cast<std::size_t>(p)].data());
-            }
-            for (int from = 0; from < points; ++from) {
-                SCOPED_TRACE(testing::Message() << points << " points, variant " << variant << ", " << from);
-                const int to = (from + 1) % points;
-                FXBezierPhaseH h;
-                h.Prepare(0.3f);
-                float out[kSplines][4] = {}; // the last float of each is not the set's
-                set.SetActPoints(from, to);
-                set.GetH(2, kSplines - 2, out[2], 4, &h);
-                set.GetH(0, 2, out[0], 4, &h);
-                for (int s = 0; s < kSplines; ++s) {
-                    splines[s].SetActPoints(from, to);
-                    ExpectNear({out[s][0], out[s][1], out[s][2]}, At(splines[s], 0.3f));
-                    EXPECT_EQ(out[s][3], 0.0f);
-                }
-            }
-        }
-    FXSplineSet set;
-    EXPECT_TRUE(set.Create(3, 3));
-    EXPECT_FALSE(set.Create(INT_MAX / 2, 3)) << "more than can be";
-    EXPECT_EQ(set.GetCnt(), 0);
 }
 
 } // namespace

@@ -13,31 +13,15 @@
 #include "unit/scene_parts.h"
 
 #include <optional>
-#include <utility>
 
 namespace {
-
-// The recorder's memory is not the product's.
-struct PausingDevice : FXGL {
-    bool PrepareTexture(FXMaterial* material) override {
-        const int left = std::exchange(heapLeft, -1);
-        const bool prepared = FXGL::PrepareTexture(material);
-        heapLeft = left;
-        return prepared;
-    }
-    void UnprepareTexture(FXMaterial* material) override {
-        const int left = std::exchange(heapLeft, -1);
-        FXGL::UnprepareTexture(material);
-        heapLeft = left;
-    }
-};
 
 // With the codec, and the device on the recorder.
 class FailingMachine : public testing::Test {
 protected:
     FailingMachine() {
         fxLoadDevil();
-        GLRecorder::SetNullMode(true); // its list of calls takes memory
+        GLRecorder::SetNullMode(true); // its list of calls takes memory, which is not the product's
     }
     ~FailingMachine() override {
         GLRecorder::SetNullMode(false);
@@ -77,7 +61,7 @@ protected:
 
     TempFolder folder_;
     FXPackage package_;
-    RecordedDevice<PausingDevice> device_;
+    RecordedDevice<> device_;
 };
 
 TEST_F(FailingMachine, LoadsAPackageOrIsEmptyAndSaysWhy) {
@@ -197,10 +181,7 @@ TEST_F(FailingMachine, LoadsAMorphThatPlaysToItsEnd) {
             [&] {
                 loaded = false;
                 loaded = anim.LoadCN(&package_, 3);
-                anim.UnitizeStretch1(anim.models.count - 1);
-                anim.Normalize(-1, false);
-                anim.ComputeFrontTexCoords(anim.models.count - 1, -1);
-                anim.UpdateInterpolation(true, true);
+                Prepare(&anim);
             },
             [&](bool whole) {
                 EXPECT_LE(anim.models.count, 3);
@@ -211,11 +192,7 @@ TEST_F(FailingMachine, LoadsAMorphThatPlaysToItsEnd) {
                         Draw(frame);
                     }
                 EXPECT_TRUE(!whole || (loaded && there == 3));
-                anim.loop = anim.backwards = false;
-                anim.StartAnim(0);
-                for (int i = 0; i <= anim.frameTimes.count; ++i)
-                    anim.OnRender(&device_.gl, anim.startTime + 1.5 * anim.frameDuration);
-                EXPECT_FALSE(anim.playing && anim.frameTimes.count > 0);
+                EXPECT_TRUE(PlaysToItsEnd(&anim, &device_.gl));
                 anim.Destroy();
                 ExpectNothingLeft();
             });
@@ -232,16 +209,26 @@ TEST_F(FailingMachine, BuildsEffectsThatCanBeDrawn) {
     };
     LoadPackage();
     std::optional<Effects> effects(std::in_place);
+    int lastMode = 0;
     FailEachAllocation(
         [&] {
             effects->error.CreateCN(&package_, 7);
             effects->fire.Create(8);
-            effects->sun.AddLayerCN(&package_, 8);
+            for (const int mode : {1, 3}) {
+                const int before = effects->sun.layerCount;
+                effects->sun.AddLayerCN(&package_, 8);
+                effects->sun.SetLayerRot(mode, 80, 90);
+                lastMode = effects->sun.layerCount > before ? mode : lastMode;
+            }
             effects->medallion.CreateCN(&package_, 7, 8);
             effects->cube.CreateCN(&package_, 7, 7);
         },
         [&](bool whole) {
-            EXPECT_TRUE(!whole || (effects->sun.layerCount == 1 && effects->cube.skinMat.prepared));
+            const FXPlanet& sun = effects->sun;
+            EXPECT_TRUE(!whole || (sun.layerCount == 2 && effects->cube.skinMat.prepared));
+            EXPECT_TRUE(sun.models.count == sun.layerCount && sun.rotModes.count == sun.layerCount &&
+                        sun.pulseModes.count == sun.layerCount && sun.fluid.count == sun.layerCount);
+            EXPECT_TRUE(sun.layerCount == 0 || sun.rotModes.Last() == lastMode) << "a refused layer's";
             effects->error.visible = true;
             for (const double time : {1.0, 30.0, 60.0}) {
                 effects->fire.OnRender(&device_.gl, time);

@@ -1,8 +1,9 @@
-// The three gadgets.
+// The three gadgets, and the sun.
 #include "image/codec.h"
 #include "scene/cube_gadget.h"
 #include "scene/error_gadget.h"
 #include "scene/logo_gadget.h"
+#include "scene/planet.h"
 #include "unit/scene_parts.h"
 
 #include <cmath>
@@ -68,6 +69,14 @@ TEST_F(Gadget, MedallionIsRoundAndTurnsFromItsFirstFrameOn) {
                                           TurnY(45 * static_cast<float>(time - 7))});
         EXPECT_TRUE(drawn.at(1).mesh->vertices[2].color[3] == 0.4f && drawn[1].mesh->colorMode == 1);
     }
+}
+
+TEST_F(Gadget, LayersOfTheSunFadeInAndOut) {
+    FXPlanet sun;
+    sun.AddLayerCN(&package_, 4);
+    sun.SetLayerTransp(FXPlanet::kTransparencyPulse, 8);
+    for (const auto& [time, alpha] : {std::pair{2.0, 0.5f}, {4.0, 1.0f}, {6.0, 0.5f}, {8.0, 0.0f}})
+        EXPECT_EQ(Draw(&sun, time).at(0).mesh->vertices[0].color[3], alpha) << time;
 }
 
 TEST_F(Gadget, CubeWaitsThenFadesIn) {

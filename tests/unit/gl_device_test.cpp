@@ -126,39 +126,6 @@ TEST_F(Device, KnowsWhatTheDriverOffers) {
     }
 }
 
-TEST_F(Device, SwitchesMultipliesAndPresents) {
-    gl_.RenderEnd();
-    EXPECT_EQ(TakeFakeCalls(), Calls{}) << "no window yet";
-    ASSERT_TRUE(Create());
-    gl_.Clrscr(false, true, false);
-    gl_.Clrscr(true, true, true);
-    EXPECT_EQ(GLRecorder::TakeText(),
-              "glClear(GL_DEPTH_BUFFER_BIT) "
-              "glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT)");
-    for (const bool on : {false, true}) {
-        gl_.EnableDepthTest(on);
-        gl_.EnableDepthWrite(on);
-        gl_.EnableLights(on);
-        EXPECT_EQ(GLRecorder::TakeText(),
-                  on ? "glEnable(GL_DEPTH_TEST) glDepthMask(GL_TRUE) glEnable(GL_LIGHTING)"
-                     : "glDisable(GL_DEPTH_TEST) glDepthMask(GL_FALSE) glDisable(GL_LIGHTING)");
-        EXPECT_TRUE(gl_.depthTest == on && gl_.depthWrite == on && gl_.lightsOn == on);
-    }
-    FXMatrix scale, move;
-    scale.SetScaleF(2, 3, 4);
-    move.SetMoveF(1, 1, 1);
-    gl_.ApplyMatrix(&scale);
-    gl_.MultiplyMatrix(&move);
-    gl_.ApplyMatrixIdentity();
-    EXPECT_EQ(GLRecorder::TakeText(), "glLoadMatrixf(2,0,0,0,0,3,0,0,0,0,4,0,0,0,0,1) "
-                                      "glLoadMatrixf(2,0,0,0,0,3,0,0,0,0,4,0,2,3,4,1) glLoadIdentity()");
-    {
-        const FXGRAutoAct act(&gl_);
-        gl_.RenderEnd();
-    }
-    EXPECT_EQ(TakeFakeCalls(), (Calls{"wglMakeCurrent(on)", "SwapBuffers()", "wglMakeCurrent(off)"}));
-}
-
 TEST_F(Device, TakesANewSizeOverWithTheNextFrame) {
     ASSERT_TRUE(Create());
     for (const auto& [width, height, calls] :

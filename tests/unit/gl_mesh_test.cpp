@@ -67,23 +67,6 @@ TEST_F(Drawing, UploadsTheWholeStorage) {
     EXPECT_TRUE(textured_.prepared && textured_.texName == 0);
 }
 
-TEST_F(Drawing, AppliesColoursAndTexture) {
-    for (FXMaterial* m : {&textured_, &second_})
-        ASSERT_TRUE(m->SetTexture(&canvas_));
-    gl_.UnprepareTexture(&second_);
-    GLRecorder::Take();
-    for (const auto& [material, name] :
-         {std::pair{&textured_, 1}, {&second_, 0}, {&textured_, 1}, {&plain_, 0}}) {
-        gl_.ApplyMaterial(material);
-        gl_.ApplyMaterial2(material);
-        EXPECT_EQ(GLRecorder::TakeText(), kBlack + Binding(name) + " " + SecondBinding(name));
-    }
-    gl_.EnableTestingMaterial(true);
-    gl_.ApplyMaterial(&textured_);
-    gl_.ApplyMaterial2(&textured_);
-    EXPECT_EQ(GLRecorder::TakeText(), "");
-}
-
 class MeshDrawing : public Drawing {
 protected:
     MeshDrawing() {
@@ -136,6 +119,14 @@ TEST_F(MeshDrawing, SendsWhatColourModeLightsAndTextureAskFor) {
     gl_.GetDefaultMaterial()->SetBlack(0.5f);
     gl_.RenderMesh(&mesh_);
     EXPECT_TRUE(GLRecorder::TakeText().starts_with(kBlack));
+    mesh_.material = &textured_;
+    gl_.UnprepareTexture(&textured_);
+    gl_.RenderMesh(&mesh_);
+    EXPECT_NE(GLRecorder::TakeText().find(kBlack + Binding(0)), std::string::npos);
+    gl_.EnableTestingMaterial(true);
+    gl_.RenderMesh(&mesh_);
+    const std::string text = GLRecorder::TakeText();
+    EXPECT_TRUE(text.find("glMaterial") == std::string::npos && text.find("Texture") == std::string::npos);
 }
 
 TEST_F(MeshDrawing, OfNothingTouchesNothing) {

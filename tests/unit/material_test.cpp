@@ -1,7 +1,6 @@
-// Lights, materials and their libraries.
+// Materials and their libraries.
 #include "base/file_handle.h"
 #include "image/codec.h"
-#include "image/light.h"
 #include "image/material.h"
 #include "image/material_library.h"
 #include "unit/recorded_device.h"
@@ -30,13 +29,6 @@ std::string Names(const FXMatlib& library) {
     for (const FXMaterial* m : library.materials)
         names.append(names.empty() ? "" : " ").append(m->name.text);
     return names;
-}
-
-TEST(Light, PresetKeepsItsPlace) {
-    FXLight light;
-    light.position[2] = light.spotDirection[2] = light.spotCutoff = 7;
-    light.SetDefDiffuse(0.5f);
-    EXPECT_TRUE(light.position[2] == 7 && light.spotDirection[2] == 7 && light.spotCutoff == 180);
 }
 
 TEST(Material, IsTintedWithoutDrift) {
@@ -108,22 +100,6 @@ TEST_F(MaterialPicture, IsUploadedAtOnceIntoOneTexture) {
     ExpectUntextured(m, "destroyed");
 }
 
-TEST_F(MaterialPicture, OfTheCallerIsReadButNotOwned) {
-    FXCanvas canvas, empty;
-    ASSERT_TRUE(canvas.Realloc(640, 480));
-    static_cast<FXPixmap&>(canvas).Clear(0);
-    {
-        FXMaterial m;
-        ASSERT_TRUE(m.SetTexture(&canvas));
-        EXPECT_TRUE(m.GetWidth() == 640 && m.extentU == 0.625f);
-        EXPECT_FALSE(m.SetTexture(&empty));
-        ExpectUntextured(m, "no pixels");
-        ASSERT_TRUE(m.SetTexture(&canvas));
-    }
-    EXPECT_EQ(GLRecorder::LiveTextures(), 0) << "the destructor";
-    EXPECT_EQ(canvas.GetWidth(), 640);
-}
-
 TEST_F(MaterialPicture, ThatFailsDeletesTheTextureOfTheOneBefore) {
     for (const auto& [willing, entry, width] : {std::tuple{true, 8, 0}, {false, 7, 3}}) {
         device_.gl.willing = true;
@@ -134,36 +110,36 @@ TEST_F(MaterialPicture, ThatFailsDeletesTheTextureOfTheOneBefore) {
         ExpectUntextured(m, willing ? "no picture" : "no texture");
         EXPECT_EQ(m.GetWidth(), width);
     }
+    FXMaterial m;
+    FXCanvas empty;
+    device_.gl.willing = true;
+    ASSERT_TRUE(m.LoadTextureCN(&package_, 7));
+    EXPECT_FALSE(m.SetTexture(&empty));
+    ExpectUntextured(m, "no pixels");
 }
 
-TEST_F(MaterialPicture, IsNamedByTheRecord) {
-    for (const auto& [picture, loads, textures] :
-         {std::tuple{"", true, 0}, {"7", true, 1}, {"8", false, 0}}) {
-        const std::string record = MaterialRecord("Metal", picture) + "rest";
-        FXPackageData data = CursorOf(record);
-        FXMaterial m;
-        EXPECT_EQ(m.LoadC(&package_, &data), loads) << picture;
-        EXPECT_EQ(data.left, 4);
-        EXPECT_EQ(GLRecorder::LiveTextures(), textures) << picture;
-        EXPECT_TRUE(m.name.Compare("Metal") && m.ownedByLibrary);
-        EXPECT_EQ(Text(m), "1/1.5 2/2.5 3/3.5 4/4.5 42");
-    }
-}
-
-TEST_F(MaterialPicture, RecordThatEndsEarlyKeepsThePreset) {
-    const std::pair<std::size_t, const char*> kCases[] = {{28, "0/0 0.2/1 1/1 0/0 0"},
-                                                          {29, "1/1.5 0.2/1 1/1 0/0 0"},
-                                                          {76, "1/1.5 2/2.5 3/3.5 0/0 0"},
-                                                          {77, "1/1.5 2/2.5 3/3.5 4/4.5 0"}};
-    for (const auto& [length, expected] : kCases) {
-        const std::string record = MaterialRecord("Metal", "").substr(0, length);
+TEST_F(MaterialPicture, IsNamedByTheRecordAndWhatThatLacksIsThePresets) {
+    const std::tuple<const char*, std::size_t, bool, const char*> kCases[] = {
+        // the picture, how much of the record there is, does that load
+        {"", 200, true, "1/1.5 2/2.5 3/3.5 4/4.5 42"},
+        {"7", 200, true, "1/1.5 2/2.5 3/3.5 4/4.5 42"},
+        {"8", 200, false, "1/1.5 2/2.5 3/3.5 4/4.5 42"},
+        {"", 77, true, "1/1.5 2/2.5 3/3.5 4/4.5 0"},
+        {"", 76, true, "1/1.5 2/2.5 3/3.5 0/0 0"},
+        {"", 29, true, "1/1.5 0.2/1 1/1 0/0 0"},
+        {"", 28, true, "0/0 0.2/1 1/1 0/0 0"}};
+    for (const auto& [picture, length, loads, expected] : kCases) {
+        const std::string record = MaterialRecord("Metal", picture).substr(0, length);
         FXPackageData data = CursorOf(record);
         FXMaterial fromEntry, fromFile;
-        EXPECT_TRUE(fromEntry.LoadC(&package_, &data));
-        EXPECT_TRUE(fromFile.Load(fxOpenFile(folder_.Write("record", record).c_str(), "rb").get()));
-        fromEntry.shininess = 0; // may have been read from half a colour
-        EXPECT_EQ(Text(fromFile), expected) << length;
+        EXPECT_EQ(fromEntry.LoadC(&package_, &data), loads) << picture;
+        EXPECT_EQ(GLRecorder::LiveTextures(), *picture == '7');
+        EXPECT_TRUE(fromEntry.name.Compare("Metal") && fromEntry.ownedByLibrary);
+        fromFile.Load(fxOpenFile(folder_.Write("record", record).c_str(), "rb").get());
+        if (length <= 77)
+            fromEntry.shininess = 0; // may have been read from half a colour
         EXPECT_EQ(Text(fromEntry), expected) << length;
+        EXPECT_EQ(Text(fromFile), expected) << length;
     }
 }
 

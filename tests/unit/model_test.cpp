@@ -6,7 +6,6 @@
 #include "unit/recorded_device.h"
 #include "unit/test_mesh.h"
 #include "unit/test_package.h"
-#include "unit/trace_lines.h"
 
 #include <algorithm>
 #include <climits>
@@ -232,22 +231,6 @@ TEST_F(Model, ThatIsMalformedHoldsEmptyMeshes) {
     EXPECT_TRUE(model.LoadCN(&package_, 3));
     EXPECT_TRUE(model.loadedMeshes.IsEmpty() && model.name.IsEmpty());
     EXPECT_FALSE(model.LoadCN(&package_, 99) || model.Load(folder_.File("none").c_str()));
-}
-
-// Meshes that all claim the bytes behind them. The first that does not fit is left out, with all that follow.
-TEST_F(Model, TakesNoMoreMemoryThanThereIsForOne) {
-    const int corners = 300000;
-    std::string record = Header("om03") + Header("many") + Header("") + Ints({100, 0, 0, 0});
-    for (int i = 0; i < 100; ++i)
-        record += Header("") + Floats({0, 0}) + Ints({0, 0, corners, corners, 0});
-    LoadPackage(record + std::string(corners, '\0'));
-    const TraceLines trace(folder_);
-    FXModel model;
-    ASSERT_TRUE(model.LoadCN(&package_, 3));
-    EXPECT_EQ(model.loadedMeshes.count, 3) << "46 MiB each";
-    EXPECT_EQ(trace.Lines().back(),
-              "#ERROR: model 'many' is left with 3 meshes: it takes 184 MiB at the least, "
-              "and 160 MiB are the most");
 }
 
 TEST_F(Model, DrawsOpaqueMeshesThenThoseSeenThrough) {

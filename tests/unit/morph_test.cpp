@@ -137,6 +137,7 @@ TEST_F(Morph, OfManyVerticesMovesThemAll) {
     EXPECT_EQ(anim_.imodel.meshes[0]->vertices[0].pos[0], 2.0f);
     for (int i = 0; i < 1500; ++i)
         ASSERT_EQ(anim_.imodel.meshes[1]->vertices[i].pos[1], static_cast<float>(i + 2));
+    EXPECT_FALSE(FXSplineSet().Create(INT_MAX / 2, 3)) << "more than can be";
 }
 
 TEST_F(Morph, WhoseKeyFramesDoNotAgreeEndsAllTheSame) {

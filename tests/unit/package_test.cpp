@@ -10,33 +10,24 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A cursor over a block of exactly these bytes, so that a sanitizer sees one read too far.
-struct Block {
-    explicit Block(const std::string& bytes) : memory(bytes.begin(), bytes.end()) {
-        cursor.InitData(memory.data(), static_cast<int>(memory.size()));
-    }
-    std::vector<unsigned char> memory;
-    FXPackageData cursor;
-};
-
 TEST(PackageData, ReadsWhatFitsAndConsumesNothingElse) {
-    Block values("\1\2" + Ints({-2, 0x3FC00000, 0, 0x3FF80000}));
-    EXPECT_TRUE(values.cursor.ReadBool());
-    EXPECT_FALSE(values.cursor.ReadBool()) << "only 1 is true";
-    EXPECT_EQ(values.cursor.ReadInt(), -2);
-    EXPECT_EQ(values.cursor.ReadFloat(), 1.5f);
-    EXPECT_EQ(values.cursor.ReadDouble(), 1.5);
-    EXPECT_EQ(values.cursor.left, 0);
-    Block block("\1\1\1");
+    const std::string values = "\1\2" + Ints({-2, 0x3FC00000, 0, 0x3FF80000}), few = "\1\1\1";
+    FXPackageData all = CursorOf(values), tooFew = CursorOf(few);
+    EXPECT_TRUE(all.ReadBool());
+    EXPECT_FALSE(all.ReadBool()) << "only 1 is true";
+    EXPECT_EQ(all.ReadInt(), -2);
+    EXPECT_EQ(all.ReadFloat(), 1.5f);
+    EXPECT_EQ(all.ReadDouble(), 1.5);
+    EXPECT_EQ(all.left, 0);
     char copy[8] = "before";
-    EXPECT_EQ(block.cursor.ReadInt(), 0);
-    EXPECT_EQ(block.cursor.ReadDouble(), 0.0);
-    block.cursor.WriteInt(7);
+    EXPECT_EQ(tooFew.ReadInt(), 0);
+    EXPECT_EQ(tooFew.ReadDouble(), 0.0);
+    tooFew.WriteInt(7);
     for (const int n : {4, -1, INT_MAX, INT_MIN})
-        EXPECT_EQ(block.cursor.ReadCopyBlc(copy, n), nullptr) << n;
+        EXPECT_EQ(tooFew.ReadCopyBlc(copy, n), nullptr) << n;
     EXPECT_STREQ(copy, "before");
-    EXPECT_EQ(block.cursor.ReadBlc(3), block.memory.data());
-    EXPECT_FALSE(block.cursor.ReadBool());
+    EXPECT_EQ(tooFew.ReadBlc(3), tooFew.start);
+    EXPECT_FALSE(tooFew.ReadBool());
 }
 
 TEST(PackageData, StringsStayInsideTheBlockAndTheirCapacity) {
@@ -49,12 +40,12 @@ TEST(PackageData, StringsStayInsideTheBlockAndTheirCapacity) {
         {Ints({2000}) + tooLong + "a", tooLong.substr(0, 1023), 1},
     };
     for (const auto& [bytes, text, left] : cases) {
-        Block block(bytes);
+        FXPackageData cursor = CursorOf(bytes);
         FXStr s("old");
-        block.cursor.ReadString(&s);
+        cursor.ReadString(&s);
         EXPECT_EQ(s.text, text);
         EXPECT_EQ(s.len, static_cast<int>(text.size()));
-        EXPECT_EQ(block.cursor.left, left) << text;
+        EXPECT_EQ(cursor.left, left) << text;
     }
 }
 
@@ -69,17 +60,17 @@ TEST(PackageData, CountedReadsEndWithDefaultsUpToABoundOfTheirOwn) {
         {Ints({-1, 5}), 0, 0, 4},
     };
     for (const auto& [bytes, count, sum, left] : cases) {
-        Block block(bytes);
+        FXPackageData cursor = CursorOf(bytes);
         FXArray<int> ints;
         ints.Push(9);
-        block.cursor.ReadArray(&ints);
+        cursor.ReadArray(&ints);
         EXPECT_EQ(ints.count, count);
         EXPECT_EQ(std::accumulate(ints.begin(), ints.end(), 0), sum);
-        EXPECT_EQ(block.cursor.left, left);
+        EXPECT_EQ(cursor.left, left);
     }
-    Block strings(Ints({INT_MAX, 1}) + "a");
+    const std::string strings = Ints({INT_MAX, 1}) + "a";
     FXStrArray a;
-    strings.cursor.ReadStringArray(&a);
+    CursorOf(strings).ReadStringArray(&a);
     ASSERT_EQ(a.count, kSure);
     EXPECT_STREQ(a.Get(0), "a");
 }

@@ -174,10 +174,8 @@ TEST_F(Packing, NamesTheLineOfAMistake) {
     const auto entry = [](const std::string& text) { return "[[entry]]\nid = 1\n" + text + "\n"; };
     const std::tuple<const char*, std::string, const char*> cases[] = {
         {"m.toml", entry("raw = "), "m.toml:3: "},
-        {"m.toml", entry("modle = 'x'"), "m.toml:1: an entry is one of"},
         {"m.toml", entry("raw = 'm.toml'\ncolour = 1"), "m.toml:4: nothing is known of 'colour'"},
         {"m.toml", entry("raw = 'm.toml'") + entry("raw = 'art/dot.tga'"), "m.toml:4: "},
-        {"m.toml", entry("raw = 'gone'"), "gone: cannot be read: No such file"},
         {"m.toml", entry("model = 'art/leaf.obj'\nlibrary = 8"), "m.toml:1: there is no entry 8"},
         {"m.toml", entry("animation = ['art/leaf.obj']\ntimes = [1, 2]"), "m.toml:4: times has 2"},
         {"m.toml", "[[entry]]\nname = 'a.b'\nraw = 'm.toml'\n[[entry]]\nname = 'a_b'\nraw = 'm.toml'\n",
@@ -186,7 +184,6 @@ TEST_F(Packing, NamesTheLineOfAMistake) {
          "do not agree: 1 triangles"},
         {"art/leaf.obj", "v 0 0 0\nv 1 zero 0\n", "leaf.obj:2: v needs 3 numbers"},
         {"art/leaf.obj", "v 0 0 0\nf 1 1 2\n", "leaf.obj:2: a face names v 2, but there are 1"},
-        {"art/leaf.obj", "v 0 0 0\nf 1 1 1/x\n", "leaf.obj:2: '1/x' is no corner"},
         {"art/art.mtl", "newmtl A\nKd 1 1\n", "art.mtl:2: Kd needs 3 numbers"},
         {"art/art.mtl", "newmtl A\nmap_Kd gone.png\n", "the picture of material A is not there"},
         {"art/dot.tga", "no picture", "entry 0, cannot be decoded"}};
@@ -197,9 +194,6 @@ TEST_F(Packing, NamesTheLineOfAMistake) {
         EXPECT_FALSE(fs::exists(File("made"))) << says;
         Write(file, whole);
     }
-    fs::create_symlink("/dev/full", File("p.new"));
-    ExpectSaid(Build("m.toml", "p"), "No space left");
-    EXPECT_EQ(Read("p"), good_);
 }
 
 TEST_F(Packing, TakesOutWhatItCanOfADamagedPackage) {

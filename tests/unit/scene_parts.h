@@ -1,6 +1,7 @@
 // What tests of drawn things share: a device that knows in which state a mesh was drawn, and triangles.
 #pragma once
 
+#include "anim/morph_animation.h"
 #include "base/file_handle.h"
 #include "geometry/model.h"
 #include "unit/recorded_device.h"
@@ -42,6 +43,21 @@ inline std::string TriangleModel(const TempFolder& folder, const char* material 
     const std::unique_ptr<FXModel> model(NewModel({TriangleAt(0)}, material, library));
     EXPECT_TRUE(model->Save_v02(fxOpenFile(folder.File("model").c_str(), "wb").get()));
     return folder.Read("model");
+}
+
+// A morph as the show has it: fitted by its last key frame, and played once.
+inline void Prepare(FXAnim* anim) {
+    anim->UnitizeStretch1(anim->models.count - 1);
+    anim->Normalize(-1, false);
+    anim->ComputeFrontTexCoords(anim->models.count - 1, -1);
+    anim->UpdateInterpolation(true, true);
+}
+inline bool PlaysToItsEnd(FXAnim* anim, PEnv* env) {
+    anim->loop = anim->backwards = false;
+    anim->StartAnim(0);
+    for (int i = 0; i <= anim->frameTimes.count; ++i)
+        anim->OnRender(env, anim->startTime + 1.5 * anim->frameDuration);
+    return !anim->playing;
 }
 
 template <class... Values> FXMatrix Made(void (FXMatrix::*set)(Values...), Values... values) {
