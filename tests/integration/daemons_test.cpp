@@ -175,13 +175,11 @@ TEST_F(Daemons, XScreenSaverListsStartsAndEndsIt) {
     }
 }
 
+// On one monitor: MATE does not see those that have no output of their own.
 TEST_F(Daemons, MateStartsItInItsWindowAndItEndsAtOnce) {
     if (!Installed("mate-screensaver") || !Installed("dbus-run-session"))
         GTEST_SKIP() << "mate-screensaver or dbus is not installed";
     fs::create_directories(Home("config/glib-2.0/settings"));
-    saver.data.Write("config/glib-2.0/settings/keyfile",
-                     "[org/mate/screensaver]\nthemes=['screensavers-tamblor']\nmode='single'\n"
-                     "lock-enabled=false\nidle-activation-enabled=false\n");
     fs::create_directories(Home("share/applications/screensavers"));
     fs::copy_file(TAMBLOR_SOURCE "/packaging/linux/share/applications/screensavers/tamblor.desktop",
                   Home("share/applications/screensavers/tamblor.desktop"));
@@ -189,23 +187,42 @@ TEST_F(Daemons, MateStartsItInItsWindowAndItEndsAtOnce) {
     display.DeleteMonitor("right");
     display.SetMonitor("left", {0, 0, 640, 240}, true);
     const std::string session = saver.data.Write("session", R"(mate-screensaver --no-daemon --debug &
-until mate-screensaver-command --activate 2>/dev/null && sleep 0.5 && mate-screensaver-command --query | grep -q "is active"
-do sleep 0.2; done
-until [ -e "$HOME/deactivate" ]; do sleep 0.1; done
-mate-screensaver-command --deactivate
+activate() { until mate-screensaver-command --activate 2>/dev/null && sleep 0.5 &&
+        mate-screensaver-command --query | grep -q "is active"; do sleep 0.2; done; }
+for step in activate deactivate activate; do
+    until [ -e "$HOME/$step" ]; do sleep 0.1; done
+    rm "$HOME/$step"
+    [ $step = activate ] && activate || mate-screensaver-command --deactivate
+done
 until [ -e "$HOME/exit" ]; do sleep 0.1; done
 mate-screensaver-command --exit
 wait
 )");
-    StartDaemon({"/usr/bin/dbus-run-session", "--", "/bin/sh", session});
-    if (IsSkipped())
-        return;
-    ASSERT_TRUE(Shown(1)) << Said();
-    ExpectTheDesktop({10, 630});
-    saver.data.Write("deactivate", "");
-    EXPECT_TRUE(Ended()) << Said();
-    saver.data.Write("exit", "");
-    EXPECT_NE(daemon.WaitForExit(), -1);
+    for (const bool lock : {false, true}) {
+        saver.data.Write("config/glib-2.0/settings/keyfile",
+                         "[org/mate/screensaver]\nthemes=['screensavers-tamblor']\nmode='single'\n"
+                         "idle-activation-enabled=false\nlock-enabled=" +
+                             std::string(lock ? "true\n" : "false\n"));
+        StartDaemon({"/usr/bin/dbus-run-session", "--", "/bin/sh", session});
+        if (IsSkipped())
+            return;
+        saver.data.Write("activate", "");
+        ASSERT_TRUE(Shown(1)) << Said();
+        ExpectTheDesktop({10, 630});
+        if (lock) {
+            ExpectAKeyBringsADialogOnTop();
+            daemon.Signal(SIGTERM);
+        } else {
+            saver.data.Write("deactivate", "");
+            EXPECT_TRUE(Ended()) << Said();
+            saver.data.Write("activate", "");
+            ASSERT_TRUE(Shown(1)) << Said();
+            EXPECT_TRUE(KeysBring([this] { return Shows().empty(); })) << Said();
+            saver.data.Write("exit", "");
+        }
+        EXPECT_NE(daemon.WaitForExit(), -1);
+        EXPECT_TRUE(Ended());
+    }
 }
 
 TEST_F(Daemons, XSecureLockShowsItBelowItsDialog) {
