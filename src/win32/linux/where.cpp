@@ -2,7 +2,6 @@
 
 #include "win32/posix/data_folder.h"
 #include "win32/product.h"
-#include "win32/windowing/window_modules.h"
 
 #include <GL/gl.h>
 
