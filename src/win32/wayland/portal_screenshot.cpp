@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
@@ -182,7 +183,7 @@ struct Span {
 Span FindSpan(int whole, int desktopFrom, int desktopLength, int from, int length, int pixels) {
     const double scale = static_cast<double>(whole) / desktopLength;
     const auto place = [&](int logical) {
-        return std::clamp(static_cast<int>((logical - desktopFrom) * scale + 0.5), 0, whole);
+        return static_cast<int>(std::clamp(std::lround((logical - desktopFrom) * scale), 0L, long{whole}));
     };
     Span span = {place(from), place(from + length) - place(from)};
     if (std::abs(span.length - pixels) <= 1) {
