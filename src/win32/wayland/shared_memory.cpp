@@ -30,17 +30,18 @@ wl_buffer* SharedMemory::NewBuffer(int from, int width, int height, int stride, 
     return buffer;
 }
 
-wl_buffer* OnePixel(bool black) {
-    constexpr int kPixel = 4; // bytes; all of them 0: black, and transparent where there is alpha
+wl_buffer* FewPixels(bool black) {
+    constexpr int kRow = kFewPixels * 4; // bytes; all of them 0: black, and transparent where there is alpha
     struct Pixels {
         wl_buffer* black = nullptr;
         wl_buffer* nothing = nullptr;
     };
     static const Pixels pixels = [] {
-        const SharedMemory memory(kPixel);
-        return memory.Bytes() == nullptr ? Pixels()
-                                         : Pixels{memory.NewBuffer(0, 1, 1, kPixel, WL_SHM_FORMAT_XRGB8888),
-                                                  memory.NewBuffer(0, 1, 1, kPixel, WL_SHM_FORMAT_ARGB8888)};
+        const SharedMemory memory(kRow * kFewPixels);
+        return memory.Bytes() == nullptr
+                   ? Pixels()
+                   : Pixels{memory.NewBuffer(0, kFewPixels, kFewPixels, kRow, WL_SHM_FORMAT_XRGB8888),
+                            memory.NewBuffer(0, kFewPixels, kFewPixels, kRow, WL_SHM_FORMAT_ARGB8888)};
     }();
     return black ? pixels.black : pixels.nothing;
 }

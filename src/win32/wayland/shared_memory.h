@@ -26,7 +26,9 @@ private:
     unsigned char* bytes_ = nullptr;
 };
 
-// A picture of one pixel, black or fully transparent; null without memory. Kept until the process ends.
-wl_buffer* OnePixel(bool black);
+// A picture of a few pixels a side, black or fully transparent; null without memory. Kept until the process
+// ends.
+inline constexpr int kFewPixels = 2;
+wl_buffer* FewPixels(bool black);
 
 } // namespace wayland

@@ -127,8 +127,14 @@ bool Sheet::LieAnywhere() {
     return true;
 }
 
+// Compositors that stretch on the processor count in steps of a 65536th: a few pixels that are stretched from
+// rim to rim may end some rows short of the screen's.
 void Sheet::Fill(Colour colour) {
-    wl_surface_attach(surface_, OnePixel(colour == Colour::Black), 0, 0);
+    const wl_fixed_t half = wl_fixed_from_double(0.5);
+    const wl_fixed_t inner = wl_fixed_from_int(kFewPixels - 1);
+    wl_surface_attach(surface_, FewPixels(colour == Colour::Black), 0, 0);
+    if (colour == Colour::Black)
+        wp_viewport_set_source(viewport_, half, half, inner, inner);
     wl_surface_damage(surface_, 0, 0, INT32_MAX, INT32_MAX);
     Fit();
     wl_surface_commit(surface_);

@@ -30,7 +30,7 @@ public:
     bool LieAnywhere();
     const wl_output* EnteredOutput() const { return entered_; } // null: not yet
 
-    // Of one pixel: black, or nothing at all, so that what lies below is seen.
+    // Black, for good, or nothing at all, so that what lies below is seen.
     enum class Colour { Black, None };
     void Fill(Colour colour);
     // Stretches over its place what it shows from now on.
