@@ -70,6 +70,7 @@ public:
     void Kill() { // the server goes away, as at a log-out
         if (connection != nullptr)
             XCloseDisplay(std::exchange(connection, nullptr));
+        name_ = ":";             // the next server gets its number
         server_.Signal(SIGTERM); // it has a file to remove
         server_.WaitForExit();
     }
