@@ -126,7 +126,7 @@ void PutChosenFirst(std::vector<const Output*>* all) {
     const auto isChosen = [](const Output* each) { return each->global == chosen; };
     if (std::ranges::none_of(*all, isChosen) && !all->empty())
         chosen = all->front()->global;
-    std::ranges::stable_partition(*all, isChosen);
+    std::stable_partition(all->begin(), all->end(), isChosen);
 }
 
 } // namespace

@@ -87,7 +87,7 @@ std::string CopyOutput(const Output& output, int width, int height, Photograph* 
     zwlr_screencopy_frame_v1* frame =
         zwlr_screencopy_manager_v1_capture_output(Offers().screencopy, 0, output.id);
     zwlr_screencopy_frame_v1_add_listener(frame, &kCopyListener, &copy);
-    const std::string problem = CopyFrame(frame, &copy, output.transform, width, height, photograph);
+    std::string problem = CopyFrame(frame, &copy, output.transform, width, height, photograph);
     zwlr_screencopy_frame_v1_destroy(frame);
     return problem;
 }

@@ -91,7 +91,7 @@ std::string FindHindrance() {
         return std::string("cannot open display ") + (wanted ? wanted : "(DISPLAY is not set)");
     if (!IsXwayland(display))
         return "";
-    return "DISPLAY=" + std::string(wanted) +
+    return "DISPLAY=" + std::string(DisplayString(display)) +
            " is Xwayland, which does not give a saver the keyboard: what is typed would go to the window "
            "below";
 }
