@@ -2,8 +2,6 @@
 #include "integration/gl_spy.h"
 #include "integration/saver_process.h"
 
-#include <fstream>
-
 namespace {
 
 class Frames : public ShowFixture {
@@ -33,16 +31,6 @@ protected:
             usleep(1000000); // a busy machine may take most of that for a frame
             return Shown() == before;
         });
-    }
-    // What the process has used of the processors so far, in hundredths of a second.
-    long Used() const {
-        std::ifstream file("/proc/" + std::to_string(saver.Id()) + "/stat");
-        std::string word;
-        long used = 0, each = 0;
-        for (int i = 1; i <= 15 && file >> word; ++i)
-            if (i >= 14 && (each = std::stol(word)) > 0)
-                used += each;
-        return used;
     }
 
     GlSpy* spy = nullptr;
@@ -98,9 +86,9 @@ TEST_F(Frames, AreNotDrawnWhileTheMonitorIsOff) {
     for (const int level : {1, 3}) {
         std::atomic_ref(spy->powerLevel).store(level);
         ASSERT_TRUE(StopsDrawing());
-        const long before = Used();
+        const long before = saver.Used();
         usleep(1500000);
-        EXPECT_LE(Used() - before, 2) << "it sleeps";
+        EXPECT_LE(saver.Used() - before, 2) << "it sleeps";
         std::atomic_ref(spy->powerLevel).store(0);
         EXPECT_TRUE(Draws());
     }

@@ -46,9 +46,12 @@ public:
     std::string Errors() const { return Text("stderr"); } // everything that it wrote to that stream
 
     void Start(const VirtualDisplay& display, const std::vector<std::string>& arguments) {
+        environment["DISPLAY"] = display.Name();
+        Start(arguments);
+    }
+    void Start(const std::vector<std::string>& arguments) {
         SetClock(0);
         std::atomic_ref(clock_->reads).store(0);
-        environment["DISPLAY"] = display.Name();
         std::vector<std::string> words = SaverCommand(data, &environment);
         words.insert(words.end(), arguments.begin(), arguments.end());
         Program::Start(words, environment, folder, data.File("stderr"));
@@ -70,15 +73,30 @@ public:
     // Lets the clock run from its start until the desktop at that place begins to fade: frames are drawn, and
     // their first stage lasts a second more at least. False when that does not happen.
     bool SeeFrames(const VirtualDisplay& display, int x = 160, int y = 120) const {
+        return SeeFrames(
+            [&] { return ChannelDistance(display.PixelAt(x, y), display.DesktopPixel(x, y)) > 12; });
+    }
+    template <class Question> bool SeeFrames(const Question& fades) const {
         constexpr std::uint32_t kStep = 40; // a slow machine may take longer for a frame, and miss some
         constexpr std::uint32_t kMost = 20000;
         for (std::uint32_t ms = 0; ms < kMost; ms += kStep) {
             SetClock(ms);
             usleep(kStep * 1000);
-            if (ChannelDistance(display.PixelAt(x, y), display.DesktopPixel(x, y)) > 12)
+            if (fades())
                 return true;
         }
         return false;
+    }
+
+    // What the process has used of the processors so far, in hundredths of a second.
+    long Used() const {
+        std::ifstream file("/proc/" + std::to_string(Id()) + "/stat");
+        std::string word;
+        long used = 0, each = 0;
+        for (int i = 1; i <= 15 && file >> word; ++i)
+            if (i >= 14 && (each = std::stol(word)) > 0)
+                used += each;
+        return used;
     }
 
     const TempFolder data;

@@ -26,6 +26,7 @@ struct ScreenPicture {
     int width = 0;
     std::vector<std::uint32_t> pixels;
 
+    bool operator==(const ScreenPicture&) const = default;
     std::uint32_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
 };
 
@@ -36,6 +37,34 @@ inline int ChannelDistance(std::uint32_t a, std::uint32_t b) {
         worst = std::max(worst,
                          std::abs(static_cast<int>(a >> shift & 255u) - static_cast<int>(b >> shift & 255u)));
     return worst;
+}
+
+// What a desktop of that size shows: smooth ramps with a fine pattern, so that a shift by one pixel is seen.
+inline std::uint32_t DesktopColour(int left, int top, int width, int height) {
+    const auto ramp = [](int at, int size) { return static_cast<std::uint32_t>(40 + at * 160 / size); };
+    const std::uint32_t fine = (left / 4 + top / 4) % 2 ? 40u : 0u;
+    return (ramp(left, width) + fine) << 16 | (ramp(top, height) + fine) << 8 | ramp(width - left, width);
+}
+inline ScreenPicture DesktopPicture(int width, int height) {
+    ScreenPicture picture{width, {}};
+    for (int i = 0; i < width * height; ++i)
+        picture.pixels.push_back(DesktopColour(i % width, i / width, width, height));
+    return picture;
+}
+
+// How many pixels are of another colour, rounding apart; all of them in a picture of another size.
+inline std::size_t Difference(const ScreenPicture& a, const ScreenPicture& b, int tolerance = 12) {
+    if (a.width != b.width || a.pixels.size() != b.pixels.size())
+        return std::max(a.pixels.size(), b.pixels.size());
+    std::size_t different = 0;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i)
+        different += ChannelDistance(a.pixels[i], b.pixels[i]) > tolerance;
+    return different;
+}
+// Drawn as a texture, a picture is rounded, and a few of its pixels are a little further off.
+inline void ExpectDrawn(const ScreenPicture& picture, const ScreenPicture& seen) {
+    EXPECT_EQ(Difference(picture, seen, 3), 0u);
+    EXPECT_LE(Difference(picture, seen, 1), picture.pixels.size() / 1000);
 }
 
 class VirtualDisplay {
@@ -78,12 +107,7 @@ public:
     Window Root() const { return DefaultRootWindow(connection); }
     void Sync() const { XSync(connection, False); }
 
-    // What the desktop shows: smooth ramps with a fine pattern, so that a shift by one pixel is seen.
-    std::uint32_t DesktopPixel(int left, int top) const {
-        const auto ramp = [](int at, int size) { return static_cast<std::uint32_t>(40 + at * 160 / size); };
-        const std::uint32_t fine = (left / 4 + top / 4) % 2 ? 40u : 0u;
-        return (ramp(left, width) + fine) << 16 | (ramp(top, height) + fine) << 8 | ramp(width - left, width);
-    }
+    std::uint32_t DesktopPixel(int left, int top) const { return DesktopColour(left, top, width, height); }
     ScreenPicture Photograph() const { return Photograph(Root(), {0, 0, width, height}); }
     // Of a window's own picture, also where it lies outside of the screen.
     ScreenPicture Photograph(Window window, const Area& area) const {
@@ -265,10 +289,7 @@ public:
 
 private:
     void PaintDesktop() const {
-        std::vector<std::uint32_t> pixels;
-        for (int i = 0; i < width * height; ++i)
-            pixels.push_back(DesktopPixel(i % width, i / width));
-        const Pixmap pixmap = MakePixmap({width, pixels});
+        const Pixmap pixmap = MakePixmap(DesktopPicture(width, height));
         XSetWindowBackgroundPixmap(connection, Root(), pixmap);
         XClearWindow(connection, Root());
         XFreePixmap(connection, pixmap);
