@@ -1,0 +1,304 @@
+// The show on Wayland: where it lies, what it shows, what ends it, and what it does without.
+#include "integration/compositor.h"
+#include "integration/saver_process.h"
+
+#include <chrono>
+
+namespace {
+
+using Outputs = std::vector<Compositor::Output>;
+
+class Wayland : public testing::Test {
+protected:
+    explicit Wayland(const Outputs& outputs = {{}}, const std::string& settings = "xwayland disable")
+        : compositor(outputs, settings) {
+        compositor.server.Offer(&saver.environment);
+    }
+    void SetUp() override { ASSERT_TRUE(compositor.ready) << compositor.server.folder.Read("errors"); }
+
+    void Hide(const std::string& interfaces) { // from the saver
+        saver.environment["TAMBLOR_LACKS"] = interfaces;
+        saver.environment["LD_PRELOAD"] = WAYLAND_FILTER;
+        saver.environment["ASAN_OPTIONS"] = "detect_leaks=0:verify_asan_link_order=0";
+    }
+    bool TakesTheKeyboard() {
+        return Eventually(
+                   [this] { return (compositor.Pump() && !compositor.focused) || !saver.Running(); }) &&
+               saver.Running();
+    }
+    bool SeeFrames(int output = 0) {
+        return saver.SeeFrames([&] { return Changed(output) > 0; });
+    }
+    // How many pixels are not the desktop's.
+    std::size_t Changed(int output = 0) const {
+        return Difference(compositor.Photograph(output), compositor.Desktop(output));
+    }
+    void Start(const std::vector<std::string>& words = {"/s"}, int output = 0) {
+        ASSERT_TRUE(compositor.WaitForDesktops());
+        saver.Start(words);
+        ASSERT_TRUE(TakesTheKeyboard()) << saver.Errors();
+        ASSERT_TRUE(SeeFrames(output));
+    }
+    // Turned back to the start, the clock makes every frame the first one.
+    void ExpectTheDesktop(int output = 0) {
+        saver.SetClock(0);
+        EXPECT_TRUE(Eventually([&] { return Changed(output) == 0; }));
+        ExpectDrawn(compositor.Desktop(output), compositor.Photograph(output));
+    }
+    void ExpectAKeyEndsIt(std::uint32_t key = KEY_SPACE) {
+        compositor.PressKey(key);
+        EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+        EXPECT_TRUE(compositor.WaitForFocus());
+    }
+    void ExpectItGoesOn() { // time for a wrong close to happen
+        usleep(300000);
+        EXPECT_TRUE(saver.Running()) << saver.Errors();
+    }
+
+    Compositor compositor;
+    SaverProcess saver;
+};
+
+TEST_F(Wayland, TheShowLiesOverEverythingAndItsFirstFrameIsTheDesktopPixelForPixel) {
+    Start();
+    ExpectTheDesktop();
+    compositor.MovePointerBy(50, 50);
+    EXPECT_EQ(Changed(), 0u) << "no cursor is shown, but the photographed one";
+    ExpectAKeyEndsIt();
+    EXPECT_TRUE(Eventually([this] { return Changed() > 0; })) << "there it is";
+    EXPECT_TRUE(compositor.WaitForDesktops());
+    EXPECT_TRUE(saver.Trace().ends_with("unload devil\n")) << saver.Trace();
+    EXPECT_EQ(saver.Errors(), "");
+}
+
+TEST_F(Wayland, AnyKeyEndsItAndNoneIsTypedBelow) {
+    for (const std::uint32_t key : {KEY_SPACE, KEY_LEFTSHIFT, KEY_F10, KEY_ESC}) {
+        Start();
+        ExpectAKeyEndsIt(key);
+    }
+    EXPECT_TRUE(compositor.typed.empty());
+    compositor.TurnKey(KEY_A, true); // with which it is started
+    Start();
+    compositor.TurnKey(KEY_A, false);
+    ExpectItGoesOn();
+    ExpectAKeyEndsIt(KEY_A);
+    EXPECT_EQ(compositor.typed, std::vector<std::uint32_t>{KEY_A}) << "the first one alone";
+}
+
+TEST_F(Wayland, TheMouseDoesNothingForFourSecondsAndClosesAfter) {
+    for (const bool byButton : {true, false}) {
+        Start();
+        saver.SetClock(4000);
+        compositor.MovePointerBy(20, 20);
+        compositor.ClickButton(BTN_LEFT);
+        ExpectItGoesOn();
+        saver.SetClock(4001);
+        byButton ? compositor.ClickButton(BTN_RIGHT) : compositor.MovePointerBy(-10, -10);
+        EXPECT_EQ(saver.WaitForExit(), 0);
+        EXPECT_TRUE(compositor.WaitForFocus());
+    }
+}
+
+TEST_F(Wayland, TheShowFollowsItsOutput) {
+    Start();
+    saver.SetClock(0);
+    for (const Compositor::Output& now : Outputs{{400, 300},
+                                                 {640, 480, "scale 2"},
+                                                 {480, 360, "scale 1.5"},
+                                                 {240, 320, "scale 1 transform 90"}}) {
+        ASSERT_TRUE(compositor.ChangeOutput(0, now));
+        EXPECT_TRUE(Eventually([&] { // until the photograph is stretched over all of it
+            const ScreenPicture picture = compositor.Photograph();
+            bool same = picture.width == now.width;
+            for (int i = 0; same && i < 256; ++i) {
+                constexpr int kTolerance = 45; // the desktop's fine pattern, which a stretch blurs
+                const int column = 2 * (i % 16) + 1, row = 2 * (i / 16) + 1; // of 32
+                same = ChannelDistance(picture.At(column * now.width / 32, row * now.height / 32),
+                                       DesktopColour(column * 10, row * 240 / 32, 320, 240)) <= kTolerance;
+            }
+            return same;
+        })) << now.width
+            << " " << now.settings;
+    }
+    ExpectAKeyEndsIt();
+}
+
+TEST_F(Wayland, ItEndsAtOnceAndDrawsNothingWhileNobodySeesIt) {
+    using Clock = std::chrono::steady_clock;
+    Hide("zwlr_layer_shell_v1"); // a window of another workspace gets no frames
+    for (const bool unseen : {true, false}) {
+        auto best = Clock::duration::max(); // of several: the machine may be busy
+        for (int i = 0; i < 3 && best > std::chrono::milliseconds(300); ++i) {
+            Start();
+            if (unseen)
+                ASSERT_TRUE(compositor.Command("workspace 9"));
+            else // on the overlay layer there is always a frame, until the compositor says nothing at all
+                compositor.server.program.Signal(SIGSTOP);
+            usleep(500000); // it waits for a frame now
+            const auto start = Clock::now();
+            saver.Signal(SIGTERM);
+            EXPECT_EQ(saver.WaitForExit(), 0);
+            best = std::min(best, Clock::now() - start);
+            compositor.server.program.Signal(SIGCONT);
+            ASSERT_TRUE(compositor.Command("workspace 1") && compositor.WaitForFocus());
+        }
+        EXPECT_LT(best, std::chrono::milliseconds(300));
+        saver.environment.erase("LD_PRELOAD");
+    }
+    Hide("zwlr_layer_shell_v1");
+    Start();
+    ASSERT_TRUE(compositor.Command("workspace 9"));
+    usleep(500000);
+    const long before = saver.Used();
+    usleep(1500000);
+    EXPECT_LE(saver.Used() - before, 2) << "it sleeps";
+    ASSERT_TRUE(compositor.Command("workspace 1"));
+    ExpectTheDesktop();
+    ExpectAKeyEndsIt();
+}
+
+TEST_F(Wayland, WithoutACompositorTheShowAndTheWatcherEnd) {
+    Start();
+    SaverProcess watcher;
+    compositor.server.Offer(&watcher.environment);
+    watcher.Start({"--watch=5"});
+    usleep(300000);
+    EXPECT_TRUE(watcher.Running()) << watcher.Errors();
+    compositor.server.program.Kill();
+    EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+    EXPECT_EQ(watcher.WaitForExit(), 0) << watcher.Errors();
+}
+
+TEST_F(Wayland, ItMakesDoWithoutWhatACompositorLacks) {
+    const std::string layers = "zwlr_layer_shell_v1", copies = "zwlr_screencopy_manager_v1";
+    for (const std::string& lacks : {layers, copies, layers + " " + copies}) {
+        Hide(lacks);
+        Start();
+        const bool photographed = lacks == layers;
+        if (photographed)
+            ExpectTheDesktop();
+        ExpectAKeyEndsIt();
+        EXPECT_TRUE(compositor.typed.empty()) << lacks;
+        EXPECT_EQ(saver.Trace().find("(desktop capture)") == std::string::npos, photographed)
+            << saver.Trace();
+    }
+}
+
+TEST_F(Wayland, TheFirstFrameIsTheOneOnX11) {
+    compositor.MovePointerBy(400, 400); // into the corner
+    Start();
+    ExpectTheDesktop();
+    const VirtualDisplay display(320, 240);
+    SaverProcess other;
+    other.Start(display, {"/s"});
+    ASSERT_TRUE(other.WaitUntilShown(display));
+    ASSERT_TRUE(other.SeeFrames(display));
+    other.SetClock(0);
+    EXPECT_TRUE(display.WaitForPixel(160, 120, display.DesktopPixel(160, 120), 3));
+    constexpr std::size_t kCursor = 20; // pixels that are left of it
+    EXPECT_LE(Difference(display.Photograph(), compositor.Photograph(), 1), kCursor);
+    ExpectAKeyEndsIt();
+}
+
+TEST_F(Wayland, IdlenessStartsTheShowAndAKeyEndsIt) {
+    compositor.PressKey(KEY_LEFTSHIFT);
+    saver.Start({"--watch=0.02"});
+    for (int twice = 0; twice < 2; ++twice) {
+        ASSERT_TRUE(TakesTheKeyboard()) << saver.Errors();
+        compositor.PressKey(KEY_SPACE);
+        EXPECT_TRUE(compositor.WaitForFocus());
+    }
+    EXPECT_EQ(compositor.typed, std::vector<std::uint32_t>{KEY_LEFTSHIFT});
+    saver.Signal(SIGTERM);
+    EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+}
+
+TEST_F(Wayland, OnTheBackgroundItLeavesTheKeyboardAlone) {
+    ASSERT_TRUE(
+        compositor.Command("fullscreen disable, floating enable, resize set 60 60, move position 250 10"));
+    saver.Start({"--layer", "background"});
+    ASSERT_TRUE(SeeFrames()) << saver.Errors();
+    EXPECT_TRUE(compositor.focused);
+    compositor.PressKey(KEY_SPACE);
+    saver.SetClock(5000);
+    compositor.MovePointerBy(20, 20);
+    ExpectItGoesOn();
+    EXPECT_EQ(compositor.typed, std::vector<std::uint32_t>{KEY_SPACE});
+    saver.Signal(SIGTERM);
+    EXPECT_EQ(saver.WaitForExit(), 0);
+}
+
+class TwoOutputs : public Wayland {
+protected:
+    TwoOutputs() : Wayland({{}, {480, 360, "scale 1.5"}}) {}
+};
+
+TEST_F(TwoOutputs, TheShowIsOnTheOneWithTheFocusInItsOwnPixelsAndTheOtherIsBlack) {
+    for (const Compositor::Output& second :
+         Outputs{{480, 360, "scale 1.5"}, {640, 480, "scale 2"}, {240, 320, "scale 1 transform 90"}})
+        for (const int shown : {0, 1}) {
+            ASSERT_TRUE(compositor.ChangeOutput(1, second) && compositor.WaitForDesktops());
+            ASSERT_TRUE(compositor.Command("focus output HEADLESS-" + std::to_string(shown + 1)));
+            Start({"/s"}, shown);
+            EXPECT_TRUE(compositor.WaitForBlack(1 - shown)) << second.settings << shown;
+            ExpectTheDesktop(shown);
+            ExpectAKeyEndsIt();
+        }
+    EXPECT_TRUE(compositor.WaitForDesktops());
+}
+
+TEST_F(TwoOutputs, EachHasAShowOfItsOwnDesktop) {
+    Start({"--monitors", "all"});
+    ASSERT_TRUE(SeeFrames(1));
+    for (const int output : {0, 1})
+        ExpectTheDesktop(output);
+    ExpectAKeyEndsIt();
+    EXPECT_TRUE(compositor.WaitForDesktops());
+}
+
+class WithXwayland : public Wayland {
+protected:
+    WithXwayland() : Wayland({{}}, "xwayland enable") {}
+};
+
+TEST_F(WithXwayland, NoShowStartsThroughIt) {
+    const TempFolder& folder = compositor.server.folder;
+    folder.Write("script",
+                 "cd $XDG_RUNTIME_DIR\nenv -u WAYLAND_DISPLAY " TAMBLOR_EXE " /s 2>said\necho $? >status\n");
+    ASSERT_TRUE(compositor.Command("exec sh " + folder.File("script"))); // as a user's program
+    EXPECT_TRUE(Eventually([&] { return folder.Read("status") == "0\n"; }));
+    EXPECT_NE(folder.Read("said").find("Xwayland"), std::string::npos) << folder.Read("said");
+    EXPECT_TRUE(compositor.focused);
+}
+
+// A compositor that has neither layers nor copies of its outputs, in a window on X11.
+class Weston : public ShowFixture {
+protected:
+    Weston() {
+        server.Start({WESTON_EXE, "--backend=x11-backend.so", "--use-pixman", "--no-config", "--width=320",
+                      "--height=240", "--idle-time=0", "--socket=wayland-1"},
+                     {{"DISPLAY", display.Name()}});
+        server.Offer(&saver.environment);
+    }
+    std::size_t Changed(const ScreenPicture& before) const {
+        return Difference(display.Photograph(), before);
+    }
+
+    WaylandServer server;
+};
+
+TEST_F(Weston, TheShowIsAFullScreenWindowOfAPictureOfItsOwn) {
+    ASSERT_TRUE(server.Listens()) << server.folder.Read("errors");
+    const Window window = display.WaitForWindow();
+    ASSERT_NE(window, Window{0});
+    const ScreenPicture before = display.Photograph();
+    saver.Start({"/s"});
+    EXPECT_TRUE(Eventually([&] { return Changed(before) > 320 * 240 / 2; }));
+    const ScreenPicture first = display.Photograph();
+    EXPECT_TRUE(saver.SeeFrames([&] { return Changed(first) > 320 * 240 / 10; }));
+    ExpectAKeyEndsIt();
+    EXPECT_NE(saver.Trace().find("(desktop capture)"), std::string::npos) << saver.Trace();
+    EXPECT_EQ(saver.Errors(), "");
+}
+
+} // namespace
