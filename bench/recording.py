@@ -51,6 +51,7 @@ class Display:
         if not number:
             raise RuntimeError("the virtual display did not start")
         self.name = ":" + number
+        self.environment = {"DISPLAY": self.name}
         self.picture = str(picture)
 
     def paint(self):
@@ -81,8 +82,11 @@ class Run:
         # The desktop's picture is what those that want a picture may take.
         pathlib.Path(self.home, ".xscreensaver").write_text("grabDesktopImages: True\nchooseRandomImages: False\n")
         settings = dict(os.environ, HOME=self.home, XDG_STATE_HOME=self.home, XDG_CONFIG_HOME=self.home,
-                        DISPLAY=display.name, LIBGL_ALWAYS_SOFTWARE="1", LD_PRELOAD=str(display.recorder),
+                        LIBGL_ALWAYS_SOFTWARE="1", LD_PRELOAD=str(display.recorder),
                         TAMBLOR_RECORD=record, TAMBLOR_RECORD_WATCH=watch)
+        for name in ("DISPLAY", "WAYLAND_DISPLAY"):
+            settings.pop(name, None)
+        settings.update(display.environment)
         settings.update(environment or {})
         self.errors = open(os.path.join(self.home, "errors"), "w+b")
         self.command = command
