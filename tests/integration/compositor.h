@@ -94,7 +94,7 @@ public:
         return picture;
     }
     bool WaitForDesktops() {
-        constexpr std::size_t kCursor = 400; // pixels
+        constexpr std::size_t kCursor = 1600; // pixels, at twice the size
         return Eventually([this] {
             bool all = Pump(); // the windows follow their outputs
             for (int i = 0; i < Count(); ++i) {

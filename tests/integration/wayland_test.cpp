@@ -266,7 +266,7 @@ TEST_F(WithXwayland, NoShowStartsThroughIt) {
     folder.Write("script",
                  "cd $XDG_RUNTIME_DIR\nenv -u WAYLAND_DISPLAY " TAMBLOR_EXE " /s 2>said\necho $? >status\n");
     ASSERT_TRUE(compositor.Command("exec sh " + folder.File("script"))); // as a user's program
-    EXPECT_TRUE(Eventually([&] { return folder.Read("status") == "0\n"; }));
+    EXPECT_TRUE(Eventually([&] { return folder.Read("status") == "1\n"; }));
     EXPECT_NE(folder.Read("said").find("Xwayland"), std::string::npos) << folder.Read("said");
     EXPECT_TRUE(compositor.focused);
 }
