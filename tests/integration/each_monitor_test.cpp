@@ -56,6 +56,7 @@ TEST_F(EachMonitor, ThatShowsAPartOfAnotherHasNoShow) {
     display.SetMonitor("mirror", {0, 0, 320, 240}, false);
     StartOnAll();
     EXPECT_EQ(saver.Children().size(), 2u);
+    EXPECT_TRUE(display.WaitForPixel(160, 120, display.DesktopPixel(160, 120), 3)) << "black lies below";
     ExpectAKeyEndsIt();
 }
 

@@ -104,7 +104,7 @@ HWND CreateWindow(const WindowRequest& request) {
 void ShowWindow() {
     if (saverWindow.fullScreen)
         PrepareFullScreen();
-    XMapWindow(Connection(), saverWindow.id); // above what is there already
+    XMapRaised(Connection(), saverWindow.id); // also above the black windows, where monitors overlap
     XSync(Connection(), False);
     if (saverWindow.fullScreen)
         EnterFullScreen();
