@@ -79,7 +79,7 @@ TEST_F(Decoder, GivesWhatDecodingAtOnceGives) {
         white.alphaFromRed = true;
         for (const int entry : {2, 1, 9, 4, 3, 6, 5, 1}) {
             FXCanvas fresh;
-            for (FXCanvas* canvas : {&fresh, &used, &white})
+            for (FXCanvas* canvas : {&white, &used, &fresh}) // the last one takes what was decoded ahead
                 seen += Loaded(entry, canvas) + "\n";
         }
         return seen;
