@@ -91,6 +91,9 @@ TEST_F(Settings, TheNearestPlaceWinsAndABadFileIsPassedOverAndReported) {
     EXPECT_EQ(status, ERROR_BAD_CONFIGURATION);
     const std::string words = WordsOf(ERROR_BAD_CONFIGURATION);
     EXPECT_NE(words.find("user/tamblor/tamblor.conf:2: expected"), std::string::npos) << words;
+    testing::internal::CaptureStderr();
+    SettingNumber("samples", 3);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "who asked for the folder reports it";
     setenv("TAMBLOR_DATA", "/of/environment", 1);
     EXPECT_EQ(Read(), "/of/environment");
 }
