@@ -81,7 +81,7 @@ std::string RendererName(Display* display, int screen) {
     const char* name = nullptr;
     if (trap.Clean() && context != nullptr && glXMakeCurrent(display, buffer, context) != False)
         name = reinterpret_cast<const char*>(getString(GL_RENDERER));
-    const std::string text = name != nullptr ? name : "";
+    std::string text = name != nullptr ? name : "";
     glXMakeCurrent(display, None, nullptr);
     if (context != nullptr)
         glXDestroyContext(display, context);
