@@ -60,7 +60,8 @@ public:
             desktops_.push_back({.of = this, .output = output});
             config += Setting(Count() - 1) + "\n";
         }
-        server.Start({SWAY_EXE, "-c", server.folder.Write("config", config)},
+        // Without the way past composing, which on such outputs leaves pictures standing that are over.
+        server.Start({SWAY_EXE, "-D", "noscanout", "-c", server.folder.Write("config", config)},
                      {{"SWAYSOCK", server.folder.File("ipc")},
                       {"WLR_BACKENDS", "headless"},
                       {"WLR_RENDERER", "pixman"},
