@@ -243,8 +243,8 @@ TEST_F(TwoOutputs, TheShowIsOnTheOneWithTheFocusInItsOwnPixelsAndTheOtherIsBlack
             EXPECT_TRUE(compositor.WaitForBlack(1 - shown)) << second.settings << shown;
             ExpectTheDesktop(shown);
             ExpectAKeyEndsIt();
+            EXPECT_TRUE(compositor.WaitForDesktops());
         }
-    EXPECT_TRUE(compositor.WaitForDesktops());
 }
 
 TEST_F(TwoOutputs, EachHasAShowOfItsOwnDesktop) {

@@ -28,7 +28,7 @@ private:
 
 // A picture of a few pixels a side, black or fully transparent; null without memory. Kept until the process
 // ends.
-inline constexpr int kFewPixels = 2;
+inline constexpr int kFewPixels = 16;
 wl_buffer* FewPixels(bool black);
 
 } // namespace wayland

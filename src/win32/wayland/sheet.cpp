@@ -127,14 +127,14 @@ bool Sheet::LieAnywhere() {
     return true;
 }
 
-// Compositors that stretch on the processor count in steps of a 65536th: a few pixels that are stretched from
-// rim to rim may end some rows short of the screen's.
+// Compositors that stretch on the processor count in steps of a 65536th, and may look a little beyond what
+// they were told to stretch: around it is more of the same.
 void Sheet::Fill(Colour colour) {
-    const wl_fixed_t half = wl_fixed_from_double(0.5);
-    const wl_fixed_t inner = wl_fixed_from_int(kFewPixels - 1);
+    const wl_fixed_t quarter = wl_fixed_from_int(kFewPixels / 4);
+    const wl_fixed_t half = wl_fixed_from_int(kFewPixels / 2);
     wl_surface_attach(surface_, FewPixels(colour == Colour::Black), 0, 0);
     if (colour == Colour::Black)
-        wp_viewport_set_source(viewport_, half, half, inner, inner);
+        wp_viewport_set_source(viewport_, quarter, quarter, half, half);
     wl_surface_damage(surface_, 0, 0, INT32_MAX, INT32_MAX);
     Fit();
     wl_surface_commit(surface_);
