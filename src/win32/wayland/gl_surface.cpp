@@ -1,4 +1,5 @@
 // OpenGL on the window, by EGL.
+#include "win32/egl/desktop_gl.h"
 #include "win32/posix/last_error.h"
 #include "win32/wayland/frames.h"
 #include "win32/wayland/wayland.h"
@@ -19,11 +20,6 @@ namespace wayland {
 
 namespace {
 
-// EGL keeps for each thread which OpenGL is meant, and starts every thread with OpenGL ES.
-bool MeanDesktopOpenGl() {
-    return eglBindAPI(EGL_OPENGL_API) == EGL_TRUE;
-}
-
 // Kept until the process ends, and the driver with it: unloading that gains nothing and is a risk.
 EGLDisplay GlDisplay() {
     static const EGLDisplay display = [] {
@@ -35,33 +31,12 @@ EGLDisplay GlDisplay() {
     return display;
 }
 
-EGLint Attribute(EGLConfig config, EGLint name) {
-    EGLint value = 0;
-    eglGetConfigAttrib(GlDisplay(), config, name, &value);
-    return value;
-}
-
 // Names may begin alike.
 bool HasWord(const char* names, std::string_view name) {
     std::istringstream words(names != nullptr ? names : "");
     return std::find(std::istream_iterator<std::string>(words), {}, name) !=
            std::istream_iterator<std::string>();
 }
-
-class EglContext final : public GlContext {
-public:
-    explicit EglContext(EGLContext context) : context_(context) {}
-    ~EglContext() override {
-        MeanDesktopOpenGl();
-        if (eglGetCurrentContext() == context_)
-            eglMakeCurrent(GlDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-        eglDestroyContext(GlDisplay(), context_);
-    }
-    EGLContext Get() const { return context_; }
-
-private:
-    EGLContext context_;
-};
 
 class EglSurface final : public GlSurface {
 public:
@@ -94,21 +69,12 @@ bool EglSurface::ListConfigs(std::vector<GlConfig>* configs) {
                       "EGL has no OpenGL for this compositor (Mesa's has it: package libegl-mesa0)");
         return false;
     }
-    // clang-format off
-    constexpr EGLint kWishes[] = {
-        EGL_SURFACE_TYPE, EGL_WINDOW_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_COLOR_BUFFER_TYPE, EGL_RGB_BUFFER,
-        EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8, EGL_DEPTH_SIZE, 1, EGL_NONE};
-    // clang-format on
-    EGLint count = 0;
-    eglChooseConfig(GlDisplay(), kWishes, nullptr, 0, &count);
-    std::vector<EGLConfig> found(static_cast<std::size_t>(count));
-    eglChooseConfig(GlDisplay(), kWishes, found.data(), count, &count);
-    for (EGLConfig config : found) {
+    for (GlConfig config : ListGlConfigs(GlDisplay(), EGL_WINDOW_BIT)) {
         constexpr EGLint kColours[] = {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE};
-        if (std::ranges::all_of(kColours, [&](EGLint colour) { return Attribute(config, colour) == 8; }))
-            configs->push_back({config, Attribute(config, EGL_DEPTH_SIZE),
-                                Attribute(config, EGL_STENCIL_SIZE), Attribute(config, EGL_SAMPLES),
-                                Attribute(config, EGL_ALPHA_SIZE) == 0});
+        const auto attribute = [&](EGLint name) { return ConfigAttribute(GlDisplay(), config.native, name); };
+        config.likeScreen = attribute(EGL_ALPHA_SIZE) == 0;
+        if (std::ranges::all_of(kColours, [&](EGLint colour) { return attribute(colour) == 8; }))
+            configs->push_back(config);
     }
     return true;
 }
@@ -137,24 +103,17 @@ bool EglSurface::Create(const GlConfig& config) {
 }
 
 std::unique_ptr<GlContext> EglSurface::CreateContext() {
-    if (!MeanDesktopOpenGl())
-        return nullptr;
-    const EGLContext context = eglCreateContext(GlDisplay(), config_, EGL_NO_CONTEXT, nullptr);
-    return context != EGL_NO_CONTEXT ? std::make_unique<EglContext>(context) : nullptr;
+    return EglContext::Create(GlDisplay(), config_);
 }
 
 bool EglSurface::MakeCurrent(GlContext* context) {
-    if (!MeanDesktopOpenGl())
-        return false;
-    if (context == nullptr)
-        return eglMakeCurrent(GlDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT) == EGL_TRUE;
     int width = 0;
     int height = 0;
-    if (frames.TakeSize(&width, &height))
+    if (context != nullptr && frames.TakeSize(&width, &height))
         wl_egl_window_resize(native_, width, height, 0, 0);
-    if (eglMakeCurrent(GlDisplay(), surface_, surface_, static_cast<EglContext*>(context)->Get()) != EGL_TRUE)
+    if (!EglContext::MakeCurrent(GlDisplay(), surface_, context))
         return false;
-    if (!std::exchange(paced_, true))
+    if (context != nullptr && !std::exchange(paced_, true))
         eglSwapInterval(GlDisplay(), 0); // which would wait for ever on an output that is off
     return true;
 }
