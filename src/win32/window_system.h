@@ -22,6 +22,10 @@ struct Place {
     bool operator==(const Place&) const = default;
 };
 
+inline bool Overlap(const Place& a, const Place& b) {
+    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+}
+
 struct WindowRequest {
     HWND parent = nullptr; // null: the window covers the screen, and all input is its own
     Place place;

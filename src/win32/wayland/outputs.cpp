@@ -76,10 +76,6 @@ void FindLayout(Output* output) {
     zxdg_output_v1_add_listener(output->layout, &kLayoutListener, output);
 }
 
-bool Overlap(const Place& a, const Place& b) {
-    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
-}
-
 // Those that are on, the leftmost first.
 std::vector<const Output*> ListOutputs() {
     std::vector<const Output*> list;

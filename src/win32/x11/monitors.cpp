@@ -52,10 +52,6 @@ bool FindGeometry(Display* display, Drawable drawable, Place* place, unsigned* d
     return found != 0;
 }
 
-bool Overlap(const Place& a, const Place& b) {
-    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
-}
-
 std::vector<Place> ListMonitors(Display* display) {
     struct Monitor {
         bool secondary;

@@ -11,7 +11,6 @@ namespace x11 {
 
 // Of a window or a pixmap; the depth only where it is asked for. False when it is gone.
 bool FindGeometry(Display* display, Drawable drawable, Place* place, unsigned* depth = nullptr);
-bool Overlap(const Place& a, const Place& b);
 
 // The monitors on the X screen, the primary one first: the one flagged so, else the leftmost. Without
 // RandR 1.5, or with every monitor off, the whole screen is one; the list is never empty.
