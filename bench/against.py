@@ -36,12 +36,7 @@ def measure(folder, display):
         first = show.frame(0)
         found["start"] = first.shown * 1000
         found["resident"] = first.resident
-        show.pass_first_cycle()
-        for stage in range(len(STAGES)):
-            show.enter(stage)
-            seconds, processor = show.draw_for(3)
-            found[f"frame {stage}"] = seconds * 1000
-            found[f"processor {stage}"] = processor * 1000
+        found.update(show.measure_stages())
         found["peak"] = show.frame(-1).peak
     with ParentWindow(display, 152, 112) as parent, \
             Run([str(folder / "bin/tamblor"), "/p", str(parent.number)], display,

@@ -62,12 +62,7 @@ def measure(screen):
     with Show(build_of(SOURCE), screen) as show:
         show.wait_for(1)
         found["start"] = show.frame(0).shown * 1000
-        show.pass_first_cycle()
-        for stage in range(len(STAGES)):
-            show.enter(stage)
-            seconds, processor = show.draw_for(3)
-            found[f"frame {stage}"] = seconds * 1000
-            found[f"processor {stage}"] = processor * 1000
+        found.update(show.measure_stages())
     return found
 
 

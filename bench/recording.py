@@ -192,6 +192,17 @@ class Show(Run):
         self.go_on_to(4, 20)
         self.go_on_to(0, 20)
 
+    def measure_stages(self, seconds=3):
+        """A frame of each stage of the second cycle: its time and processor time, in milliseconds."""
+        self.pass_first_cycle()
+        found = {}
+        for stage in range(len(STAGES)):
+            self.enter(stage)
+            frame, processor = self.draw_for(seconds)
+            found[f"frame {stage}"] = frame * 1000
+            found[f"processor {stage}"] = processor * 1000
+        return found
+
 
 class ParentWindow:
     """A window for a preview."""
