@@ -210,9 +210,7 @@ int main(int count, char** arguments) {
     if (count == 1 && DaemonWindow() != 0)
         words.task = Task::Hosted;
     std::string line;
-    OfferSystemsFor(words);
-    AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
-    switch (words.task) {
+    switch (words.task) { // those that need no window system
     case Task::Wrong:
         return Complain(kUsageError, words.problem);
     case Task::Help:
@@ -223,12 +221,18 @@ int main(int count, char** arguments) {
         return Tell(AddToSavers(&line), line);
     case Task::Unregister:
         return Tell(RemoveFromSavers(&line), line);
+    case Task::Autostart:
+        return SetAutostart(words.autostart, words.lock, ShowOptions(words));
+    default:
+        break;
+    }
+    OfferSystemsFor(words);
+    AskScreenWidthOf([] { return GetSystemMetrics(SM_CXSCREEN); });
+    switch (words.task) {
     case Task::Watch:
         line = ReasonAgainstShow(words);
         return line.empty() ? Watch(IdleMilliseconds(words), words.lock, ShowOptions(words))
                             : Complain(kFailed, line);
-    case Task::Autostart:
-        return SetAutostart(words.autostart, words.lock, ShowOptions(words));
     case Task::Where:
         HonourSettings();
         return Where();
@@ -236,7 +240,7 @@ int main(int count, char** arguments) {
     case Task::Hosted:
         words.rest = {"/s"};
         break;
-    case Task::Classic:
+    default:
         break;
     }
     std::signal(SIGPIPE, SIG_IGN);
