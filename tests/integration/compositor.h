@@ -9,11 +9,6 @@
 #include "viewporter-client-protocol.h"
 #include "virtual-input-client-protocol.h"
 #include "xdg-shell-client-protocol.h"
-extern "C" { // written for C
-#include "viewporter-protocol.h"
-#include "virtual-input-protocol.h"
-#include "xdg-shell-protocol.h"
-}
 
 #include <deque>
 #include <linux/input-event-codes.h>

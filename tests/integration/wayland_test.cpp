@@ -126,12 +126,12 @@ TEST_F(Wayland, TheShowFollowsItsOutput) {
 TEST_F(Wayland, ItEndsAtOnceAndDrawsNothingWhileNobodySeesIt) {
     using Clock = std::chrono::steady_clock;
     Hide("zwlr_layer_shell_v1"); // a window of another workspace gets no frames
-    for (const bool unseen : {true, false}) {
+    for (const std::string unseen : {"workspace 9", ""}) {
         auto best = Clock::duration::max(); // of several: the machine may be busy
         for (int i = 0; i < 3 && best > std::chrono::milliseconds(300); ++i) {
             Start();
-            if (unseen)
-                ASSERT_TRUE(compositor.Command("workspace 9"));
+            if (!unseen.empty())
+                ASSERT_TRUE(compositor.Command(unseen));
             else // on the overlay layer there is always a frame, until the compositor says nothing at all
                 compositor.server.program.Signal(SIGSTOP);
             usleep(500000); // it waits for a frame now
@@ -142,7 +142,7 @@ TEST_F(Wayland, ItEndsAtOnceAndDrawsNothingWhileNobodySeesIt) {
             compositor.server.program.Signal(SIGCONT);
             ASSERT_TRUE(compositor.Command("workspace 1") && compositor.WaitForFocus());
         }
-        EXPECT_LT(best, std::chrono::milliseconds(300));
+        EXPECT_LT(best, std::chrono::milliseconds(300)) << unseen;
         saver.environment.erase("LD_PRELOAD");
     }
     Hide("zwlr_layer_shell_v1");
@@ -271,14 +271,15 @@ TEST_F(WithXwayland, NoShowStartsThroughIt) {
     EXPECT_TRUE(compositor.focused);
 }
 
-// A compositor that has neither layers nor copies of its outputs, in a window on X11.
+// A compositor that has neither layers nor copies of its outputs, which are windows on X11.
 class Weston : public ShowFixture {
 protected:
-    Weston() {
+    explicit Weston(int outputs = 1) : ShowFixture(outputs * 320, 240) {
         const std::string config = server.folder.Write(
             "config", "[shell]\nbackground-image=\nbackground-color=0xff204060\npanel-position=none\n");
         server.Start({WESTON_EXE, "--backend=x11-backend.so", "--use-pixman", "--width=320", "--height=240",
-                      "--idle-time=0", "--socket=wayland-1", "--config=" + config},
+                      "--output-count=" + std::to_string(outputs), "--idle-time=0", "--socket=wayland-1",
+                      "--config=" + config},
                      {{"DISPLAY", display.Name()}});
         server.Offer(&saver.environment);
     }
@@ -302,6 +303,67 @@ TEST_F(Weston, TheShowIsAFullScreenWindowOfAPictureOfItsOwn) {
     EXPECT_TRUE(saver.SeeFrames([&] { return Changed(first) > 500; }));
     ExpectAKeyEndsIt();
     EXPECT_NE(saver.Trace().find("(desktop capture)"), std::string::npos) << saver.Trace();
+    EXPECT_EQ(saver.Errors(), "");
+}
+
+class WestonWithThreeOutputs : public Weston {
+protected:
+    WestonWithThreeOutputs() : Weston(3) {}
+    static Area Place(int output) { return {output * 320, 0, 320, 240}; }
+    bool IsBlack(int output) const {
+        const ScreenPicture picture = display.Photograph(display.Root(), Place(output));
+        return std::ranges::count(picture.pixels, 0u) == std::ssize(picture.pixels);
+    }
+    void Unplug(int output) {
+        XEvent event = {};
+        event.xclient.type = ClientMessage;
+        event.xclient.window = windows[static_cast<std::size_t>(output)];
+        event.xclient.message_type = XInternAtom(display.connection, "WM_PROTOCOLS", False);
+        event.xclient.format = 32;
+        event.xclient.data.l[0] =
+            static_cast<long>(XInternAtom(display.connection, "WM_DELETE_WINDOW", False));
+        XSendEvent(display.connection, event.xclient.window, False, NoEventMask, &event);
+        display.Sync();
+        EXPECT_TRUE(Eventually([&] { return std::ssize(display.VisibleWindows()) < left_; }));
+        --left_;
+    }
+    bool SeeFrames(int output) const {
+        const ScreenPicture before = display.Photograph(display.Root(), Place(output));
+        return saver.SeeFrames(
+            [&] { return Difference(display.Photograph(display.Root(), Place(output)), before) > 500; });
+    }
+
+    std::vector<Window> windows;
+
+private:
+    int left_ = 3;
+};
+
+TEST_F(WestonWithThreeOutputs, TheShowStaysWhileItCanAndThenGoesToAnother) {
+    ASSERT_TRUE(server.Listens()) << server.folder.Read("errors");
+    ASSERT_TRUE(Eventually([&] {
+        windows = display.VisibleWindows();
+        return windows.size() == 3;
+    }));
+    for (int i = 0; i < 3; ++i)
+        XMoveWindow(display.connection, windows[static_cast<std::size_t>(i)], Place(i).x, 0);
+    saver.Start({"/s"});
+    std::vector<int> black;
+    ASSERT_TRUE(Eventually([&] {
+        black.clear();
+        for (int i = 0; i < 3; ++i)
+            if (IsBlack(i))
+                black.push_back(i);
+        return black.size() == 2;
+    })) << black.size();
+    const int shown = 3 - black[0] - black[1];
+    EXPECT_TRUE(SeeFrames(shown));
+    Unplug(black[0]);
+    EXPECT_TRUE(SeeFrames(shown));
+    Unplug(shown);
+    EXPECT_TRUE(SeeFrames(black[1]));
+    saver.Signal(SIGTERM);
+    EXPECT_EQ(saver.WaitForExit(), 0);
     EXPECT_EQ(saver.Errors(), "");
 }
 

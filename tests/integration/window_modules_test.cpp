@@ -1,5 +1,6 @@
 // The window systems are modules: a machine that lacks the libraries of one is told so, and the program
 // itself needs none of them.
+#include "integration/compositor.h"
 #include "integration/installed_program.h"
 #include "integration/saver_process.h"
 
@@ -75,15 +76,31 @@ TEST_F(WindowModules, ThatCannotBeLoadedAreNamedWithTheReason) {
 }
 
 TEST_F(WindowModules, LeaveTheShowToTheOthers) {
+    const auto start = [this] {
+        saver.Program::Start({saver.data.File("bin/tamblor"), "/s"}, saver.environment, "/",
+                             saver.data.File("stderr"));
+    };
+    const std::string whole = saver.data.Read(fs::relative(Module("wayland"), saver.data.Path()).string());
     TakeAway("libwayland-client.so.0", "wayland");
     EXPECT_EQ(Run("--where"), 0) << saver.data.Read("out");
     EXPECT_NE(saver.data.Read("out").find("not wayland: notwayland-client.so.0: cannot open"),
               std::string::npos)
         << saver.data.Read("out");
-    saver.Program::Start({saver.data.File("bin/tamblor"), "/s"}, saver.environment, "/",
-                         saver.data.File("stderr"));
+    start();
     ASSERT_TRUE(saver.WaitUntilShown(display));
     ExpectAKeyEndsIt();
+    EXPECT_EQ(saver.Errors(), "");
+
+    saver.data.Write(fs::relative(Module("wayland"), saver.data.Path()).string(), whole);
+    TakeAway("libX11.so.6", "x11");
+    Compositor compositor({{}}, "xwayland disable");
+    ASSERT_TRUE(compositor.ready) << compositor.server.folder.Read("errors");
+    compositor.server.Offer(&saver.environment);
+    start();
+    EXPECT_TRUE(
+        saver.SeeFrames([&] { return Difference(compositor.Photograph(), compositor.Desktop()) > 0; }));
+    compositor.PressKey(KEY_SPACE);
+    EXPECT_EQ(saver.WaitForExit(), 0);
     EXPECT_EQ(saver.Errors(), "");
 }
 
