@@ -15,6 +15,20 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     target_compile_options(tamb_options INTERFACE -msse2 -mfpmath=sse)
 endif()
 
+# What an exploit meets, as Debian builds its programs and a little more; sanitizers see more than that. Each costs nothing
+# that can be measured: scripts/bench, instructions_test.
+if(NOT WIN32 AND NOT TAMBLOR_SANITIZE)
+    include(CheckPIESupported)
+    check_pie_supported()
+    add_compile_options(-fstack-protector-strong -fstack-clash-protection -Wformat -Werror=format-security
+        # glibc checks sizes where the compiler has found them out, which takes optimising.
+        $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|i.86")
+        add_compile_options(-fcf-protection)
+    endif()
+    add_link_options(LINKER:-z,relro,-z,now,-z,noexecstack)
+endif()
+
 if(TAMBLOR_SANITIZE)
     add_compile_options(-fsanitize=${TAMBLOR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${TAMBLOR_SANITIZE})
