@@ -1,5 +1,5 @@
 // The millisecond tick. A test may turn the clock of a running saver: TAMBLOR_CLOCK names a file of four
-// bytes that holds the tick instead.
+// bytes that holds the tick instead, and is only read.
 #include "win32/win32.h"
 
 #include <atomic>
@@ -17,11 +17,11 @@ std::uint32_t* MappedClock() {
     const char* name = std::getenv("TAMBLOR_CLOCK");
     if (name == nullptr)
         return nullptr;
-    const int file = open(name, O_RDWR | O_CLOEXEC);
+    const int file = open(name, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     struct stat facts = {};
     void* page = MAP_FAILED;
     if (file >= 0 && fstat(file, &facts) == 0 && facts.st_size >= static_cast<off_t>(sizeof(std::uint32_t)))
-        page = mmap(nullptr, sizeof(std::uint32_t), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+        page = mmap(nullptr, sizeof(std::uint32_t), PROT_READ, MAP_SHARED, file, 0);
     if (file >= 0)
         close(file);
     return page == MAP_FAILED ? nullptr : static_cast<std::uint32_t*>(page);
