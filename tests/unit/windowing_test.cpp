@@ -161,6 +161,7 @@ TEST_F(Windowing, OpenGlThatFailsLeavesBlackAndTheReason) {
     for (script.failing = 0; script.failing < 6; ++script.failing) {
         script.calls = "";
         SetLastError(ERROR_SUCCESS);
+        CallWhenOpenGlIsThere([] { Note("told"); });
         const HDC dc = GetDC(kWindow);
         EXPECT_EQ(GetDC(kWindow), nullptr) << "a second one";
         const int format = dc != nullptr ? ChoosePixelFormat(dc, &wanted) : 0;
@@ -169,7 +170,8 @@ TEST_F(Windowing, OpenGlThatFailsLeavesBlackAndTheReason) {
         EXPECT_EQ(GetLastError(), script.failing == 0   ? ERROR_INVALID_WINDOW_HANDLE
                                   : script.failing == 1 ? ERROR_NOT_SUPPORTED
                                                         : ERROR_BAD_DRIVER);
-        EXPECT_NE(script.calls.find("black"), std::string::npos) << script.failing;
+        EXPECT_NE(script.calls.find("black told "), std::string::npos) << script.failing;
+        EXPECT_EQ(script.calls.find("told"), script.calls.rfind("told")) << script.failing;
         EXPECT_FALSE(SwapBuffers(dc));
         wglDeleteContext(context);
         EXPECT_EQ(ReleaseDC(kWindow, dc), dc != nullptr ? 1 : 0);

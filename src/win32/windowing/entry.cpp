@@ -1,6 +1,7 @@
 // The saver's process entry, and the facts of the process.
 #include "win32/linux/autostart.h"
 #include "win32/linux/child_process.h"
+#include "win32/linux/confinement.h"
 #include "win32/linux/daemon_window.h"
 #include "win32/linux/login.h"
 #include "win32/linux/shows.h"
@@ -204,6 +205,7 @@ BOOL SystemParametersInfoA(UINT, UINT, void*, UINT) {
 }
 
 int main(int count, char** arguments) {
+    GiveUpNewPrivileges();
     const std::vector<std::string> all(arguments, arguments + count);
     Words words = ReadWords(std::span(all).subspan(all.empty() ? 0 : 1));
     // A daemon that says nothing more than where.
@@ -258,6 +260,7 @@ int main(int count, char** arguments) {
     if (!line.empty())
         return Complain(kFailed, line);
     HonourSettings();
+    CallWhenOpenGlIsThere([] { Confine(); }); // before the package is read; without it the show goes on
     commandLine = Joined(all);
     line = Joined(WithDecimals(words.rest));
     const int status = WinMain(nullptr, nullptr, line.data(), SW_SHOWNORMAL);

@@ -3,6 +3,7 @@
 #include "win32/windowing/windowing.h"
 
 #include <optional>
+#include <utility>
 
 // A device context.
 struct HDC__ {
@@ -22,6 +23,13 @@ constexpr int kNotSet = -1;
 constexpr int kSamples = 4;   // by default, where a graphics card draws
 constexpr int kTheFormat = 1; // the number of the chosen pixel format
 HDC theDc = nullptr;
+void (*whenThere)() = nullptr;
+
+// No driver comes any more.
+void TellThatOpenGlIsThere() {
+    if (auto* const function = std::exchange(whenThere, nullptr))
+        function();
+}
 
 // For the functions that end in a context. There will be no picture: the window shows black instead of what
 // lies below.
@@ -31,10 +39,15 @@ BOOL Fail(HDC dc, DWORD error) {
         return FALSE;
     *dc = {};
     UsedWindowSystem().ShowBlack();
+    TellThatOpenGlIsThere();
     return FALSE;
 }
 
 } // namespace
+
+void CallWhenOpenGlIsThere(void (*function)()) {
+    whenThere = function;
+}
 
 HDC GetDC(HWND window) {
     if (theDc != nullptr || !IsProgramWindow(window))
@@ -43,6 +56,7 @@ HDC GetDC(HWND window) {
     if (surface == nullptr) {
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
         UsedWindowSystem().ShowBlack();
+        TellThatOpenGlIsThere();
         return nullptr;
     }
     theDc = new HDC__;
@@ -105,6 +119,7 @@ BOOL wglMakeCurrent(HDC dc, HGLRC context) {
         return theDc == nullptr || !theDc->created || theDc->surface->MakeCurrent(nullptr) ? TRUE : FALSE;
     if (dc->created && dc->surface->MakeCurrent(context->context.get())) {
         context->works = true;
+        TellThatOpenGlIsThere();
         return TRUE;
     }
     return context->works ? FALSE : Fail(dc, ERROR_BAD_DRIVER);

@@ -34,6 +34,9 @@ void HonourSettings();
 // A setting by its name; `otherwise` where none is set, or none holds.
 int Setting(const char* name, int otherwise);
 
+// Once, from within the function that finds out that OpenGL works on the window, or that it does not.
+void CallWhenOpenGlIsThere(void (*function)());
+
 // reports.cpp: from here on, only moves beyond the threshold count.
 void SetMouseThreshold();
 
