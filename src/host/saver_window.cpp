@@ -77,7 +77,8 @@ LRESULT CALLBACK ScreenSaverProc(HWND window, UINT message, WPARAM wParam, LPARA
         DestroyScene();
         return 0;
     case SaverAction::Close:
-        if (SaverMayClose(fChildPreview == 1, escapeHit, started, fxGetTime(), startTime))
+        if (SaverMayClose(fChildPreview == 1, escapeHit, started,
+                          startTime + fxSecondsBetween(startTime, fxGetTime()), startTime))
             DestroyWindow(window);
         return 0;
     case SaverAction::KeepBackground:

@@ -23,6 +23,12 @@ double fxGetTime() {
     return fxGetTicks() / 1000.0;
 }
 
+double fxSecondsBetween(double from, double to) {
+    constexpr double kRange = 4294967.296; // of the clock
+    const double seconds = to - from;
+    return seconds < -kRange / 2 ? seconds + kRange : seconds;
+}
+
 double FXTimeDiff::OnTime() {
     const double now = fxGetTime();
     return now - std::exchange(last, now);

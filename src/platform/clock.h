@@ -14,6 +14,10 @@ void fxSetTickSource(FXTickSource source);
 // fxGetTicks in seconds.
 double fxGetTime();
 
+// Seconds from one of fxGetTime's times to a later one, between which the clock may have started anew. A
+// clock that is set back a little runs backwards.
+double fxSecondsBetween(double from, double to);
+
 // Measures from one call to the next.
 struct FXTimeDiff {
     double OnTime(); // seconds since the last call; the first one counts from the start of the clock

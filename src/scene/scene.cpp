@@ -87,8 +87,19 @@ const FlatPicture kFlatPictures[] = {{kSpace, desk0, desk0_mat},
                                      {kRays, desk2, desk2_mat},
                                      {kLens, desk_lens, desk_lens_mat}};
 
+double lastClock = 0;  // as the show last saw it
+double clockBegan = 0; // when it last started anew, on the show's own time
+
+// The show's time goes on where the clock starts anew, as it does every 49 days.
+double localShowTime(double clock) {
+    clockBegan += fxSecondsBetween(lastClock, clock) - (clock - lastClock);
+    lastClock = clock;
+    return clockBegan + clock;
+}
+
 // As if the process had just started.
 void localResetState(bool asPreview) {
+    lastClock = clockBegan = 0;
     isPreview = asPreview;
     hasError = false;
     stage = kDissolving;
@@ -440,7 +451,7 @@ void localPause(PEnv* env, double t) {
     if (delay_phaser.phase >= 1) {
         stage = kRebuilding;
         reopen.backwards = false;
-        reopen.StartAnim(fxGetTime());
+        reopen.StartAnim(localShowTime(fxGetTime()));
     }
 }
 
@@ -504,7 +515,8 @@ bool localOpenFrame() {
 
 } // namespace
 
-void Scene::OnRender(PEnv* env, double t) {
+void Scene::OnRender(PEnv* env, double clock) {
+    const double t = localShowTime(clock);
     if (!localOpenFrame())
         return;
     if (isPreview) {

@@ -8,7 +8,7 @@
 #include "platform/clock.h"
 #include "platform/trace.h"
 #include "scene/show.h"
-#include "unit/scene_parts.h"
+#include "unit/small_show.h"
 
 #include <chrono>
 #include <cmath>
@@ -55,29 +55,10 @@ protected:
         std::filesystem::current_path(before_);
     }
 
-    // Pictures, models and a morph of twice half a second, whose triangle carries the desktop's picture.
     void WritePackage(const std::vector<TestEntry>& more = {}) {
-        FXPackage package;
-        const std::string picture = Tga(1, 1, {0xFFFFFFFFu});
-        const std::string model = TriangleModel(folder_);
-        std::vector<TestEntry> entries = more;
-        for (const int id : {0, 1, 5, 18, 19, 20, 21, 73, 74})
-            entries.push_back({id, kTga, picture});
-        for (const int id : {4, 11, 13, 15, 17})
-            entries.push_back({id, kRaw, model});
-        entries.push_back({72, kRaw, Morph()});
-        LoadTestPackage(package, folder_, entries);
-        std::filesystem::rename(folder_.File("test-package"), folder_.File("tamb.dat"));
-    }
-    std::string Morph() {
-        FXAnim anim;
-        for (int i = 0; i < 3; ++i) {
-            anim.models.Push(NewModel({TriangleAt(static_cast<float>(i * i))}, "Material001"));
-            anim.frameNames.Push("");
-            anim.frameTimes.Push(500);
-        }
-        EXPECT_TRUE(anim.Save(folder_.File("morph").c_str()));
-        return folder_.Read("morph");
+        std::vector<TestEntry> entries = SmallShow(folder_);
+        entries.insert(entries.begin(), more.begin(), more.end());
+        folder_.Write("tamb.dat", PackageOf(entries));
     }
     void Build(bool preview = false) {
         Set(kStart);
@@ -211,6 +192,67 @@ TEST_F(Show, GoesThroughItsCycle) {
     fxSetAllocLimit(0);
     EXPECT_EQ(inUse[1], inUse[0]) << "it goes round for days";
     EXPECT_EQ(GLRecorder::LiveTextures(), 9);
+}
+
+// Every stage lasts as long as ever, and what turns goes on turning, where the clock starts anew in its
+// middle, and where it passes some minutes at once, as for a machine that was asleep.
+TEST_F(Show, NoStageNoticesThatTheClockStartsAnew) {
+    constexpr double kAnew = 4294967.296, kStep = 0.25, kHalf = 0.75; // seconds
+    const struct {
+        int stage;
+        double least, most;
+    } kCases[] = {{show::kDissolving, 2, 2},
+                  {show::kBurning, 5, 17},
+                  {show::kPause, 20, 20},
+                  {show::kRebuilding, 1, 1.5},
+                  {show::kReturning, 2, 2}};
+    WritePackage();
+    GLRecorder::SetNullMode(true);
+    const auto draw = [](double time) {
+        Set(time);
+        show::sc.OnRender(&show::gr, fxGetTime());
+    };
+    for (const auto& [stage, least, most] : kCases)
+        for (const double start : {1000.0, kAnew - kHalf})
+            for (const double sleep : {0.0, 300.0}) {
+                SCOPED_TRACE(testing::Message()
+                             << "stage " << stage << " at " << start << ", asleep for " << sleep);
+                Set(start - 20);
+                BuildScene(kFakeWindow, false);
+                for (double time = start - 20; time <= start; time += kStep)
+                    draw(time);
+                show::stage = stage;
+                show::fire.ReCreate();
+                for (FXPhaser* phaser : {&show::scr_phaser, &show::delay_phaser})
+                    phaser->Restart(start);
+                show::reopen.StartAnim(start);
+                double time = start, turn = show::phase_sun_rot.phase, spin = show::gad.spin.phase;
+                for (; show::stage == stage && time < start + 400;
+                     time += time < start + kHalf ? kStep : kStep + sleep) {
+                    draw(time);
+                    if (sleep > 0)
+                        continue;
+                    const double turned = std::fmod(show::phase_sun_rot.phase - turn + 1, 1),
+                                 spun = std::fmod(show::gad.spin.phase - spin + 1, 1);
+                    EXPECT_NEAR(turned, time > start ? kStep / 90 : 0, 1e-3) << time - start;
+                    EXPECT_NEAR(spun, time > start ? kStep / 8 : 0, 1e-3) << time - start;
+                    turn = show::phase_sun_rot.phase;
+                    spin = show::gad.spin.phase;
+                }
+                const double lasted = time - kStep - start;
+                EXPECT_EQ(show::stage, (stage + 1) % 5);
+                if (sleep == 0) {
+                    EXPECT_TRUE(least - 1e-6 <= lasted && lasted <= most + 1e-6) << lasted;
+                } else {
+                    EXPECT_LE(lasted, 2 * (sleep + kStep) + 1);
+                }
+                for (double later = 0; later < 60 && show::stage != stage; later += kStep)
+                    draw(time + later);
+                EXPECT_EQ(show::stage, stage) << "and it comes again";
+                DestroyScene();
+                TakeFakeCalls();
+            }
+    GLRecorder::SetNullMode(false);
 }
 
 TEST_F(Show, DrawsEachThingInItsPlaceAndLight) {

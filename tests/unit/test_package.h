@@ -33,8 +33,8 @@ struct TestEntry {
     std::string bytes;
 };
 
-inline void LoadTestPackage(FXPackage& package, const TempFolder& folder,
-                            const std::vector<TestEntry>& entries) {
+// The file of a package.
+inline std::string PackageOf(const std::vector<TestEntry>& entries) {
     std::vector<std::int32_t> ids, offsets, sizes, types;
     std::string data;
     for (const TestEntry& entry : entries) {
@@ -44,8 +44,12 @@ inline void LoadTestPackage(FXPackage& package, const TempFolder& folder,
         types.push_back(entry.type);
         data += entry.bytes;
     }
-    const std::string tables = Table(ids) + Table(offsets) + Table(sizes) + Table(types);
-    ASSERT_TRUE(package.Load(folder.Write("test-package", Header("pck01") + tables + data).c_str()));
+    return Header("pck01") + Table(ids) + Table(offsets) + Table(sizes) + Table(types) + data;
+}
+
+inline void LoadTestPackage(FXPackage& package, const TempFolder& folder,
+                            const std::vector<TestEntry>& entries) {
+    ASSERT_TRUE(package.Load(folder.Write("test-package", PackageOf(entries)).c_str()));
 }
 
 // A TGA file of 32 bits per pixel, 8 of them alpha, its top row first. Pixels as a canvas has them:
