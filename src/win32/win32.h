@@ -105,7 +105,7 @@ struct PIXELFORMATDESCRIPTOR {
     DWORD dwLayerMask, dwVisibleMask, dwDamageMask;
 };
 struct CRITICAL_SECTION {
-    void* lock;
+    alignas(void*) unsigned char lock[64]; // in place: a lock needs no memory of its own
 };
 
 #define TRUE 1

@@ -1,6 +1,7 @@
 #include "win32/linux/autostart.h"
 
 #include "base/whole_file.h"
+#include "win32/posix/program_file.h"
 #include "win32/posix/user_folder.h"
 
 #include <cerrno>
@@ -78,17 +79,17 @@ int SetAutostart(bool on, bool lock, const std::vector<std::string>& showOptions
         std::printf("%s %s\n", file.c_str(), removed ? "removed" : "is not there");
         return 0;
     }
+    const std::string program = ProgramFile();
+    if (program.empty())
+        return Fail("/proc/self/exe", ENOENT);
     std::error_code failed;
-    const fs::path program = fs::read_symlink("/proc/self/exe", failed);
-    if (failed)
-        return Fail("/proc/self/exe", failed.value());
     fs::create_directories(folder, failed);
     if (failed)
         return Fail(folder.string(), failed.value());
     std::string options = lock ? " --lock" : "";
     for (const std::string& option : showOptions)
         options += " " + option;
-    const int status = Write(file, Entry(program.string(), options));
+    const int status = Write(file, Entry(program, options));
     if (status == 0)
         std::printf("%s written; it counts from the next log-in\n", file.c_str());
     return status;

@@ -3,6 +3,7 @@
 #include "win32/linux/child_process.h"
 #include "win32/linux/inhibitors.h"
 #include "win32/linux/login.h"
+#include "win32/posix/program_file.h"
 #include "win32/windowing/windowing.h"
 
 #include <algorithm>
@@ -91,8 +92,10 @@ public:
         for (std::string& option : options)
             words.push_back(option.data());
         words.push_back(nullptr);
-        if (EndWithParent(watcher, signals.Before()))
-            execv("/proc/self/exe", words.data());
+        if (EndWithParent(watcher, signals.Before())) {
+            execv("/proc/self/exe", words.data()); // also when another version has replaced it
+            execv(ProgramFile().c_str(), words.data());
+        }
         _exit(1);
     }
     bool HasEnded() {

@@ -1,6 +1,7 @@
 #include "win32/linux/where.h"
 
 #include "win32/posix/data_folder.h"
+#include "win32/posix/program_file.h"
 #include "win32/product.h"
 
 #include <GL/gl.h>
@@ -204,9 +205,8 @@ WhereReport FindOutWhere(std::span<const WindowSystem* const> systems) {
     WhereReport report;
     report.whole = true;
     Lines lines(&report);
-    std::error_code failed;
     lines.Put("version", TAMBLOR_VERSION);
-    lines.Put("program", fs::read_symlink("/proc/self/exe", failed).string());
+    lines.Put("program", ProgramFile());
     const std::vector<DataPlace> places = ListDataPlaces();
     PutPackage(&lines, places, UsedWindowSystem().FindScreen().width);
     PutConfiguration(&lines, places);

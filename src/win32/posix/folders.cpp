@@ -1,4 +1,5 @@
-// The current folder and the shell's folders.
+// The current folder, the program's, and the shell's folders.
+#include "win32/posix/program_file.h"
 #include "win32/posix/user_folder.h"
 #include "win32/win32.h"
 
@@ -7,7 +8,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <new>
 #include <string>
+#include <sys/auxv.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,6 +44,16 @@ void CreateFolders(const std::string& path) {
 }
 
 } // namespace
+
+std::string ProgramFile() {
+    std::error_code failed;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
+    if (!failed)
+        return program.string();
+    const auto* const started = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+    const bool known = started != nullptr && *started == '/';
+    return known ? std::filesystem::canonical(started, failed).string() : "";
+}
 
 std::string UserFolder(const char* variable, const char* belowHome) {
     const char* named = std::getenv(variable);
@@ -75,7 +89,7 @@ BOOL CreateDirectoryA(const char* path, void*) {
     return mkdir(path, kPrivate) == 0 ? TRUE : FALSE;
 }
 
-HRESULT SHGetFolderPathA(HWND, int folder, HANDLE, DWORD, char* path) {
+HRESULT SHGetFolderPathA(HWND, int folder, HANDLE, DWORD, char* path) try {
     constexpr HRESULT kFailed = static_cast<HRESULT>(0x80004005u);
     const std::string found = folder == CSIDL_FONTS ? "/usr/share/fonts"
                               : (folder & ~CSIDL_FLAG_CREATE) == CSIDL_LOCAL_APPDATA
@@ -87,6 +101,8 @@ HRESULT SHGetFolderPathA(HWND, int folder, HANDLE, DWORD, char* path) {
         CreateFolders(found);
     std::snprintf(path, MAX_PATH, "%s", found.c_str());
     return 0;
+} catch (const std::bad_alloc&) {
+    return static_cast<HRESULT>(0x8007000Eu); // no memory
 }
 
 HINSTANCE ShellExecuteA(HWND, const char* verb, const char*, const char*, const char*, int) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <new>
 
 namespace {
 
@@ -46,11 +47,13 @@ void SetErrorWords(DWORD error, const std::string& words) {
     ownWords[error] = words;
 }
 
-DWORD FormatMessageA(DWORD, const void*, DWORD message, DWORD, char* buffer, DWORD size, void*) {
+DWORD FormatMessageA(DWORD, const void*, DWORD message, DWORD, char* buffer, DWORD size, void*) try {
     const std::string text = WordsOf(message);
     const std::size_t length = std::min<std::size_t>(text.size(), size > 0 ? size - 1 : 0);
     std::memcpy(buffer, text.data(), length);
     if (size > 0)
         buffer[length] = '\0';
     return static_cast<DWORD>(length);
+} catch (const std::bad_alloc&) {
+    return 0;
 }

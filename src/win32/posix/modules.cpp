@@ -1,8 +1,10 @@
 // Modules loaded at run time.
 #include "win32/win32.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <dlfcn.h>
-#include <string>
+#include <iterator>
 #include <string_view>
 
 namespace {
@@ -20,11 +22,11 @@ constexpr Alias kAliases[] = {
 } // namespace
 
 HMODULE LoadLibraryA(const char* name) {
-    std::string library = std::string("lib") + name + ".so";
-    for (const Alias& alias : kAliases)
-        if (alias.name == name)
-            library = alias.library;
-    return static_cast<HMODULE>(dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL));
+    char usual[MAX_PATH];
+    std::snprintf(usual, sizeof usual, "lib%s.so", name);
+    const auto* const alias = std::ranges::find(kAliases, name, &Alias::name);
+    const char* const library = alias != std::end(kAliases) ? alias->library : usual;
+    return static_cast<HMODULE>(dlopen(library, RTLD_NOW | RTLD_LOCAL));
 }
 
 FARPROC GetProcAddress(HMODULE module, const char* name) {

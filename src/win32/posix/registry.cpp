@@ -6,6 +6,7 @@
 //      where the screen is large and there is one
 #include "win32/posix/data_folder.h"
 #include "win32/posix/last_error.h"
+#include "win32/posix/program_file.h"
 #include "win32/posix/settings_file.h"
 #include "win32/product.h"
 #include "win32/win32.h"
@@ -35,7 +36,7 @@ DataPlace ReadSettings(const std::string& name) {
 
 void AddInstalled(std::vector<DataPlace>* places) {
     std::error_code failed;
-    const fs::path prefix = fs::read_symlink("/proc/self/exe", failed).parent_path().parent_path();
+    const fs::path prefix = fs::path(ProgramFile()).parent_path().parent_path();
     std::vector<const char*> shows = {kProductFolder};
     if (theScreenWidth != nullptr && theScreenWidth() > kWidestForDefaultShow)
         shows.insert(shows.begin(), kLargeShowFolder);

@@ -1,10 +1,12 @@
-// Threads and events that can be waited for with a limit, and recursive locks.
+// Threads and events that can be waited for with a limit, and recursive locks. Without memory there are none:
+// no exception goes through the functions of win32.h, whose callers know none.
 #include "win32/win32.h"
 
 #include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -36,6 +38,15 @@ Waitable& Of(HANDLE handle) {
     return **static_cast<Handle*>(handle);
 }
 
+// Null without memory.
+std::unique_ptr<Handle> NewHandle() {
+    try {
+        return std::make_unique<Handle>(std::make_shared<Waitable>());
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void MarkEnded(void* record) {
     std::unique_ptr<Handle> handle(static_cast<Handle*>(record));
     (*handle)->Signal();
@@ -54,8 +65,11 @@ void* Run(void* record) {
     return nullptr;
 }
 
+static_assert(sizeof(std::recursive_mutex) <= sizeof(CRITICAL_SECTION) &&
+              alignof(std::recursive_mutex) <= alignof(CRITICAL_SECTION));
+
 std::recursive_mutex& Of(CRITICAL_SECTION* section) {
-    return *static_cast<std::recursive_mutex*>(section->lock);
+    return *std::launder(reinterpret_cast<std::recursive_mutex*>(section->lock));
 }
 
 } // namespace
@@ -66,11 +80,13 @@ DWORD GetCurrentThreadId() {
 }
 
 HANDLE CreateThread(void*, std::size_t, LPTHREAD_START_ROUTINE start, void* argument, DWORD, DWORD* id) {
-    auto handle = std::make_unique<Handle>(std::make_shared<Waitable>());
+    std::unique_ptr<Handle> handle = NewHandle();
+    std::unique_ptr<Handle> own(handle ? new (std::nothrow) Handle(*handle) : nullptr);
+    if (!own)
+        return nullptr;
     Waitable& thread = **handle;
     thread.start = start;
     thread.argument = argument;
-    auto own = std::make_unique<Handle>(*handle);
     if (pthread_create(&thread.thread, nullptr, Run, own.get()) != 0)
         return nullptr;
     static_cast<void>(own.release()); // the thread's now
@@ -83,8 +99,9 @@ HANDLE CreateThread(void*, std::size_t, LPTHREAD_START_ROUTINE start, void* argu
 
 // Without a name, and not signalled at first.
 HANDLE CreateEventA(void*, BOOL manualReset, BOOL, const char*) {
-    auto handle = std::make_unique<Handle>(std::make_shared<Waitable>());
-    (*handle)->wakesOne = manualReset == FALSE;
+    std::unique_ptr<Handle> handle = NewHandle();
+    if (handle)
+        (*handle)->wakesOne = manualReset == FALSE;
     return handle.release();
 }
 
@@ -123,12 +140,11 @@ BOOL CloseHandle(HANDLE handle) {
 }
 
 void InitializeCriticalSection(CRITICAL_SECTION* section) {
-    section->lock = new std::recursive_mutex;
+    new (section->lock) std::recursive_mutex;
 }
 
 void DeleteCriticalSection(CRITICAL_SECTION* section) {
-    delete &Of(section);
-    section->lock = nullptr;
+    std::destroy_at(&Of(section));
 }
 
 void EnterCriticalSection(CRITICAL_SECTION* section) {

@@ -1,5 +1,7 @@
 #include "win32/windowing/window_modules.h"
 
+#include "win32/posix/program_file.h"
+
 #include <cstdio>
 #include <dlfcn.h>
 #include <filesystem>
@@ -76,9 +78,8 @@ constexpr WindowSystem kMissing = {
 // Beside the program or, where that cannot be found out, as it was installed: never in whatever folder it was
 // started in.
 fs::path Folder() {
-    std::error_code failed;
-    const fs::path program = fs::read_symlink("/proc/self/exe", failed);
-    return failed ? fs::path(TAMBLOR_INSTALLED_MODULES) : program.parent_path() / TAMBLOR_MODULES;
+    const fs::path program = ProgramFile();
+    return program.empty() ? fs::path(TAMBLOR_INSTALLED_MODULES) : program.parent_path() / TAMBLOR_MODULES;
 }
 
 // Its libraries are global, as if the program itself were linked with them: a library that is preloaded to
