@@ -74,6 +74,7 @@ void localBindNamed(FXMaterial* m) {
 }
 
 void localUpload(const FXPixmap& p, bool mipmaps) {
+    mipmaps = mipmaps && localGLString(GL_VERSION) != nullptr; // which GLU reads without looking
     if (mipmaps)
         gluBuild2DMipmaps(GL_TEXTURE_2D, kComponents, p.width, p.height, GL_RGBA, GL_UNSIGNED_BYTE, p.pixels);
     else

@@ -19,8 +19,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
+#include <new>
 #include <span>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -186,6 +189,27 @@ void BeginShowOnEachMonitor() {
     UsedWindowSystem().ChooseShow(number, count);
 }
 
+// Without memory for what the show cannot be without, it ends at once, and the window system gives back what
+// it held: nothing is taken down, since the loop may be drawing. All else that nobody has foreseen is the
+// system's.
+[[noreturn]] void EndWithoutMemory() {
+    try {
+        if (std::current_exception())
+            std::rethrow_exception(std::current_exception());
+    } catch (const std::bad_alloc&) {
+        std::fputs("tamblor: there is no memory\n", stderr);
+        _exit(kFailed);
+    } catch (...) {
+        std::abort();
+    }
+    std::abort();
+}
+
+// Before anything else of the program asks for memory.
+[[gnu::constructor(101)]] void PrepareForNoMemory() {
+    std::set_terminate(EndWithoutMemory);
+}
+
 } // namespace
 
 char* GetCommandLineA() {
@@ -245,7 +269,8 @@ int main(int count, char** arguments) {
     default:
         break;
     }
-    std::signal(SIGPIPE, SIG_IGN);
+    for (const int number : {SIGPIPE, SIGXFSZ}) // a write that fails says so
+        std::signal(number, SIG_IGN);
     if (words.allMonitors && words.task != Task::Hosted)
         BeginShowOnEachMonitor();
     if (words.task != Task::Hosted) {

@@ -45,15 +45,21 @@ template <class Function> Function Find(const char* name) {
     return reinterpret_cast<Function>(glXGetProcAddress(reinterpret_cast<const GLubyte*>(name)));
 }
 
+// A function of an extension, where the driver has it as it says.
+template <class Function, class... Arguments> void Call(const char* name, Arguments... arguments) {
+    if (const auto function = Find<Function>(name))
+        function(arguments...);
+}
+
 // One frame for each picture of the monitor, whatever the driver does by default. Without any of these it is
 // left to that. A context is current.
 void WaitForMonitor(Display* display, int screen, Window surface) {
     if (HasExtension(display, screen, "GLX_EXT_swap_control"))
-        Find<PFNGLXSWAPINTERVALEXTPROC>("glXSwapIntervalEXT")(display, surface, 1);
+        Call<PFNGLXSWAPINTERVALEXTPROC>("glXSwapIntervalEXT", display, surface, 1);
     else if (HasExtension(display, screen, "GLX_MESA_swap_control"))
-        Find<PFNGLXSWAPINTERVALMESAPROC>("glXSwapIntervalMESA")(1);
+        Call<PFNGLXSWAPINTERVALMESAPROC>("glXSwapIntervalMESA", 1);
     else if (HasExtension(display, screen, "GLX_SGI_swap_control"))
-        Find<PFNGLXSWAPINTERVALSGIPROC>("glXSwapIntervalSGI")(1);
+        Call<PFNGLXSWAPINTERVALSGIPROC>("glXSwapIntervalSGI", 1);
 }
 
 // Whether Mesa draws on the processor; of other drivers, what none of them does.
@@ -79,7 +85,8 @@ std::string RendererName(Display* display, int screen) {
     const GLXContext context = glXCreateNewContext(display, *found, GLX_RGBA_TYPE, nullptr, True);
     const auto getString = Find<const GLubyte* (*)(GLenum)>("glGetString");
     const char* name = nullptr;
-    if (trap.Clean() && context != nullptr && glXMakeCurrent(display, buffer, context) != False)
+    if (trap.Clean() && context != nullptr && getString != nullptr &&
+        glXMakeCurrent(display, buffer, context) != False)
         name = reinterpret_cast<const char*>(getString(GL_RENDERER));
     std::string text = name != nullptr ? name : "";
     glXMakeCurrent(display, None, nullptr);

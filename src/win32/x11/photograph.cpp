@@ -30,6 +30,10 @@ public:
             static_cast<std::size_t>(image_->bytes_per_line) * static_cast<std::size_t>(h);
         segment_.shmid = shmget(IPC_PRIVATE, size, IPC_CREAT | 0600);
         void* address = segment_.shmid < 0 ? nullptr : shmat(segment_.shmid, nullptr, 0);
+        // It goes with the last that has it, however this process ends. Linux lets the server have it all the
+        // same.
+        if (segment_.shmid >= 0)
+            shmctl(segment_.shmid, IPC_RMID, nullptr);
         if (address == nullptr || address == reinterpret_cast<void*>(-1))
             return;
         segment_.shmaddr = image_->data = static_cast<char*>(address);
@@ -46,8 +50,6 @@ public:
         }
         if (segment_.shmaddr != nullptr)
             shmdt(segment_.shmaddr);
-        if (segment_.shmid >= 0)
-            shmctl(segment_.shmid, IPC_RMID, nullptr);
     }
     SharedImage(const SharedImage&) = delete;
     SharedImage& operator=(const SharedImage&) = delete;
