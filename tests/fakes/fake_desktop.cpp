@@ -2,24 +2,33 @@
 
 FakeDesktop fakeDesktop;
 
+namespace {
+
+void Note(const std::string& call) {
+    if (!fakeDesktop.isQuiet)
+        fakeDesktop.calls += fakeDesktop.calls.empty() ? call : ", " + call;
+}
+
+} // namespace
+
 bool fxDesktopCopy(int w, int h) {
-    fakeDesktop.calls += "copy " + std::to_string(w) + "x" + std::to_string(h);
+    Note("copy " + std::to_string(w) + "x" + std::to_string(h));
     return fakeDesktop.held = !fakeDesktop.copyFails;
 }
 
 bool fxDesktopLock(FXDesktopPixels* pixels) {
-    fakeDesktop.calls += ", lock";
+    Note("lock");
     *pixels = fakeDesktop.pixels;
     return !fakeDesktop.lockFails;
 }
 
 void fxDesktopUnlock() {
-    fakeDesktop.calls += ", unlock";
+    Note("unlock");
     fakeDesktop.held = false;
 }
 
 void fxDesktopRelease() {
-    fakeDesktop.calls += fakeDesktop.calls.empty() ? "release" : ", release";
+    Note("release");
     fakeDesktop.atRelease();
     fakeDesktop.held = false;
 }

@@ -11,7 +11,8 @@ struct FakeDesktop {
     bool lockFails = false;
 
     void (*atRelease)() = [] {};
-    std::string calls; // "copy 640x480, lock, unlock, release"
-    bool held = false; // a copy that nobody has given back
+    std::string calls;    // "copy 640x480, lock, unlock, release"
+    bool held = false;    // a copy that nobody has given back
+    bool isQuiet = false; // nothing is written down
 };
 extern FakeDesktop fakeDesktop;

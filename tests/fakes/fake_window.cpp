@@ -33,6 +33,8 @@ template <class T> T FakeHandle(UINT_PTR value, const char* function) {
 } // namespace
 
 void NoteFakeCall(const char* format, ...) {
+    if (fakeWin32.isQuiet)
+        return;
     char text[512];
     va_list arguments;
     va_start(arguments, format);

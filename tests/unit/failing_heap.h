@@ -1,28 +1,28 @@
-// A machine whose memory runs out where a test wants it: allocation n of this thread fails, of malloc, calloc
-// and realloc as this program's own code calls them, and of new also where the C++ library calls it. The
-// picture codec's own are not counted. For one source file of a program: the linker sends the calls of malloc
-// and its kin from our objects, and from nobody else's, to __wrap_... here (failing_machine.cmake names
-// them); __real_... is what was meant. The operators stand in for the library's.
+// A machine whose memory runs out where a test wants it: allocation n of this process fails, of malloc,
+// calloc and realloc as this program's own code calls them, and of new also where the C++ library calls it.
+// The picture codec's own are not counted. For one source file of a program: the linker sends the calls of
+// malloc and its kin from our objects, and from nobody else's, to __wrap_... here (failing_machine.cmake
+// names them); __real_... is what was meant. The operators stand in for the library's.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <new>
 
-inline thread_local int heapLeft = -1; // allocations until one fails; -1: none will
-inline thread_local bool heapGoesOn = false;
-inline thread_local bool heapFailed = false;
+inline std::atomic<int> heapLeft = -1; // allocations until one fails; -1: none will
+inline std::atomic<bool> heapGoesOn = false;
+inline std::atomic<bool> heapFailed = false;
 
 inline bool HeapRefuses() {
-    if (heapLeft < 0 || heapLeft-- > 0)
-        return false;
-    heapFailed = true;
-    if (heapGoesOn)
-        heapLeft = 0;
-    return true;
+    int left = heapLeft;
+    while (left >= 0 && !heapLeft.compare_exchange_weak(left, (left > 0 || !heapGoesOn) ? left - 1 : 0))
+        continue; // another thread has taken one
+    heapFailed = heapFailed || left == 0;
+    return left == 0;
 }
 
 extern "C" {

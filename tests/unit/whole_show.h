@@ -1,0 +1,63 @@
+// The show as the saver builds and draws it, but that nothing is seen: OpenGL is the recorder, which writes
+// nothing down, and the desktop a pixel. The clock is the test's, and the folder with the package the current
+// one.
+#pragma once
+
+#include "fakes/fake_desktop.h"
+#include "fakes/fake_win32.h"
+#include "fakes/gl_recorder.h"
+#include "host/configuration.h"
+#include "platform/clock.h"
+#include "platform/trace.h"
+#include "scene/show.h"
+#include "unit/temp_folder.h"
+
+#include <cmath>
+
+class WholeShow {
+public:
+    explicit WholeShow(const TempFolder& folder) {
+        GLRecorder::Reset();
+        GLRecorder::SetNullMode(true);
+        fakeWin32.isQuiet = fakeDesktop.isQuiet = true;
+        fakeDesktop.pixels = {kDesktop, 4, 1, 1};
+        fakeWin32.screenWidth = fakeWin32.screenHeight = 1;
+        fxSetTickSource([] { return ticks_; });
+        std::snprintf(orinPath, sizeof orinPath, "%s", folder.Path().c_str());
+    }
+    ~WholeShow() {
+        TakeDown();
+        fxSetTickSource(nullptr);
+        orinPath[0] = '\0';
+        GLRecorder::SetNullMode(false);
+        fakeWin32 = {};
+        fakeDesktop = {};
+        std::filesystem::current_path(before_);
+    }
+    WholeShow(const WholeShow&) = delete;
+    WholeShow& operator=(const WholeShow&) = delete;
+
+    void Build(double time) {
+        SetClock(time);
+        BuildScene(kFakeWindow, false);
+    }
+    void Draw(double time) {
+        SetClock(time);
+        show::gr.SetAct(true);
+        show::sc.OnRender(&show::gr, fxGetTime());
+        show::gr.SetAct(false);
+    }
+    void TakeDown() {
+        DestroyScene();
+        fxCloseTraces();
+    }
+
+private:
+    static void SetClock(double time) {
+        ticks_ = static_cast<std::uint32_t>(static_cast<std::uint64_t>(std::llround(time * 1000)));
+    }
+
+    static constexpr unsigned char kDesktop[4] = {0x33, 0x22, 0x11, 0};
+    static inline std::uint32_t ticks_ = 0;
+    const std::filesystem::path before_ = std::filesystem::current_path();
+};
