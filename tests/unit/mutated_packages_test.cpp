@@ -1,0 +1,162 @@
+// The whole show of damaged packages: it is built, drawn and taken down, in bounded time and memory.
+//
+// TAMBLOR_MUTATION=17 does that one alone: a number means the same damage on every machine.
+#include "image/canvas.h"
+#include "image/codec.h"
+#include "unit/how_often.h"
+#include "unit/mutated_package.h"
+#include "unit/small_show.h"
+#include "unit/whole_show.h"
+
+#include <csignal>
+#include <ctime>
+#include <fcntl.h>
+#include <unistd.h>
+
+// The codec keeps a little of each picture that it refuses.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libIL.so\n";
+}
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+// What a show may take of a processor and of the memory, however damaged its package is.
+constexpr double kMostForAFrame = 0.05 * (kIsSanitized ? 20 : 1); // seconds
+constexpr double kMostForTheStart = 5 * (kIsSanitized ? 20 : 1);
+constexpr long kMostMiB = 1024; // sanitizers have their own
+constexpr unsigned kHangSeconds = 300;
+
+unsigned current = 0; // mutation
+
+void SayWhich(int) {
+    char text[] = "mutation 0000000000\n";
+    unsigned number = current;
+    for (std::size_t i = sizeof text - 3; number > 0; number /= 10)
+        text[i--] = static_cast<char>('0' + number % 10);
+    [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, text, sizeof text - 1);
+    _exit(1);
+}
+
+// Both threads'.
+double ProcessorSeconds() {
+    timespec now = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// The most that was resident since the last call.
+long PeakMiB() {
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    long kilobytes = 0;
+    while (status >> word)
+        if (word == "VmHWM:")
+            status >> kilobytes;
+    std::ofstream("/proc/self/clear_refs") << 5;
+    return kilobytes / 1024;
+}
+
+// The default show's models and morph, with a corner of each picture.
+std::vector<TestEntry> WithSmallPictures(const std::string& packageFile, const TempFolder& folder) {
+    constexpr int kSide = 24;
+    std::vector<TestEntry> entries = EntriesOf(packageFile);
+    FXPackage package;
+    EXPECT_TRUE(package.Load(packageFile.c_str()) && fxLoadDevil());
+    for (TestEntry& entry : entries) {
+        FXCanvas canvas;
+        if (entry.type == kRaw || !canvas.CreateFromPictCN(&package, entry.id))
+            continue;
+        canvas.usedWidth = canvas.usedHeight = kSide;
+        const auto* kind = std::ranges::find(kPictureEndings, entry.type, &FXPictureEnding::type);
+        const std::string name = std::string("picture.") + kind->ending;
+        EXPECT_TRUE(canvas.SaveToPict(folder.File(name).c_str()));
+        entry.bytes = folder.Read(name);
+    }
+    fxUnloadDevil();
+    return entries;
+}
+
+// The show of a file, with 30 frames from all stages that it comes to.
+struct Played {
+    double start = 0, frame = 0; // seconds; the longest frame
+    int stages = 0;              // bits
+};
+Played Play(const TempFolder& folder, const std::string& file) {
+    folder.Write("tamb.dat", file);
+    Played played;
+    WholeShow whole(folder);
+    double time = 100, before = ProcessorSeconds();
+    whole.Build(time);
+    played.start = ProcessorSeconds() - before;
+    for (int frame = 0, inMorph = 0; frame < 30; ++frame) {
+        constexpr double kSteps[] = {0.75, 4, 8, 1, 0.75}; // seconds, in each stage
+        time += kSteps[show::stage];
+        if (show::stage == show::kRebuilding &&
+            ++inMorph == 6) // it has more key frames than there are frames
+            show::reopen.frame = std::max(show::reopen.frameTimes.count - 4, 0);
+        before = ProcessorSeconds();
+        whole.Draw(time);
+        played.frame = std::max(played.frame, ProcessorSeconds() - before);
+        played.stages |= 1 << show::stage;
+    }
+    whole.TakeDown();
+    EXPECT_EQ(GLRecorder::LiveTextures(), 0);
+    return played;
+}
+
+TEST(MutatedPackages, AreShownWithinTheirBounds) {
+    const TempFolder folder;
+    const std::string shown = TAMBLOR_DATA_DIR "/tamb.dat";
+    const std::vector<TestEntry> kinds[] = {WithSmallPictures(shown, folder), SmallShow(folder),
+                                            EntriesOf(shown)};
+    for (const std::vector<TestEntry>& kind : kinds)
+        EXPECT_EQ(Play(folder, PackageOf(kind)).stages, 31) << "undamaged, it goes through all stages";
+    for (const int number : {SIGALRM, SIGABRT})
+        std::signal(number, SayWhich);
+    if (!kIsSanitized) // its report is better
+        std::signal(SIGSEGV, SayWhich);
+    // What is said of each would be half a gigabyte.
+    const int errors = dup(STDERR_FILENO);
+    if (!kIsSanitized) {
+        EXPECT_GE(dup2(open("/dev/null", O_WRONLY), STDERR_FILENO), 0);
+    }
+
+    const char* one = std::getenv("TAMBLOR_MUTATION");
+    const unsigned first = one != nullptr ? static_cast<unsigned>(std::atoi(one)) : 1;
+    const unsigned count = one != nullptr ? 1 : static_cast<unsigned>(Times(300, 10000));
+    Played most;
+    long mostMiB = 0;
+    PeakMiB(); // of those before
+    unsigned slowest = 0, latest = 0, largest = 0;
+    for (current = first; current < first + count && !testing::Test::HasFailure(); ++current) {
+        SCOPED_TRACE(testing::Message() << "mutation " << current);
+        alarm(kHangSeconds);
+        // Whole pictures take most of a second: few of them.
+        const std::size_t kind = current % 32 == 0 ? 2 : current % 4 == 1 ? 1 : 0;
+        const Played played = Play(folder, Mutation(current).Of(kinds[kind]));
+        const long peak = PeakMiB();
+        if (played.start > most.start)
+            most.start = played.start, slowest = current;
+        if (played.frame > most.frame)
+            most.frame = played.frame, latest = current;
+        if (peak > mostMiB)
+            mostMiB = peak, largest = current;
+        EXPECT_LE(played.start, kMostForTheStart);
+        EXPECT_LE(played.frame, kMostForAFrame);
+        EXPECT_TRUE(kIsSanitized || peak <= kMostMiB) << peak << " MiB";
+    }
+    alarm(0);
+    dup2(errors, STDERR_FILENO);
+    close(errors);
+    std::printf("%u packages; the most: %.3f s for the start (%u), %.1f ms for a frame (%u), %ld MiB (%u)\n",
+                count, most.start, slowest, most.frame * 1000, latest, mostMiB, largest);
+}
+
+} // namespace
