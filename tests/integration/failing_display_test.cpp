@@ -1,0 +1,112 @@
+// X11 that fails: OpenGL at each of its steps, the server at each moment, the window and its monitor in the
+// middle of a frame.
+#include "integration/failing_saver.h"
+
+namespace {
+
+class FailingDisplay : public testing::Test {
+protected:
+    FailingDisplay() : display(320, 240) {}
+    void SetUp() override { ASSERT_NE(display.connection, nullptr); }
+    void ExpectAKeyEndsIt() {
+        display.PressKey(XK_space);
+        EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+        EXPECT_TRUE(display.VisibleWindows().empty());
+        EXPECT_FALSE(display.CursorIsHidden());
+    }
+
+    VirtualDisplay display;
+    FailingSaver saver;
+};
+
+TEST_F(FailingDisplay, WhateverStepOfOpenGlFailsTheScreenIsCoveredAndClosesAsEver) {
+    enum Outcome { Black, Shown, Still };
+    const struct {
+        const char* fails;
+        Outcome outcome;
+    } cases[] = {
+        {"glXQueryExtension 0", Black},        {"glXChooseFBConfig 0", Black},
+        {"glXGetVisualFromFBConfig 0", Black}, {"glXCreateNewContext 0", Black},
+        {"glXMakeCurrent 0", Black},           {"glXMakeCurrent 1", Still}, // while the scene is built
+        {"glXMakeCurrent 2", Still},           {"glXMakeCurrent 9", Still}, // in the loop
+        {"glXGetFBConfigAttrib 0", Black},     {"glXQueryExtensionsString 0", Shown},
+        {"glXGetProcAddress 0", Shown},        {"glGetString 0", Shown},
+        {"XCreateColormap 0", Black},
+    };
+    for (const auto& [fails, outcome] : cases) {
+        SCOPED_TRACE(fails);
+        saver.environment["TAMBLOR_FAILS"] = fails;
+        saver.Start(display, {"/s"});
+        ASSERT_TRUE(saver.WaitUntilShown(display)) << saver.Errors();
+        EXPECT_TRUE(display.WaitForHiddenCursor());
+        EXPECT_TRUE(display.WaitUntilInputIsGrabbed());
+        if (outcome == Black) {
+            EXPECT_TRUE(display.WaitForBlack({0, 0, 320, 240}));
+        } else {
+            EXPECT_TRUE(saver.Draws(3));
+        }
+        EXPECT_EQ(saver.Errors().find("no OpenGL, the screen stays black: ") != std::string::npos,
+                  outcome == Black)
+            << saver.Errors();
+        ExpectAKeyEndsIt();
+    }
+}
+
+TEST_F(FailingDisplay, ItsEndEndsTheSaverQuietly) {
+    Moments moments(15);
+    const int count = Times(6, 100);
+    for (int i = 0; i < count + static_cast<int>(std::size(kInEachStage)); ++i) {
+        VirtualDisplay dying(320, 240);
+        ASSERT_NE(dying.connection, nullptr);
+        saver.Start(dying, {"/s"});
+        if (i < count) {
+            usleep(moments.Next() * 1000);
+        } else {
+            ASSERT_TRUE(saver.Draws());
+            saver.SetClock(kInEachStage[i - count]);
+            ASSERT_TRUE(saver.Draws(2));
+        }
+        dying.Kill();
+        EXPECT_EQ(saver.WaitForExit(), 0) << i << saver.Errors();
+        EXPECT_EQ(saver.Errors().find("Sanitizer"), std::string::npos) << saver.Errors();
+    }
+}
+
+TEST_F(FailingDisplay, ChangesInTheMiddleOfAFrameAreFollowed) {
+    const auto window = [this] { return display.VisibleWindows().back(); };
+    display.SetMonitor("one", {0, 0, 320, 240}, true);
+    saver.Start(display, {"/s"});
+    ASSERT_TRUE(saver.WaitUntilShown(display) && saver.Draws());
+    const Window own = window();
+    const std::function<void()> changes[] = {
+        [&] { XResizeWindow(display.connection, own, 90, 70); },
+        [&] { XResizeWindow(display.connection, own, 320, 240); },
+        [&] { XMoveResizeWindow(display.connection, own, -30, -20, 60, 50); },
+        [&] { XUnmapWindow(display.connection, own); },
+        [&] { XMapWindow(display.connection, own); },
+        [&] {
+            display.SetMonitor("one", {100, 100, 200, 100}, true);
+        },
+        [&] {
+            display.SetMonitor("two", {0, 0, 90, 100}, true);
+        },
+        [&] { display.DeleteMonitor("two"); },
+        [&] { display.DeleteMonitor("one"); },
+    };
+    for (const Hold::Place place : {Hold::BeforeClearing, Hold::BeforeShowing})
+        for (const auto& change : changes) {
+            SCOPED_TRACE(testing::Message() << &change - changes << " at " << place);
+            ASSERT_TRUE(saver.HoldFrame(place)) << saver.Errors();
+            change();
+            display.Sync();
+            usleep(100000); // for its other thread
+            saver.GoOn();
+            ASSERT_TRUE(saver.Draws(3)) << saver.Errors();
+        }
+    saver.SetClock(0);
+    EXPECT_TRUE(display.WaitForPixel(160, 120, display.DesktopPixel(160, 120), 45))
+        << "and all of it is shown";
+    ExpectAKeyEndsIt();
+}
+
+} // namespace
