@@ -5,12 +5,16 @@ target_link_options(test_clock PRIVATE -static LINKER:--kill-at)
 set_target_properties(test_clock PROPERTIES PREFIX "" OUTPUT_NAME winmm
     LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/clock)
 
-# A settings panel's pane for the preview, and the show driven by chosen times.
+# A settings panel's pane for the preview, the show driven by chosen times.
 add_executable(pane pane.cpp)
 target_link_libraries(pane PRIVATE tamb_win32)
 add_executable(frames frames.cpp)
 target_link_libraries(frames PRIVATE tamb_scene tamb_desktop_ddraw tamb_gl)
-foreach(program pane frames)
+# What the codec makes of picture files.
+add_executable(pictures pictures.cpp)
+target_include_directories(pictures PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(pictures PRIVATE tamb_image)
+foreach(program pane frames pictures)
     target_link_options(${program} PRIVATE -static)
     set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 endforeach()
@@ -26,7 +30,7 @@ find_program(TAMBLOR_WINESERVER NAMES wineserver wineserver64 HINTS ${wine_folde
 find_program(TAMBLOR_WINEGXX NAMES wineg++-stable wineg++)
 find_program(TAMBLOR_WINEBUILD NAMES winebuild-stable winebuild)
 
-# The codec: Wine's modules in front of the Linux library, and the placeholder files by which programs find them.
+# DevIL itself: Wine's modules in front of the Linux library, and the placeholder files by which programs find them.
 set(codec ${CMAKE_BINARY_DIR}/tests/codec)
 file(MAKE_DIRECTORY ${codec})
 find_path(TAMBLOR_WINE_HEADERS windef.h PATHS /usr/include/wine/windows /usr/include/wine/wine/windows
@@ -50,6 +54,9 @@ find_program(TAMBLOR_OBJDUMP NAMES ${TAMBLOR_MINGW}-objdump)
 add_test(NAME saver_stands_alone_and_carries_its_resources
     COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${TAMBLOR_OBJDUMP} -DWINDRES=${CMAKE_RC_COMPILER}
         -DPROGRAM=$<TARGET_FILE:tamb.scr> -DVERSION=${PROJECT_VERSION} -P ${CMAKE_CURRENT_SOURCE_DIR}/check_saver.cmake)
+add_test(NAME codec_stands_alone_and_offers_what_the_saver_asks_for
+    COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${TAMBLOR_OBJDUMP} -DDEVIL=$<TARGET_FILE:devil> -DILU=$<TARGET_FILE:ilu>
+        -DBRIDGE=${CMAKE_SOURCE_DIR}/src/image/codec.cpp -P ${CMAKE_CURRENT_SOURCE_DIR}/check_codec.cmake)
 if(NOT EXISTS ${TAMBLOR_NATIVE_BUILD}/tests/wine_test)
     message(WARNING "${TAMBLOR_NATIVE_BUILD} has no tests/wine_test (its target wine_test): the tests under Wine are left out")
     return()

@@ -9,13 +9,14 @@ namespace {
 
 constexpr int kSkipped = 77;
 std::string buildFolder, wineProgram, serverProgram; // what the build for Windows is, and what runs it
+std::string devilFolder; // where Wine looks for DevIL itself, before it looks beside the program
 
-// What is there stays as it is. WINEDLLPATH is where the codec is.
+// What is there stays as it is.
 void AddWineSettings(Environment* environment) {
     environment->insert({
         {"WINEPREFIX", WindowsBuild("wine-prefix")},
         {"WINEDEBUG", "-all"},
-        {"WINEDLLPATH", WindowsBuild("tests/codec")},
+        {"WINEDLLPATH", devilFolder},
         // The clock of the tests comes before the system's; nothing asks for what Wine would download.
         {"WINEDLLOVERRIDES", "winmm=n,b;mscoree,mshtml="},
         {"LIBGL_ALWAYS_SOFTWARE", "1"},
@@ -37,7 +38,7 @@ void StartUnderWine(Program* program, const std::vector<std::string>& words, Env
 
 int Run(const std::vector<std::string>& words, const std::string& prefix) {
     Program program;
-    // With the codec, a new prefix would get it into its system folder.
+    // With DevIL, a new prefix would get it into its system folder.
     StartUnderWine(&program, words, {{"WINEPREFIX", prefix}, {"WINEDLLPATH", ""}}, "/");
     return program.WaitForExit();
 }
@@ -55,15 +56,15 @@ bool PrepareWine() {
     return true;
 }
 
-// Cases that mean nothing without pictures. CTest runs each case by itself.
-bool NeedsCodec() {
-    const std::string filter = testing::GTEST_FLAG(filter);
-    return filter.starts_with("Frames.") || filter.starts_with("PreviewInPane.Shows");
+// CTest runs each case by itself.
+bool NeedsDevil() {
+    return testing::GTEST_FLAG(filter).find("WithDevilItself") != std::string::npos;
 }
 
 // Ends what still runs in the prefix, the services too: the next test has another display.
 class FreshWine : public testing::EmptyTestEventListener {
     void OnTestEnd(const testing::TestInfo&) override {
+        devilFolder = "";
         Run({serverProgram, "-k"}, WindowsBuild("wine-prefix"));
         Run({serverProgram, "-w"}, WindowsBuild("wine-prefix"));
     }
@@ -73,6 +74,10 @@ class FreshWine : public testing::EmptyTestEventListener {
 
 std::string WindowsBuild(const std::string& name) {
     return buildFolder + "/" + name;
+}
+
+void UseDevilItself() {
+    devilFolder = WindowsBuild("tests/codec");
 }
 
 std::string SaverName(const std::string& file) {
@@ -94,7 +99,7 @@ std::vector<std::string> SaverCommand(const TempFolder& data, Environment* envir
     const fs::path folder = data.Path() / "saver";
     fs::create_directories(folder);
     fs::copy_file(WindowsBuild("bin/tamb.scr"), folder / "tamb.scr", fs::copy_options::skip_existing);
-    for (const char* module : {"tests/clock/winmm.dll", "tests/codec/devil.dll", "tests/codec/ilu.dll"}) {
+    for (const char* module : {"tests/clock/winmm.dll", "bin/DevIL.dll", "bin/ILU.dll"}) {
         std::error_code ignored; // it may lie there from before
         fs::create_symlink(WindowsBuild(module), folder / fs::path(module).filename(), ignored);
     }
@@ -122,8 +127,8 @@ int main(int argc, char** argv) {
     const char* lacks = nullptr;
     if (access(argv[2], X_OK) != 0 || access(argv[3], X_OK) != 0)
         lacks = "no Wine here runs it (Debian: wine64 for the 64-bit one, wine32 for the 32-bit one)";
-    else if (NeedsCodec() && !fs::exists(WindowsBuild("tests/codec/devil.dll")))
-        lacks = "no codec for it (Debian: wine64-tools and libwine-dev make the 64-bit one)";
+    else if (NeedsDevil() && !fs::exists(WindowsBuild("tests/codec/devil.dll")))
+        lacks = "no DevIL for it (Debian: wine64-tools and libwine-dev make the 64-bit one)";
     if (lacks != nullptr) {
         std::printf("skipped: %s/bin/tamb.scr: %s\n", argv[1], lacks);
         return kSkipped;

@@ -18,7 +18,8 @@ template <class Colours> Picture Opaque(const Colours& at) {
     return picture;
 }
 
-TEST(Frames, LookOnWindowsAsTheyDoOnLinux) {
+// With these modules for the pictures.
+void ExpectFramesAsOnLinux(const std::vector<std::string>& codec) {
     const std::vector<std::pair<const char*, double>> moments = {
         {"fading", 1.0}, {"burning", 8.0}, {"pause", 30.0}, {"bird", 40.0}, {"unfolding", 46.0}};
     VirtualDisplay display(kWidth, kHeight);
@@ -34,8 +35,9 @@ TEST(Frames, LookOnWindowsAsTheyDoOnLinux) {
     ASSERT_TRUE(linux_show.Open(settings, &error)) << error;
 
     const TempFolder folder;
-    for (const char* file : {"tests/frames.exe", "tests/codec/devil.dll", "tests/codec/ilu.dll"})
-        std::filesystem::copy(WindowsBuild(file), folder.Path());
+    std::filesystem::copy(WindowsBuild("tests/frames.exe"), folder.Path());
+    for (const std::string& module : codec)
+        std::filesystem::copy(WindowsBuild(module), folder.Path());
     std::filesystem::copy(std::filesystem::path(TAMBLOR_DATA_DIR) / "tamb.dat", folder.Path());
     std::vector<std::string> words = {folder.File("frames.exe"), SaverName(folder.Path().string()),
                                       std::to_string(kStep)};
@@ -62,6 +64,15 @@ TEST(Frames, LookOnWindowsAsTheyDoOnLinux) {
         folder.Write("seen-" + number, "");
     }
     EXPECT_EQ(windows_show.WaitForExit(), 0);
+}
+
+TEST(Frames, LookOnWindowsAsTheyDoOnLinux) {
+    ExpectFramesAsOnLinux({"bin/DevIL.dll", "bin/ILU.dll"});
+}
+
+TEST(Frames, LookTheSameWithDevilItself) {
+    UseDevilItself();
+    ExpectFramesAsOnLinux({"tests/codec/devil.dll", "tests/codec/ilu.dll"});
 }
 
 } // namespace
