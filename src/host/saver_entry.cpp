@@ -6,6 +6,7 @@
 #include "host/saver_password.h"
 #include "host/saver_window.h"
 #include "platform/report.h"
+#include "win32/other_monitors.h"
 
 HINSTANCE hMainInstance = nullptr;
 HWND hMainWindow = nullptr;
@@ -115,6 +116,8 @@ int LaunchScreenSaver(HWND parent) {
         MessageBoxA(nullptr, "RegisterClasses() failed", nullptr, MB_ICONHAND);
     } else {
         hMainWindow = localCreateWindow(parent);
+        if (hMainWindow != nullptr && parent == nullptr)
+            CoverOtherMonitors(hMainWindow);
         if (hMainWindow != nullptr)
             result = localRunMessages();
     }
