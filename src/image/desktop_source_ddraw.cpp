@@ -5,6 +5,8 @@
 
 #include <ddraw.h>
 
+#include <cstddef>
+
 namespace {
 
 IDirectDraw7* localDD7 = nullptr;
@@ -32,6 +34,17 @@ bool localIs32Bit(IDirectDrawSurface7* surface) {
     DDPIXELFORMAT format = {};
     format.dwSize = sizeof format;
     return SUCCEEDED(surface->GetPixelFormat(&format)) && format.dwRGBBitCount == 32;
+}
+
+// A compositor may keep the screen from DirectDraw, which then copies black and reports no failure.
+bool localIsBlack(const FXDesktopPixels& pixels) {
+    for (int y = 0; y < pixels.height; ++y) {
+        const unsigned char* s = pixels.bytes + static_cast<std::ptrdiff_t>(y) * pixels.pitch;
+        for (int x = 0; x < pixels.width; ++x, s += 4)
+            if ((s[0] | s[1] | s[2]) != 0)
+                return false;
+    }
+    return true;
 }
 
 bool localFailed(const char* step) {
@@ -76,7 +89,10 @@ bool fxDesktopLock(FXDesktopPixels* pixels) {
         return localFailed("Lock (dd7 - back)");
     *pixels = {static_cast<const unsigned char*>(locked.lpSurface), static_cast<int>(locked.lPitch),
                copyWidth, copyHeight};
-    return true;
+    if (!localIsBlack(*pixels))
+        return true;
+    fxDesktopUnlock();
+    return localFailed("the desktop is black, or a compositor keeps it from DirectDraw");
 }
 
 void fxDesktopUnlock() {
