@@ -34,6 +34,9 @@ if(TAMBLOR_SANITIZE)
     add_link_options(-fsanitize=${TAMBLOR_SANITIZE})
 endif()
 
+# What Windows shows of a file of ours.
+file(STRINGS ${CMAKE_SOURCE_DIR}/LICENSE TAMBLOR_COPYRIGHT REGEX "^Copyright")
+
 find_program(CCACHE ccache)
 if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
