@@ -98,6 +98,7 @@ constexpr Output kOutputs[] = {
     {"icon-64.png", localIcon<64>},
     {"icon-128.png", localIcon<128>},
     {"icon-256.png", localIcon<256>},
+    {"setup.bmp", WriteSetupPicture},
     {"tamb.ico", WriteIcons},
 };
 

@@ -1,5 +1,5 @@
 // The icons: a desktop with a hole burnt into it, and the sun behind. One file for the Windows saver, and
-// pictures for the icon themes of Linux.
+// pictures for the icon themes of Linux. And the picture of the installer for Windows.
 #include "base/whole_file.h"
 #include "noise.h"
 #include "pictures/colour.h"
@@ -100,6 +100,14 @@ std::string localIconBitmap(const Raster& picture) {
     return out.text + mask;
 }
 
+std::string localWrite(const std::string& file, const std::string& bytes) {
+    std::string trouble;
+    fxReplaceFile(
+        file, [&](std::FILE* out) { return std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size(); },
+        &trouble);
+    return trouble;
+}
+
 } // namespace
 
 std::string WriteIcons(const std::string& file, const Screen&) {
@@ -116,10 +124,22 @@ std::string WriteIcons(const std::string& file, const Screen&) {
         directory.Put(6 + 16 * kCount + static_cast<std::uint32_t>(bitmaps.size()), 4);
         bitmaps += bitmap;
     }
-    const std::string icons = directory.text + bitmaps;
-    std::string trouble;
-    fxReplaceFile(
-        file, [&](std::FILE* out) { return std::fwrite(icons.data(), 1, icons.size(), out) == icons.size(); },
-        &trouble);
-    return trouble;
+    return localWrite(file, directory.text + bitmaps);
+}
+
+std::string WriteSetupPicture(const std::string& file, const Screen&) {
+    constexpr int kWidth = 164, kHeight = 314; // the place that the installer has for it
+    constexpr int kLeft = 60;                  // of the still: the sun and the burning edge
+    const std::vector<unsigned char> still = DrawPreview({kHeight * 4 / 3, kHeight}).Bytes();
+    constexpr std::uint32_t kHeaders = 14 + 40, kPixels = kWidth * kHeight * 3; // whole rows of four bytes
+    LittleEndian out;
+    out.text = "BM";
+    for (const std::uint32_t field : {kHeaders + kPixels, 0u, kHeaders, 40u, std::uint32_t{kWidth},
+                                      std::uint32_t{kHeight}, 1u | 24u << 16, 0u, kPixels, 0u, 0u, 0u, 0u})
+        out.Put(field, 4);
+    for (int y = kHeight - 1; y >= 0; --y)
+        for (int x = kLeft; x < kLeft + kWidth; ++x)
+            for (const int part : {2, 1, 0})
+                out.Put(still[static_cast<std::size_t>((y * (kHeight * 4 / 3) + x) * 4 + part)], 1);
+    return localWrite(file, out.text);
 }

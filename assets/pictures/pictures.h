@@ -43,3 +43,5 @@ Raster DrawDesktop(); // stands in for a real desktop in tests and pictures
 Raster DrawIcon(int size);
 // The Windows saver's icons, three sizes in one .ico file. Empty when well, else what went wrong.
 std::string WriteIcons(const std::string& file, const Screen&);
+// The picture on a page of the installer for Windows: a part of the still, as a bitmap file. The same result.
+std::string WriteSetupPicture(const std::string& file, const Screen&);

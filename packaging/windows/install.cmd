@@ -5,4 +5,5 @@ if "%folder:~-1%"=="\" set "folder=%folder:~0,-1%"
 reg add HKCU\Software\OrinLab\Screensavers\Tamblor /v path /t REG_SZ /d "%folder%" /f
 if errorlevel 1 exit /b 1
 if /i "%~1"=="/quiet" exit /b 0
-rundll32 desk.cpl,InstallScreenSaver "%folder%\tamb.scr"
+rem Windows takes the rest of the line as it stands, quotes and all: so the name without blanks.
+for %%f in ("%folder%\tamb.scr") do rundll32 desk.cpl,InstallScreenSaver %%~sf

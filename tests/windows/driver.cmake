@@ -3,7 +3,7 @@ find_package(X11 REQUIRED)
 set(integration ${CMAKE_SOURCE_DIR}/tests/integration)
 set(picture ${CMAKE_SOURCE_DIR}/tests/picture)
 add_executable(wine_test EXCLUDE_FROM_ALL
-    under_wine.cpp wine_frame_test.cpp wine_pictures_test.cpp wine_user_test.cpp
+    under_wine.cpp wine_frame_test.cpp wine_installer_test.cpp wine_pictures_test.cpp wine_user_test.cpp
     ${integration}/bad_input_test.cpp ${integration}/full_screen_test.cpp ${picture}/comparison.cpp)
 set_source_files_properties(${integration}/full_screen_test.cpp PROPERTIES
     COMPILE_OPTIONS $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)

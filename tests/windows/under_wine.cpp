@@ -61,12 +61,16 @@ bool NeedsDevil() {
     return testing::GTEST_FLAG(filter).find("WithDevilItself") != std::string::npos;
 }
 
+// The installer is made of two builds.
+bool NeedsInstaller() {
+    return testing::GTEST_FLAG(filter).starts_with("Installer.");
+}
+
 // Ends what still runs in the prefix, the services too: the next test has another display.
 class FreshWine : public testing::EmptyTestEventListener {
     void OnTestEnd(const testing::TestInfo&) override {
         devilFolder = "";
-        Run({serverProgram, "-k"}, WindowsBuild("wine-prefix"));
-        Run({serverProgram, "-w"}, WindowsBuild("wine-prefix"));
+        EndWine(WindowsBuild("wine-prefix"));
     }
 };
 
@@ -87,9 +91,20 @@ std::string SaverName(const std::string& file) {
 }
 
 WineProgram::WineProgram(const std::string& display, const std::string& folder,
-                         std::vector<std::string> words) {
+                         std::vector<std::string> words, const Environment& settings) {
     words.insert(words.begin(), wineProgram);
-    StartUnderWine(this, words, {{"DISPLAY", display}}, folder);
+    Environment environment = settings;
+    environment["DISPLAY"] = display;
+    StartUnderWine(this, words, environment, folder);
+}
+
+void WaitForWine(const std::string& prefix) {
+    Run({serverProgram, "-w"}, prefix);
+}
+
+void EndWine(const std::string& prefix) {
+    Run({serverProgram, "-k"}, prefix);
+    WaitForWine(prefix);
 }
 
 // As it lies with a user, in a folder with what it needs, but for the clock that the test turns. The registry
@@ -129,6 +144,8 @@ int main(int argc, char** argv) {
         lacks = "no Wine here runs it (Debian: wine64 for the 64-bit one, wine32 for the 32-bit one)";
     else if (NeedsDevil() && !fs::exists(WindowsBuild("tests/codec/devil.dll")))
         lacks = "no DevIL for it (Debian: wine64-tools and libwine-dev make the 64-bit one)";
+    else if (NeedsInstaller() && !fs::exists(WindowsBuild("tests/installer")))
+        lacks = "no installer for it (scripts/windows makes it when it makes both builds)";
     if (lacks != nullptr) {
         std::printf("skipped: %s/bin/tamb.scr: %s\n", argv[1], lacks);
         return kSkipped;

@@ -10,8 +10,14 @@ std::string WindowsBuild(const std::string& name);
 void UseDevilItself();
 
 // A program of Windows or Wine, running. `display` may be empty. The program sees `folder` as the current
-// one.
+// one. A setting comes in place of the tests' own.
 class WineProgram : public Program {
 public:
-    WineProgram(const std::string& display, const std::string& folder, std::vector<std::string> words);
+    WineProgram(const std::string& display, const std::string& folder, std::vector<std::string> words,
+                const Environment& settings = {});
 };
+
+// Waits until nothing runs in the prefix any more, its services included.
+void WaitForWine(const std::string& prefix);
+// Ends all that runs there.
+void EndWine(const std::string& prefix);
