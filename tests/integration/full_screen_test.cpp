@@ -40,6 +40,25 @@ TEST_F(FullScreen, TheFirstFrameShowsTheDesktopPixelForPixel) {
     ExpectDrawn(DesktopPicture(display.width, display.height), display.Photograph());
 }
 
+TEST_F(FullScreen, NothingIsSeenBetweenTheDesktopAndTheFirstFrame) {
+    // The clock stands at the first frame, which is the desktop: so that is all that there may be to see.
+    constexpr int kTolerance = 12;
+    const auto isDesktop = [this](int x, int y) {
+        return ChannelDistance(display.PixelAt(x, y), display.DesktopPixel(x, y)) <= kTolerance;
+    };
+    saver.Start(display, {"/s"});
+    constexpr int kLooks = 300, kMost = 100000; // after the first frame, and at all: one each ms
+    int looks = 0, others = 0;
+    for (int i = 0; i < kMost && looks < kLooks && saver.Running(); ++i) {
+        for (const auto& [x, y] : {std::pair{2, 2}, {160, 120}, {317, 237}})
+            others += !isDesktop(x, y);
+        looks += saver.Draws() && !display.VisibleWindows().empty();
+        usleep(1000);
+    }
+    EXPECT_EQ(looks, kLooks) << "it ends by itself, or draws nothing";
+    EXPECT_EQ(others, 0);
+}
+
 class Modes : public ShowFixture {};
 
 TEST_F(Modes, NoneOfTheseShowsAWindowAndEachSaysWhy) {

@@ -65,11 +65,9 @@ public:
     void SetClock(std::uint32_t ms) const { std::atomic_ref(clock_->tick).store(kStartMs + ms); }
     // Waits until the saver's window is on the display and drawn. False when that does not come.
     bool WaitUntilShown(const VirtualDisplay& display) const {
-        const auto draws = [this] {
-            return static_cast<int>(std::atomic_ref(clock_->reads)) > kReadsBeforeFrames;
-        };
-        return display.WaitForWindow() != 0 && Eventually(draws);
+        return display.WaitForWindow() != 0 && Eventually([this] { return Draws(); });
     }
+    bool Draws() const { return static_cast<int>(std::atomic_ref(clock_->reads)) > kReadsBeforeFrames; }
     // Lets the clock run from its start until the desktop at that place begins to fade: frames are drawn, and
     // their first stage lasts a second more at least. False when that does not happen.
     bool SeeFrames(const VirtualDisplay& display, int x = 160, int y = 120) const {

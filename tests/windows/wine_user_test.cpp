@@ -1,5 +1,6 @@
-// The Windows saver as it lies with a user: what its install.cmd leaves, and the little pane of the settings
-// panel, which is in a process of its own (pane.cpp).
+// The Windows saver as it lies with a user: what its install.cmd leaves, the little pane of the settings
+// panel, which is in a process of its own (pane.cpp), several monitors, and a desktop that cannot be
+// photographed.
 #include "integration/saver_process.h"
 #include "windows/under_wine.h"
 
@@ -63,6 +64,54 @@ TEST_F(PreviewInPane, ShowsTheStillAndGoesWithThePanelAndEndsQuietlyWithoutIt) {
     saver.Start(display, {"/p" + number});
     EXPECT_EQ(saver.WaitForExit(), 0);
     EXPECT_TRUE(display.VisibleWindows().empty());
+}
+
+class WineMonitors : public ShowFixture {
+protected:
+    WineMonitors() : ShowFixture(640, 480) {}
+    void SetUp() override {
+        ShowFixture::SetUp();
+        Tell({"add", "/d", "N", "/f"});
+    }
+    void TearDown() override { Tell({"delete", "/f"}); }
+    // Wine takes the monitors that a test can make when it does not ask for video cards.
+    void Tell(std::vector<std::string> words) const {
+        words.insert(words.begin(), "reg");
+        words.insert(words.begin() + 2, {"HKCU\\Software\\Wine\\X11 Driver", "/v", "UseXRandR"});
+        EXPECT_EQ(WineProgram("", "/", words).WaitForExit(), 0);
+        WaitForWine(WindowsBuild("wine-prefix"));
+    }
+};
+
+TEST_F(WineMonitors, TheShowIsOnThePrimaryOneAndTheOthersAreBlack) {
+    constexpr Area kPrimary = {0, 0, 320, 400}, kOther = {320, 0, 320, 480};
+    display.SetMonitor("primary", kPrimary, true);
+    display.SetMonitor("other", kOther, false);
+    display.MovePointer(500, 200);
+    Start();
+    EXPECT_TRUE(display.WaitForBlack(kOther));
+    EXPECT_TRUE(display.WaitForHiddenCursor()) << "on the other monitor";
+    EXPECT_TRUE(saver.SeeFrames(display));
+    saver.SetClock(4000);
+    display.MovePointer(510, 210);
+    display.ClickButton(1);
+    ExpectItGoesOn();
+    saver.SetClock(4001);
+    display.MovePointer(520, 220);
+    EXPECT_EQ(saver.WaitForExit(), 0) << "what the mouse does there counts";
+    EXPECT_TRUE(display.VisibleWindows().empty());
+}
+
+TEST_F(WineMonitors, ADesktopThatComesOutBlackIsAPictureOfThePackage) {
+    const Window black = display.ShowWindow({0, 0, display.width, display.height});
+    Start();
+    display.DestroyWindow(black);
+    EXPECT_TRUE(saver.SeeFrames([&] { return display.PixelAt(320, 240) != 0; }));
+    EXPECT_NE(saver.Trace().find("#ERROR: "), std::string::npos);
+    EXPECT_NE(saver.Trace().find("the desktop is black, or a compositor keeps it from DirectDraw\n"),
+              std::string::npos)
+        << saver.Trace();
+    ExpectAKeyEndsIt();
 }
 
 } // namespace
