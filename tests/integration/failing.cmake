@@ -5,14 +5,13 @@ target_link_libraries(failing_platform PRIVATE tamb_options ${CMAKE_DL_LIBS})
 
 add_executable(failing_saver_test
     saver_command.cpp failing_display_test.cpp failing_process_test.cpp failing_surroundings_test.cpp
-    failing_wayland_test.cpp virtual-input-client-protocol.h virtual-input-protocol.h)
+    failing_wayland_test.cpp)
 target_include_directories(failing_saver_test PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-target_include_directories(failing_saver_test SYSTEM PRIVATE ${CMAKE_CURRENT_BINARY_DIR} ${CMAKE_BINARY_DIR}/src/win32/wayland)
-target_link_libraries(failing_saver_test PRIVATE tamb_package tamb_win32_posix tamb_options X11::X11 X11::Xrandr X11::Xtst
-    X11::Xfixes PkgConfig::WAYLAND_CLIENT GTest::gtest GTest::gtest_main)
+target_link_libraries(failing_saver_test PRIVATE tamb_package tamb_win32_posix tamb_options test_compositor X11::X11 X11::Xrandr
+    X11::Xtst X11::Xfixes GTest::gtest GTest::gtest_main)
 target_compile_definitions(failing_saver_test PRIVATE
     TAMBLOR_EXE="$<TARGET_FILE:tamblor>" TAMBLOR_DATA_DIR="${TAMBLOR_DATA_DIR}" TAMBLOR_MODULES="${TAMBLOR_MODULES}"
-    XVFB_EXE="${XVFB}" SWAY_EXE="${SWAY}" SWAYMSG_EXE="${SWAYMSG}" GRIM_EXE="${GRIM}"
+    XVFB_EXE="${XVFB}"
     FAILING_PLATFORM="$<TARGET_FILE:failing_platform>")
 set_target_properties(failing_saver_test PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 add_dependencies(failing_saver_test tamblor show_package failing_platform)
