@@ -19,7 +19,8 @@ enum Part { kPosition, kTexture, kNormal };
 constexpr const char* kPartKeyword[] = {"v", "vt", "vn"};
 constexpr std::size_t kPartNumbers[] = {3, 2, 3};
 
-// What a corner of a face names: "3", "3/1", "3//2", "3/1/2". Numbers that are not there are 0.
+// What a corner of a face names: "3", "3/1", "3//2", "3/1/2". Numbers that are not there are 0. Behind a
+// slash at the end, the reader would take the next corner's.
 bool localParseCorner(const std::string& word, std::array<long, 3>* numbers) {
     *numbers = {};
     std::istringstream parts(word);
@@ -33,7 +34,7 @@ bool localParseCorner(const std::string& word, std::array<long, 3>* numbers) {
             return false;
         (*numbers)[part] = value;
     }
-    return (*numbers)[kPosition] != 0;
+    return (*numbers)[kPosition] != 0 && !word.ends_with('/');
 }
 
 // Checks every line that the reader will read, and readies the text for it: the reader forgets a material's
@@ -44,6 +45,8 @@ public:
     Scan(const std::string& file, FXObjFile* obj) : file_(file), obj_(obj) {}
 
     bool Run(const std::string& text) {
+        if (const int line = fxLineOfZero(text); line > 0)
+            Fail(line, "there is a zero byte, so this is no text");
         fxForEachLine(text, [this](const FXWavefrontLine& line) {
             if (error.empty())
                 Take(line);
@@ -107,14 +110,33 @@ private:
         }
     }
 
-    // Line by line the same, so that the reader's line numbers are the file's.
+    // Blanks that are no line's end here may be one to the reader.
+    static std::string Spaced(const FXWavefrontLine& line) {
+        std::string text = line.keyword;
+        for (const std::string& word : line.words)
+            text.append(" ").append(word);
+        return text;
+    }
+
+    // The reader counts the corners of a face in a byte.
+    static constexpr std::size_t kMostCorners = 255;
+    static std::string Fan(const std::vector<std::string>& corners) {
+        std::string faces;
+        for (std::size_t i = 2; i < corners.size(); ++i)
+            faces += "f " + corners[0] + " " + corners[i - 1] + " " + corners[i] + "\n";
+        return faces;
+    }
+
+    // Line by line the same, so that the reader's line numbers are the file's, but for large faces.
     std::string PreparedLine(const FXWavefrontLine& line) {
         if (!hasLibrary_ && (line.keyword.empty() || line.keyword == "mtllib")) {
             hasLibrary_ = true;
             return "mtllib ours";
         }
+        if (line.keyword == "f" && line.words.size() > kMostCorners)
+            return Fan(line.words);
         if (line.keyword != "usemtl")
-            return line.keyword == "mtllib" ? "" : line.keyword + " " + line.rest;
+            return line.keyword == "mtllib" ? "" : Spaced(line);
         const auto at = std::ranges::find(materials, line.rest);
         const std::string use = "usemtl " + std::to_string(at - materials.begin());
         if (at == materials.end())

@@ -1,5 +1,6 @@
 #include "image/wavefront_lines.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
@@ -27,6 +28,11 @@ void fxForEachLine(const std::string& text, const std::function<void(const FXWav
             line.words.push_back(word);
         take(line);
     }
+}
+
+int fxLineOfZero(const std::string& text) {
+    const auto zero = std::ranges::find(text, '\0');
+    return zero == text.end() ? 0 : static_cast<int>(std::count(text.begin(), zero, '\n')) + 1;
 }
 
 bool fxIsNumber(const std::string& word, double* value) {
