@@ -190,7 +190,7 @@ bool Replace(const std::string& file, const Lines& lines, std::string* problem) 
     }
     const auto write = [&](std::FILE* out) {
         for (const std::string& line : lines)
-            if (std::fprintf(out, "%s\n", line.c_str()) < 0)
+            if (std::fwrite(line.data(), 1, line.size(), out) != line.size() || std::fputc('\n', out) == EOF)
                 return false;
         return !exists || fchmod(fileno(out), before.st_mode & 07777) == 0;
     };
@@ -233,6 +233,8 @@ bool AddToSavers(std::string* line) {
         return true;
     }
     if (!list.found) {
+        if (!lines.empty() && GoesOn(lines.back())) // into nothing, as yet
+            lines.emplace_back();
         list.first = list.last = lines.size();
         lines.emplace_back("programs:");
     }
