@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -45,7 +46,9 @@ void TakeKeymap(xkb_keymap* taken) {
 void OnKeymap(void*, wl_keyboard*, std::uint32_t format, int file, std::uint32_t size) {
     if (keyContext == nullptr)
         keyContext = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
-    void* text = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file, 0);
+    struct stat facts = {};
+    const bool isWhole = fstat(file, &facts) == 0 && facts.st_size >= static_cast<off_t>(size);
+    void* text = isWhole ? mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file, 0) : MAP_FAILED;
     close(file);
     if (text == MAP_FAILED)
         return TakeKeymap(nullptr);
@@ -109,7 +112,9 @@ constexpr wl_keyboard_listener kKeyboardListener = {
 };
 
 int InPixels(double units) {
-    return static_cast<int>(std::floor(units * TheWindow().pixelsPerUnit));
+    constexpr double kFarthest = 1 << 30; // the way of a pointer that goes on in one direction
+    const double pixels = std::floor(units * TheWindow().pixelsPerUnit);
+    return static_cast<int>(std::clamp(pixels, -kFarthest, kFarthest));
 }
 
 void OnMotion(void*, wl_pointer*, std::uint32_t, wl_fixed_t x, wl_fixed_t y) {

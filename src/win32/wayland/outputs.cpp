@@ -22,6 +22,16 @@ std::size_t shows = 1;
 std::uint32_t chosen = 0; // the only show's output
 bool hasLooked = false;   // for the one that the user works at
 
+// No desktop in earnest reaches so far; sums of such numbers, and their differences, are ints.
+constexpr int kFarthest = 1 << 24;
+
+int Position(int told) {
+    return std::clamp(told, -kFarthest, kFarthest);
+}
+int Length(int told) {
+    return std::clamp(told, 0, kFarthest);
+}
+
 Output* Mine(void* data) {
     changed = true;
     return static_cast<Output*>(data);
@@ -33,7 +43,7 @@ constexpr wl_output_listener kOutputListener = {
         [](void* data, wl_output*, std::int32_t x, std::int32_t y, std::int32_t, std::int32_t, std::int32_t,
            const char*, const char*, std::int32_t transform) {
             Output* output = Mine(data);
-            output->corner = {x, y, 0, 0};
+            output->corner = {Position(x), Position(y), 0, 0};
             output->transform = transform;
         },
     .mode =
@@ -42,8 +52,8 @@ constexpr wl_output_listener kOutputListener = {
             if ((flags & WL_OUTPUT_MODE_CURRENT) == 0)
                 return;
             Output* output = Mine(data);
-            output->modeWidth = width;
-            output->modeHeight = height;
+            output->modeWidth = Length(width);
+            output->modeHeight = Length(height);
         },
     .done = [](void* data, wl_output*) { Mine(data); },
     .scale = [](void* data, wl_output*, std::int32_t factor) { Mine(data)->scale = std::max(factor, 1); },
@@ -55,14 +65,14 @@ constexpr zxdg_output_v1_listener kLayoutListener = {
     .logical_position =
         [](void* data, zxdg_output_v1*, std::int32_t x, std::int32_t y) {
             Output* output = Mine(data);
-            output->desk.x = x;
-            output->desk.y = y;
+            output->desk.x = Position(x);
+            output->desk.y = Position(y);
         },
     .logical_size =
         [](void* data, zxdg_output_v1*, std::int32_t width, std::int32_t height) {
             Output* output = Mine(data);
-            output->desk.width = width;
-            output->desk.height = height;
+            output->desk.width = Length(width);
+            output->desk.height = Length(height);
         },
     .done = kPassedOver,
     .name = [](void* data, zxdg_output_v1*, const char* name) { Mine(data)->name = name; },

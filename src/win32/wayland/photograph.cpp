@@ -61,22 +61,23 @@ std::string CopyFrame(zwlr_screencopy_frame_v1* frame, Copy* copy, int transform
     constexpr std::chrono::milliseconds kLimit{2000}; // an output that is off shows nothing to be copied
     if (!AwaitReply([&] { return copy->described || copy->failed; }, kLimit) || copy->failed)
         return "the compositor has nothing to copy";
-    if (!HasSize(copy->picture) || !IsKnownFormat(copy->picture.format))
-        return "the compositor's pixels are of an unknown format, " + std::to_string(copy->picture.format);
-    const SharedMemory memory(static_cast<std::size_t>(copy->picture.stride) *
-                              static_cast<std::size_t>(copy->picture.height));
+    SharedPicture picture = copy->picture; // it may be described anew later
+    if (!HasSize(picture) || !IsKnownFormat(picture.format))
+        return "the compositor's pixels are of an unknown format, " + std::to_string(picture.format);
+    const SharedMemory memory(static_cast<std::size_t>(picture.stride) *
+                              static_cast<std::size_t>(picture.height));
     if (memory.Bytes() == nullptr)
         return "there is no memory for the copy";
-    wl_buffer* buffer = memory.NewBuffer(0, copy->picture.width, copy->picture.height, copy->picture.stride,
-                                         copy->picture.format);
+    wl_buffer* buffer = memory.NewBuffer(0, picture.width, picture.height, picture.stride, picture.format);
     zwlr_screencopy_frame_v1_copy(frame, buffer);
     const bool answered = AwaitReply([&] { return copy->done || copy->failed; }, kLimit);
     wl_buffer_destroy(buffer);
     if (!answered || copy->failed)
         return "the compositor has not copied the output";
-    copy->picture.bytes = memory.Bytes();
-    copy->picture.transform = transform;
-    *photograph = ToPhotograph(copy->picture, width, height);
+    picture.upsideDown = copy->picture.upsideDown;
+    picture.bytes = memory.Bytes();
+    picture.transform = transform;
+    *photograph = ToPhotograph(picture, width, height);
     return "";
 }
 

@@ -28,13 +28,16 @@ std::uint32_t placedOn = 0; // the number of the output; 0: it has no place
 bool shown = false;
 bool black = false; // there is no picture
 
+constexpr double kLargest = 32768; // pixels a side, whatever the compositor says
+
 // The window has as many pixels as it covers of the output, however large the compositor's coordinates are.
 void FitWindow(const Output& output) {
     const Place desk = output.Logical();
     if (sheet->Width() <= 0 || sheet->Height() <= 0 || desk.width <= 0 || desk.height <= 0)
         return;
     const auto pixels = [](int length, int all, int allPixels) {
-        return static_cast<int>(std::lround(static_cast<double>(length) * allPixels / all));
+        const double found = std::round(static_cast<double>(length) * allPixels / all);
+        return static_cast<int>(std::clamp(found, 1.0, kLargest));
     };
     const int width = pixels(sheet->Width(), desk.width, output.Width());
     const int height = pixels(sheet->Height(), desk.height, output.Height());
