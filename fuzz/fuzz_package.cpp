@@ -4,7 +4,6 @@
 #include "work_file.h"
 
 #include <algorithm>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -83,8 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     if (size == 0)
         return 0;
     constexpr std::string_view kHeaders[] = {{}, {"\5\0\0\0pck01", 9}, {"\6\0\0\0pck01s", 10}};
-    const std::string_view rest(reinterpret_cast<const char*>(bytes) + 1, size - 1);
-    std::ofstream(WorkFile(), std::ios::binary) << kHeaders[bytes[0] % 3] << rest;
+    const std::string_view rest = AsText(bytes + 1, size - 1);
+    WriteFile(WorkFile(), std::string(kHeaders[bytes[0] % 3]).append(rest));
 
     FXPackage package;
     auto few = std::make_unique<FewElements>(size);
