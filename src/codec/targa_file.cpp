@@ -114,7 +114,7 @@ bool fxReadTarga(FXPackageData* file, CodecPicture* picture) {
         unpacked = fxNewBytes(size);
         if (unpacked && localUnpackRuns(file, unpacked.get(), size, layout.bits / 8))
             pixels = unpacked.get();
-    } else if (size <= static_cast<std::size_t>(file->left)) {
+    } else {
         pixels = static_cast<const unsigned char*>(file->ReadBlc(static_cast<int>(size)));
     }
     if (pixels == nullptr) {

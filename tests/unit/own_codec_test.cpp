@@ -102,6 +102,9 @@ TEST_F(OwnCodec, ReadsTargaFilesThatTheLibraryDoesNot) {
     turned[17] = 0x10; // the right pixel is the first
     EXPECT_EQ(pixels(turned),
               shown.substr(0, 7) + shown.substr(15, 4) + shown.substr(11, 4) + shown.substr(7, 4));
+    std::string run = Targa({10, 24, 0, 0, 0, 2, 1}).substr(0, 18) + "\x84" + "abc"; // of 5 pixels
+    EXPECT_EQ(pixels(run), "2 x 1: cba\xFF"
+                           "cba\xFF");
     std::string palette = Targa({1, 8, 2, 16, 0, 2, 1});
     palette.replace(18, 6, std::string("\x1F\x7C\xE0\x03\0\1", 6));
     EXPECT_EQ(pixels(palette), "2 x 1: \xF8" + std::string("\0\xF8\xFF\0\xF8\0\xFF", 7));
@@ -222,6 +225,8 @@ TEST_F(OwnCodec, TakesAFileByItsNameThenByItsBytes) {
     EXPECT_EQ(sizeOf(folder.Write("c", targa)), "none") << "a TGA begins with nothing of its own";
     const std::string jpeg("\xFF\xD8\xFF\xC0\0\x0B\x08\0\2\0\1\1\1\1\1\xFF\xD9", 17);
     EXPECT_EQ(sizeOf(folder.Write("d.tga", jpeg + std::string(100, '\0'))), "1 x 2");
+    EXPECT_EQ(sizeOf(folder.Write("e.jpg", jpeg.substr(0, 15) + std::string(100, '\0'))), "none")
+        << "the system is not handed what breaks off";
     EXPECT_EQ(sizeOf(folder.File("missing.tga")), "none");
 }
 

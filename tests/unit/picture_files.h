@@ -89,6 +89,7 @@ inline std::vector<PictureFile> TargaFiles() {
         {"palette-32", {1, 8, 256, 32, 0x20}},
         {"palette-24-runs", {9, 8, 256, 24, 0}},
         {"palette-24-short", {1, 8, 20, 24, 0}},
+        {"palette-24-long", {1, 8, 300, 24, 0}},
         {"one-pixel", {2, 24, 0, 0, 0, 1, 1}},
         {"wide", {10, 24, 0, 0, 0, 700, 3}},
     };
