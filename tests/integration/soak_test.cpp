@@ -1,6 +1,6 @@
 // The show for a long time, on X11 and on Wayland at once, by a clock that runs 200 times as fast: nothing
-// that it keeps grows, and at the end its stages and turns are where they are to be. An hour of the show by
-// default; three days: TAMBLOR_SOAK_HOURS=72 soak_test
+// that it keeps grows, and at the end its stages and turns are where they are to be. Half an hour of the show
+// by default; three days: TAMBLOR_SOAK_HOURS=72 soak_test
 #include "integration/compositor.h"
 #include "integration/saver_process.h"
 #include "integration/soak_spy.h"
@@ -209,25 +209,24 @@ public:
         std::printf("\n");
         std::fflush(stdout);
     }
-    // What it held at most in the last third is no more than in the first one, which is past the first
-    // cycles.
+    // The last third against the first one, which is past the first cycles. Of what is counted, it has no
+    // more at any time; memory comes and goes with the frames that the driver has in hand, so its least
+    // counts.
     void ExpectFlat() const {
         const std::size_t third = samples_.size() / 3;
         ASSERT_GT(third, 0u);
+        const std::span all(samples_);
         for (const auto& [what, number] : samples_.back()) {
-            const auto most = [&what = what](std::span<const Sample> samples) {
-                double greatest = 0;
-                for (const Sample& sample : samples)
-                    greatest = std::max(greatest, sample.at(what));
-                return greatest;
-            };
+            const auto early = Range(all.first(third), what), late = Range(all.last(third), what);
             const bool isMemory = what.ends_with("KiB");
-            if (isMemory && !kMemoryIsOurs)
-                continue;
-            const double early = most(std::span(samples_).first(third));
-            const double room = isMemory ? kRoomKiB : what == "mappings" ? kRoomMappings : 0;
-            EXPECT_LE(most(std::span(samples_).last(third)), early + room)
-                << name_ << ": " << what;
+            if (isMemory)
+                std::printf("%s, %s: %.0f to %.0f, then %.0f to %.0f\n", name_.c_str(), what.c_str(),
+                            early.first, early.second, late.first, late.second);
+            if (isMemory && kMemoryIsOurs) {
+                EXPECT_LE(late.first, early.first + RoomOf(what)) << name_ << ": " << what;
+            } else if (!isMemory) {
+                EXPECT_LE(late.second, early.second + RoomOf(what)) << name_ << ": " << what;
+            }
         }
         EXPECT_GT(samples_.back().at("textures"), 0) << name_ << ": the spy sees nothing";
         EXPECT_EQ(samples_.back().at("lists"), 0) << name_;
@@ -239,8 +238,23 @@ public:
     std::vector<double> starts;
 
 private:
-    // For what allocators and drivers keep for later.
-    static constexpr double kRoomKiB = 2048, kRoomMappings = 16;
+    // For what allocators and drivers keep for later: they come to their most within hours, not minutes.
+    static double RoomOf(const std::string& what) {
+        constexpr std::pair<const char*, double> kRooms[] = {
+            {"heap KiB", 512}, {"memory KiB", 4096}, {"mappings", 8}};
+        for (const auto& [name, room] : kRooms)
+            if (what.ends_with(name))
+                return room;
+        return 0;
+    }
+    static std::pair<double, double> Range(std::span<const Sample> samples, const std::string& what) {
+        std::pair<double, double> range = {samples.front().at(what), samples.front().at(what)};
+        for (const Sample& sample : samples) {
+            range.first = std::min(range.first, sample.at(what));
+            range.second = std::max(range.second, sample.at(what));
+        }
+        return range;
+    }
 
     template <class T> T Read(std::uintptr_t address) const {
         if (!base_) {
@@ -282,7 +296,7 @@ void ExpectStages(const SoakedShow& show, const std::vector<int>& lengths) {
 
 TEST(Soak, LeavesMemoryHandlesAndPhasesAsTheyWere) {
     const char* const wanted = std::getenv("TAMBLOR_SOAK_HOURS");
-    const double hours = wanted != nullptr ? std::atof(wanted) : 1;
+    const double hours = wanted != nullptr ? std::atof(wanted) : 0.5;
     ASSERT_GT(hours, 0);
     VirtualDisplay display(200, 150);
     ASSERT_NE(display.connection, nullptr);
