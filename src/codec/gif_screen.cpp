@@ -1,7 +1,6 @@
 #include "codec/gif_screen.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -52,11 +51,8 @@ bool fxReadGifScreen(FXPackageData* file, GifScreen* screen) {
     const unsigned char* header = localRead(file, 13);
     if (header == nullptr || !localReadPalette(file, header[10], &screen->palette))
         return false;
-    constexpr std::int64_t kMostPerByte = 4096; // pixels, for the longest string that a code stands for
     screen->width = localWord(header + 6);
     screen->height = localWord(header + 8);
-    if (std::int64_t{screen->width} * screen->height > kMostPerByte * file->size)
-        return false;
     const int transparent = localReadExtensions(file);
     const unsigned char* frame = transparent != -2 ? localRead(file, 9) : nullptr;
     if (frame == nullptr || !localReadPalette(file, frame[8], &screen->palette))

@@ -14,7 +14,8 @@ struct GifScreen {
     CodecPalette palette;
 };
 
-// False when the file ends before its first frame, or is too small for the size that it claims.
+// False when the file ends before its first frame. Whether it is large enough for its screen is known already
+// (image/picture_header.h).
 bool fxReadGifScreen(FXPackageData* file, GifScreen* screen);
 // The picture becomes the screen with the frame on it. False when the frame does not lie there, or there is
 // no memory.

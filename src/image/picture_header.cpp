@@ -125,10 +125,12 @@ std::size_t localAfterData(HeaderReader& file, std::size_t at) {
     return at + 1;
 }
 
-// All blocks, to the one that ends the picture; the first frame's own size counts, not the screen's. DevIL
-// does not look whether a frame lies on the screen, nor whether a block is of a kind that there is.
+// All blocks, to the one that ends the picture; the screen's size counts, of which the first frame may be a
+// part. DevIL does not look whether a frame lies on the screen, nor whether a block is of a kind that there
+// is.
 FXPictureSize localGifSize(HeaderReader& file) {
     constexpr int kLongestCode = 8; // a picture begins with codes of so many bits at most
+    const FXPictureSize screen = {file.Little16(6), file.Little16(8)};
     FXPictureSize size;
     std::size_t at = localAfterColours(13, file.Byte(10));
     while (file.Good() && file.Byte(at) != ';') {
@@ -137,10 +139,10 @@ FXPictureSize localGifSize(HeaderReader& file) {
             continue;
         }
         const FXPictureSize frame = {file.Little16(at + 5), file.Little16(at + 7)};
-        if (file.Byte(at) != ',' || file.Little16(at + 1) + frame.width > file.Little16(6) ||
-            file.Little16(at + 3) + frame.height > file.Little16(8))
+        if (file.Byte(at) != ',' || file.Little16(at + 1) + frame.width > screen.width ||
+            file.Little16(at + 3) + frame.height > screen.height || frame.width == 0 || frame.height == 0)
             return kBroken;
-        size = size.width == 0 ? frame : size;
+        size = screen;
         at = localAfterColours(at + 10, file.Byte(at + 9));
         if (file.Byte(at) > kLongestCode)
             return kBroken;

@@ -9,7 +9,7 @@ struct FXPictureSize {
     int height = 0;
 };
 
-// The size that a BMP, JPEG, PNG, TGA or GIF claims to have (GIF: its first frame); `type` is the entry's
+// The size that a BMP, JPEG, PNG, TGA or GIF claims to have (GIF: its screen); `type` is the entry's
 // kind in a package. Nothing when the header is of another kind or ends too early, or the codec could not be
 // trusted with it.
 std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, int type);

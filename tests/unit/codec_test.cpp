@@ -129,7 +129,8 @@ TEST_F(Codec, RefusesPicturesThatClaimMoreThanTheirBytesHold) {
         {kTga, Tga16(10, 40, true).substr(0, 18 + 11)},
         {kGif, forged(kGifFile, 20, "\1")},   // beside the screen
         {kGif, forged(kGifFile, 19, "\x11")}, // a block of no kind
-        {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")}};
+        {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")},
+        {kGif, forged(kGifFile, 6, "\xff\x3f\xff\x1f")}}; // a screen around its frame
     for (const auto& [type, file] : cases) {
         SCOPED_TRACE(&file - &cases[0].second);
         Load({{1, type, file}});
