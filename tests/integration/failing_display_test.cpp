@@ -54,7 +54,7 @@ TEST_F(FailingDisplay, WhateverStepOfOpenGlFailsTheScreenIsCoveredAndClosesAsEve
 
 TEST_F(FailingDisplay, ItsEndEndsTheSaverQuietly) {
     Moments moments(15);
-    const int count = Times(6, 100);
+    const int count = Times(8, 150); // half of them while the driver begins to ask the server
     for (int i = 0; i < count + static_cast<int>(std::size(kInEachStage)); ++i) {
         VirtualDisplay dying(320, 240);
         ASSERT_NE(dying.connection, nullptr);

@@ -40,14 +40,17 @@ private:
     Hold* hold_ = nullptr;
 };
 
-// Moments of a show, in milliseconds after its start: the first ones come sooner than its window.
+// Moments of a show, in milliseconds after its start; half of them lie in its start, before it has a window.
 class Moments {
 public:
     explicit Moments(unsigned seed) : random_(seed) {}
-    unsigned Next() { return static_cast<unsigned>(random_() % kMost); }
+    unsigned Next() {
+        const unsigned most = random_() % 2 == 0 ? kStart : kMost;
+        return static_cast<unsigned>(random_() % most);
+    }
 
 private:
-    static constexpr unsigned kMost = 1500;
+    static constexpr unsigned kStart = 300, kMost = 1500;
     std::mt19937 random_;
 };
 

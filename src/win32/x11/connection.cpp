@@ -1,6 +1,9 @@
 // Connections to the X server, and what becomes of errors.
 #include "win32/x11/x11.h"
 
+#include <atomic>
+#include <csignal>
+#include <poll.h>
 #include <unistd.h>
 
 namespace x11 {
@@ -13,6 +16,32 @@ thread_local bool errorSeen = false;
 int NoteError(Display*, XErrorEvent*) {
     errorSeen = true;
     return 0;
+}
+
+std::atomic<int> files[2] = {-1, -1}; // of the connections, this thread's and OpenGL's
+struct sigaction beforeFault = {};
+
+bool ServerIsGone() {
+    for (const int file : files) {
+        pollfd source = {file, 0, 0};
+        if (file >= 0 && poll(&source, 1, 0) == 1 && (source.revents & (POLLHUP | POLLERR)) != 0)
+            return true;
+    }
+    return false;
+}
+
+// Mesa takes for granted, while it begins, that a server answers: one that has gone makes it crash. Any other
+// fault comes again when this returns, and is whose it was before.
+void OnFault(int number) {
+    if (ServerIsGone())
+        _exit(0);
+    sigaction(number, &beforeFault, nullptr);
+}
+
+void Remember(Display* display) {
+    for (std::atomic<int>& file : files)
+        if (int none = -1; file.compare_exchange_strong(none, ConnectionNumber(display)))
+            return;
 }
 
 // The user logged out or the server died. There is nothing left to show, and no reply would ever come to a
@@ -28,9 +57,15 @@ Display* OpenConnection() {
         XInitThreads();
         XSetErrorHandler(NoteError);
         XSetIOErrorHandler(EndQuietly);
+        struct sigaction action = {};
+        action.sa_handler = OnFault;
+        sigaction(SIGSEGV, &action, &beforeFault);
         return true;
     }();
-    return prepared ? XOpenDisplay(nullptr) : nullptr;
+    Display* const display = prepared ? XOpenDisplay(nullptr) : nullptr;
+    if (display != nullptr)
+        Remember(display);
+    return display;
 }
 
 Display* Connection() {
