@@ -241,7 +241,7 @@ private:
     // For what allocators and drivers keep for later: they come to their most within hours, not minutes.
     static double RoomOf(const std::string& what) {
         constexpr std::pair<const char*, double> kRooms[] = {
-            {"heap KiB", 1024}, {"memory KiB", 4096}, {"mappings", 8}};
+            {"heap KiB", 2048}, {"memory KiB", 4096}, {"mappings", 8}};
         for (const auto& [name, room] : kRooms)
             if (what.ends_with(name))
                 return room;
