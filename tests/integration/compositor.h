@@ -183,11 +183,12 @@ private:
     }
 
     bool Connect() {
-        connection_ = wl_display_connect(server.Socket().c_str());
-        if (connection_ == nullptr)
+        // Its socket is there before it listens, and it listens before it has outputs.
+        if (!Eventually([this] { return (connection_ = wl_display_connect(server.Socket().c_str())); }))
             return false;
         wl_registry_add_listener(Keep(wl_display_get_registry(connection_)), &kRegistry, this);
-        if (!Pump() || std::ssize(outputs_) != Count() || keyboards_ == nullptr || pointers_ == nullptr)
+        if (!Eventually([this] { return !Pump() || std::ssize(outputs_) >= Count(); }) ||
+            std::ssize(outputs_) != Count() || keyboards_ == nullptr || pointers_ == nullptr)
             return false;
         wl_seat_add_listener(seat_, &kSeat, this);
         keyboard_ = Keep(zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(keyboards_, seat_));
