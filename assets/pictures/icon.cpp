@@ -138,8 +138,10 @@ std::string WriteSetupPicture(const std::string& file, const Screen&) {
                                       std::uint32_t{kHeight}, 1u | 24u << 16, 0u, kPixels, 0u, 0u, 0u, 0u})
         out.Put(field, 4);
     for (int y = kHeight - 1; y >= 0; --y)
-        for (int x = kLeft; x < kLeft + kWidth; ++x)
+        for (int x = kLeft; x < kLeft + kWidth; ++x) {
+            const int pixel = y * (kHeight * 4 / 3) + x;
             for (const int part : {2, 1, 0})
-                out.Put(still[static_cast<std::size_t>((y * (kHeight * 4 / 3) + x) * 4 + part)], 1);
+                out.Put(still[static_cast<std::size_t>(pixel) * 4 + static_cast<std::size_t>(part)], 1);
+        }
     return localWrite(file, out.text);
 }

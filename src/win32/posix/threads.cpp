@@ -65,8 +65,8 @@ void* Run(void* record) {
     return nullptr;
 }
 
-static_assert(sizeof(std::recursive_mutex) <= sizeof(CRITICAL_SECTION) &&
-              alignof(std::recursive_mutex) <= alignof(CRITICAL_SECTION));
+static_assert(sizeof(std::recursive_mutex) <= sizeof(CRITICAL_SECTION));
+static_assert(alignof(std::recursive_mutex) <= alignof(CRITICAL_SECTION));
 
 std::recursive_mutex& Of(CRITICAL_SECTION* section) {
     return *std::launder(reinterpret_cast<std::recursive_mutex*>(section->lock));
