@@ -183,17 +183,20 @@ TEST_F(Installer, GivesUpWholeOrNotAtAll) {
 
     ASSERT_EQ(Setup({}), 0);
     EXPECT_EQ(Value(kDesktop, "SCRNSAVE.EXE"), kOtherSaver) << "nobody has chosen Tamblor";
+    const std::set<std::string> installed = Everything();
     WineProgram show = Start({(usual_ / "tamb.scr").string(), "/s"});
     ASSERT_TRUE(display.WaitForPixel(160, 120, display.DesktopPixel(160, 120), 12, true));
     EXPECT_EQ(Start({fs::directory_iterator(WindowsBuild("tests/installer"))->path(), "/S", "/SELECT"})
                   .WaitForExit(),
               2)
         << "it runs";
+    Run({(usual_ / "uninstall.exe").string(), "/S"});
     EXPECT_TRUE(show.Running());
     display.PressKey(XK_space);
     EXPECT_EQ(show.WaitForExit(), 0);
-    EXPECT_EQ(Bytes(usual_ / "tamb.scr"), Bytes(WindowsBuild("bin/tamb.scr")));
-    EXPECT_EQ(Value(kDesktop, "SCRNSAVE.EXE"), kOtherSaver);
+    WaitForWine(prefix_);
+    EXPECT_TRUE(fs::remove(usual_ / "tamb.log"));
+    EXPECT_EQ(Changes(installed, Everything()), std::vector<std::string>());
 }
 
 } // namespace
