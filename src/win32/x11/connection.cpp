@@ -31,11 +31,13 @@ bool ServerIsGone() {
 }
 
 // Mesa takes for granted, while it begins, that a server answers: one that has gone makes it crash. Any other
-// fault comes again when this returns, and is whose it was before.
-void OnFault(int number) {
+// fault is whose it was before: it comes again when this returns, but for one that a program has sent.
+void OnFault(int number, siginfo_t* info, void*) {
     if (ServerIsGone())
         _exit(0);
     sigaction(number, &beforeFault, nullptr);
+    if (info->si_code <= 0)
+        raise(number);
 }
 
 void Remember(Display* display) {
@@ -58,7 +60,8 @@ Display* OpenConnection() {
         XSetErrorHandler(NoteError);
         XSetIOErrorHandler(EndQuietly);
         struct sigaction action = {};
-        action.sa_handler = OnFault;
+        action.sa_sigaction = OnFault;
+        action.sa_flags = SA_SIGINFO;
         sigaction(SIGSEGV, &action, &beforeFault);
         return true;
     }();
