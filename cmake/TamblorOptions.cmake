@@ -29,6 +29,11 @@ if(NOT WIN32 AND NOT TAMBLOR_SANITIZE)
     add_link_options(LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()
 
+# The same bytes whenever the same objects are linked.
+if(WIN32)
+    add_link_options(LINKER:--no-insert-timestamp)
+endif()
+
 if(TAMBLOR_SANITIZE)
     add_compile_options(-fsanitize=${TAMBLOR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${TAMBLOR_SANITIZE})
