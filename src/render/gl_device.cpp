@@ -74,7 +74,6 @@ void localBindNamed(FXMaterial* m) {
 }
 
 void localUpload(const FXPixmap& p, bool mipmaps) {
-    mipmaps = mipmaps && localGLString(GL_VERSION) != nullptr; // which GLU reads without looking
     if (mipmaps)
         gluBuild2DMipmaps(GL_TEXTURE_2D, kComponents, p.width, p.height, GL_RGBA, GL_UNSIGNED_BYTE, p.pixels);
     else
@@ -345,7 +344,9 @@ bool FXGL::InitExtensions() {
     trc("OpenGL info:\n");
     trc("vendor: %s\n", localPrintable(localGLString(GL_VENDOR)));
     trc("renderer: %s\n", localPrintable(localGLString(GL_RENDERER)));
-    trc("version: %s\n", localPrintable(localGLString(GL_VERSION)));
+    const char* version = localGLString(GL_VERSION);
+    trc("version: %s\n", localPrintable(version));
+    hasVersion_ = version != nullptr;
 
     const char* list = localGLString(GL_EXTENSIONS);
     const auto has = [list](const char* name) { return TestExtensionString(list, name); };
@@ -394,7 +395,7 @@ bool FXGL::PrepareTexture(FXMaterial* m) {
     if (rc == nullptr || isLost_)
         return true;
     localBindNamed(m);
-    localUpload(*m->picture, m->mipmaps);
+    localUpload(*m->picture, m->mipmaps && hasVersion_);
     return true;
 }
 

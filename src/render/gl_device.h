@@ -89,6 +89,7 @@ private:
     void PlaceWindow(int x, int y, int w, int h);
     void ApplyNewSize();
 
+    bool hasVersion_ = true;                 // the driver tells it; GLU reads it for mipmaps without looking
     bool isLost_ = false;                    // the context could not be made current last: the window is gone
     std::atomic<std::uint64_t> newSize_ = 0; // width << 32 | height; 0: nothing new
 };
