@@ -46,7 +46,7 @@ public:
 
     bool Run(const std::string& text) {
         if (const int line = fxLineOfZero(text); line > 0)
-            Fail(line, "there is a zero byte, so this is no text");
+            Fail(line, kFXZeroInText);
         fxForEachLine(text, [this](const FXWavefrontLine& line) {
             if (error.empty())
                 Take(line);

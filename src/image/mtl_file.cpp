@@ -117,7 +117,7 @@ void localTake(const std::optional<FXMtlMaterial::Color>& given, float* color) {
 std::vector<FXMtlMaterial> fxReadMtl(const std::string& text, std::string* fault) {
     Reader reader;
     if (const int line = fxLineOfZero(text); line > 0)
-        reader.fault = std::to_string(line) + ": there is a zero byte, so this is no text";
+        reader.fault = std::to_string(line) + ": " + kFXZeroInText;
     fxForEachLine(text, [&](const FXWavefrontLine& line) { reader.Take(line); });
     if (fault != nullptr)
         *fault = reader.fault;

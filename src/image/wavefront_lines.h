@@ -18,7 +18,8 @@ void fxForEachLine(const std::string& text, const std::function<void(const FXWav
 bool fxIsNumber(const std::string& word, double* value = nullptr);
 // Whether the first `count` words are numbers, which are given in `numbers`.
 bool fxHasNumbers(const FXWavefrontLine& line, std::size_t count, double* numbers = nullptr);
-// The number of the first line that holds a zero byte, which no text does; 0: there is none.
+// The number of the first line that holds a zero byte, which no text does, and what is said of it; 0: none.
 int fxLineOfZero(const std::string& text);
+inline constexpr char kFXZeroInText[] = "there is a zero byte, so this is no text";
 // Without blanks and line ends at its ends.
 std::string fxTrimmed(const std::string& text);

@@ -1,16 +1,9 @@
 # PROGRAM must be a program with windows that needs no module but Windows's own, and carry its resources. OBJDUMP and
 # WINDRES read it.
 cmake_minimum_required(VERSION 3.22)
-set(system ADVAPI32 DDRAW GDI32 GLU32 KERNEL32 MSVCRT OPENGL32 SHELL32 USER32 WINMM)
+include(${CMAKE_CURRENT_LIST_DIR}/needed_modules.cmake)
 execute_process(COMMAND ${OBJDUMP} -p ${PROGRAM} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCHALL "DLL Name: [^\n]+" lines "${headers}")
-foreach(line ${lines})
-    string(REGEX REPLACE "DLL Name: (.*)\\.[Dd][Ll][Ll].*" "\\1" module "${line}")
-    string(TOUPPER ${module} module)
-    if(NOT module IN_LIST system)
-        message(SEND_ERROR "${PROGRAM} needs ${module}.dll")
-    endif()
-endforeach()
+expect_modules(${PROGRAM} "${headers}" ADVAPI32 DDRAW GDI32 GLU32 KERNEL32 MSVCRT OPENGL32 SHELL32 USER32 WINMM)
 
 execute_process(COMMAND ${WINDRES} -J coff -O rc -i ${PROGRAM} OUTPUT_VARIABLE resources COMMAND_ERROR_IS_FATAL ANY)
 function(expect text pattern)

@@ -1,0 +1,11 @@
+# expect_modules(FILE HEADERS MODULE ...): the file, of which objdump says these headers, needs none but those modules.
+function(expect_modules file headers)
+    string(REGEX MATCHALL "DLL Name: [^\n]+" lines "${headers}")
+    foreach(line ${lines})
+        string(REGEX REPLACE "DLL Name: (.*)\\.[Dd][Ll][Ll].*" "\\1" needed "${line}")
+        string(TOUPPER ${needed} needed)
+        if(NOT needed IN_LIST ARGN)
+            message(SEND_ERROR "${file} needs ${needed}.dll")
+        endif()
+    endforeach()
+endfunction()
