@@ -2,6 +2,7 @@
 
 #include "work_file.h"
 
+#include "image-copy-capture-client-protocol.h"
 #include "wlr-layer-shell-client-protocol.h"
 #include "wlr-screencopy-client-protocol.h"
 #include "xdg-output-unstable-v1-client-protocol.h"
@@ -49,6 +50,8 @@ constexpr const wl_interface* kAlways[] = {&wl_compositor_interface,
                                            &xdg_wm_base_interface,
                                            &zwlr_layer_shell_v1_interface,
                                            &zwlr_screencopy_manager_v1_interface,
+                                           &ext_output_image_capture_source_manager_v1_interface,
+                                           &ext_image_copy_capture_manager_v1_interface,
                                            &zxdg_output_manager_v1_interface};
 
 bool localIsThere(const wl_proxy* proxy) {
@@ -135,11 +138,11 @@ void localTellShell(wl_proxy* to) {
     localListener<xdg_surface_listener>(to).configure(to->data, localAs<xdg_surface>(to), 1);
 }
 
+constexpr std::uint32_t kFormats[] = {WL_SHM_FORMAT_XRGB8888, WL_SHM_FORMAT_ABGR2101010, WL_SHM_FORMAT_C8};
+
 void localTellFrame(wl_proxy* to) {
     const auto& listener = localListener<zwlr_screencopy_frame_v1_listener>(to);
     auto* frame = localAs<zwlr_screencopy_frame_v1>(to);
-    constexpr std::uint32_t kFormats[] = {WL_SHM_FORMAT_XRGB8888, WL_SHM_FORMAT_ABGR2101010,
-                                          WL_SHM_FORMAT_C8};
     switch (script->Choice(6)) {
     case 0:
         return listener.failed(to->data, frame);
@@ -160,6 +163,33 @@ void localTellFrame(wl_proxy* to) {
                         tight ? width * 4 : static_cast<std::uint32_t>(script->Number()));
     }
     }
+}
+
+void localTellSession(wl_proxy* to) {
+    const auto& listener = localListener<ext_image_copy_capture_session_v1_listener>(to);
+    auto* session = localAs<ext_image_copy_capture_session_v1>(to);
+    const std::size_t event = script->Choice(4);
+    const auto a = static_cast<std::uint32_t>(script->Number());
+    if (event == 0)
+        listener.buffer_size(to->data, session, a, static_cast<std::uint32_t>(script->Number()));
+    else if (event == 1)
+        listener.shm_format(to->data, session, kFormats[a % std::size(kFormats)]);
+    else if (event == 2)
+        listener.stopped(to->data, session);
+    else
+        listener.done(to->data, session);
+}
+
+void localTellCapture(wl_proxy* to) {
+    const auto& listener = localListener<ext_image_copy_capture_frame_v1_listener>(to);
+    auto* frame = localAs<ext_image_copy_capture_frame_v1>(to);
+    const std::size_t event = script->Choice(3);
+    if (event == 0)
+        listener.transform(to->data, frame, static_cast<std::uint32_t>(script->Number()));
+    else if (event == 1)
+        listener.failed(to->data, frame, 0);
+    else
+        listener.ready(to->data, frame);
 }
 
 void localTellCallback(wl_proxy* to) {
@@ -236,6 +266,8 @@ constexpr Teller kTellers[] = {{&wl_output_interface, localTellOutput},
                                {&xdg_toplevel_interface, localTellToplevel},
                                {&xdg_surface_interface, localTellShell},
                                {&zwlr_screencopy_frame_v1_interface, localTellFrame},
+                               {&ext_image_copy_capture_session_v1_interface, localTellSession},
+                               {&ext_image_copy_capture_frame_v1_interface, localTellCapture},
                                {&wl_callback_interface, localTellCallback},
                                {&wl_seat_interface, localTellSeat},
                                {&wl_keyboard_interface, localTellKeyboard},
@@ -294,6 +326,15 @@ void localAnswerAll() {
                 listener.buffer(to->data, frame, WL_SHM_FORMAT_XRGB8888, 64, 48, 64 * 4);
             if (localIsThere(to) && to->version >= ZWLR_SCREENCOPY_FRAME_V1_BUFFER_DONE_SINCE_VERSION)
                 listener.buffer_done(to->data, frame);
+        } else if (to->interface == &ext_image_copy_capture_session_v1_interface) {
+            const auto& listener = localListener<ext_image_copy_capture_session_v1_listener>(to);
+            auto* session = localAs<ext_image_copy_capture_session_v1>(to);
+            listener.buffer_size(to->data, session, 64, 48);
+            listener.shm_format(to->data, session, WL_SHM_FORMAT_XRGB8888);
+            listener.done(to->data, session);
+        } else if (to->interface == &ext_image_copy_capture_frame_v1_interface) {
+            localListener<ext_image_copy_capture_frame_v1_listener>(to).ready(
+                to->data, localAs<ext_image_copy_capture_frame_v1>(to));
         }
     }
 }

@@ -115,6 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     const unsigned offers = script.Byte();
     auto& globals = const_cast<wayland::Globals&>(wayland::Offers());
     globals.layers = (offers & 1) != 0 ? all.layers : nullptr;
+    globals.imageCopies = (offers & 32) != 0 ? all.imageCopies : nullptr;
     globals.screencopy = (offers & 2) != 0 ? all.screencopy : nullptr;
     wayland::hasLooked = wayland::focused = wayland::reportedFocus = false;
     wayland::heldKeys.clear();

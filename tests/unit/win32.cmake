@@ -3,3 +3,10 @@ target_compile_definitions(posix_test PRIVATE TAMBLOR_INSTALLED_SHARE="${CMAKE_I
 tamb_add_unit_test(windowing_test SOURCES windowing_test.cpp LIBS tamb_win32_windowing tamb_win32_posix)
 tamb_add_unit_test(shared_picture_test SOURCES shared_picture_test.cpp LIBS tamb_win32_wayland tamb_win32_windowing tamb_win32_posix)
 tamb_add_unit_test(confinement_test SOURCES confinement_test.cpp LIBS tamb_win32_confinement)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(WAYLAND_SERVER REQUIRED IMPORTED_TARGET wayland-server)
+tamb_add_unit_test(image_copy_test SOURCES image_copy_test.cpp
+    LIBS tamb_win32_wayland tamb_win32_windowing tamb_win32_posix PkgConfig::WAYLAND_SERVER)
+add_dependencies(image_copy_test tamb_wayland_protocols)
+target_include_directories(image_copy_test SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/src/win32/wayland)
+target_compile_options(image_copy_test PRIVATE -Wno-missing-field-initializers)

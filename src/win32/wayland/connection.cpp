@@ -2,6 +2,7 @@
 #include "win32/wayland/wayland.h"
 
 #include "ext-idle-notify-v1-client-protocol.h"
+#include "image-copy-capture-client-protocol.h"
 #include "kde-idle-client-protocol.h"
 #include "viewporter-client-protocol.h"
 #include "wlr-layer-shell-client-protocol.h"
@@ -43,6 +44,8 @@ void OnGlobal(void*, wl_registry* registry, std::uint32_t name, const char* inte
     take(wp_viewporter_interface, 1, globals.viewporter);
     take(xdg_wm_base_interface, 1, globals.toplevels);
     take(zwlr_layer_shell_v1_interface, 4, globals.layers);
+    take(ext_output_image_capture_source_manager_v1_interface, 1, globals.imageSources);
+    take(ext_image_copy_capture_manager_v1_interface, 1, globals.imageCopies);
     take(zwlr_screencopy_manager_v1_interface, 3, globals.screencopy);
     take(ext_idle_notifier_v1_interface, 1, globals.idle);
     take(org_kde_kwin_idle_interface, 1, globals.kdeIdle);

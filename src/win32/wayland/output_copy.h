@@ -10,6 +10,8 @@
 
 namespace wayland {
 
+// image_copy_capture.cpp
+std::string CopyByImageCapture(const Output& output, int width, int height, Photograph* photograph);
 // screencopy.cpp
 std::string CopyByScreencopy(const Output& output, int width, int height, Photograph* photograph);
 

@@ -4,11 +4,31 @@
 #include "win32/wayland/screenshot_services.h"
 #include "win32/wayland/wayland.h"
 
+#include <algorithm>
 #include <string>
 
 namespace wayland {
 
 namespace {
+
+bool IsStillThere(const Output& output) {
+    return std::ranges::any_of(OwnOutputs(), [&](const Output* own) { return own->global == output.global; });
+}
+
+// By the newer of two protocols; by the older one where the newer is not there, or fails.
+std::string CopyOutput(const Output& output, int width, int height, Photograph* picture) {
+    std::string problem;
+    if (Offers().imageCopies != nullptr) {
+        problem = CopyByImageCapture(output, width, height, picture);
+        if (problem.empty())
+            return "";
+        if (!IsStillThere(output))
+            return problem;
+        problem += "; ";
+    }
+    const std::string older = CopyByScreencopy(output, width, height, picture);
+    return older.empty() ? "" : problem + older;
+}
 
 // KWin knows outputs by their names. The problems are those of all that was tried.
 bool AskServices(const Output& output, Photograph* picture, std::string* problems) {
@@ -36,7 +56,7 @@ bool PhotographDesktop(int width, int height, Photograph* picture, std::string* 
     if (own.empty())
         return false;
     const Output output = *own.front(); // it may go meanwhile
-    *problem = CopyByScreencopy(output, width, height, picture);
+    *problem = CopyOutput(output, width, height, picture);
     if (problem->empty() || (!NamedLayer() && AskServices(output, picture, problem)))
         return true;
     *picture = {};

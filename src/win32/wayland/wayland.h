@@ -17,6 +17,8 @@
 #include <optional>
 
 struct ext_idle_notifier_v1;
+struct ext_image_copy_capture_manager_v1;
+struct ext_output_image_capture_source_manager_v1;
 struct org_kde_kwin_idle;
 struct wp_viewport;
 struct wp_viewporter;
@@ -33,6 +35,8 @@ struct Globals {
     wp_viewporter* viewporter = nullptr;
     xdg_wm_base* toplevels = nullptr;
     zwlr_layer_shell_v1* layers = nullptr;
+    ext_output_image_capture_source_manager_v1* imageSources = nullptr; // what imageCopies takes outputs as
+    ext_image_copy_capture_manager_v1* imageCopies = nullptr;
     zwlr_screencopy_manager_v1* screencopy = nullptr;
     ext_idle_notifier_v1* idle = nullptr;
     org_kde_kwin_idle* kdeIdle = nullptr;
