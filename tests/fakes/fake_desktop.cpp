@@ -29,6 +29,5 @@ void fxDesktopUnlock() {
 
 void fxDesktopRelease() {
     Note("release");
-    fakeDesktop.atRelease();
     fakeDesktop.held = false;
 }

@@ -10,7 +10,6 @@ struct FakeDesktop {
     bool copyFails = false;
     bool lockFails = false;
 
-    void (*atRelease)() = [] {};
     std::string calls;    // "copy 640x480, lock, unlock, release"
     bool held = false;    // a copy that nobody has given back
     bool isQuiet = false; // nothing is written down

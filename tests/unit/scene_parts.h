@@ -1,4 +1,4 @@
-// What tests of drawn things share: a device that knows in which state a mesh was drawn, and triangles.
+// What tests of drawn things share: a device that knows what was drawn where, and triangles.
 #pragma once
 
 #include "anim/morph_animation.h"
@@ -12,10 +12,9 @@ struct SceneDevice : FXGL {
     struct Drawn {
         const FXMesh* mesh;
         FXMatrix matrix;
-        bool lights, depthTest, depthWrite;
     };
     void RenderMesh(FXMesh* mesh) override {
-        drawn.push_back({mesh, matrix, lightsOn, depthTest, depthWrite});
+        drawn.push_back({mesh, matrix});
         FXGL::RenderMesh(mesh);
     }
     std::vector<Drawn> drawn;
@@ -29,11 +28,8 @@ inline FXModel* NewModel(const std::vector<std::vector<TestVertex>>& triangles, 
                          const char* library = "") {
     auto* model = new FXModel;
     model->matlibName.Set(library);
-    for (const std::vector<TestVertex>& vertices : triangles) {
-        model->meshes.Push(new FXMesh);
-        MakeMesh(model->meshes.Last(), vertices, {0, 1, 2});
-        model->meshes.Last()->materialName.Set(material);
-    }
+    for (const std::vector<TestVertex>& vertices : triangles)
+        AddMesh(model, vertices, {0, 1, 2}).materialName.Set(material);
     return model;
 }
 
@@ -58,33 +54,4 @@ inline bool PlaysToItsEnd(FXAnim* anim, PEnv* env) {
     for (int i = 0; i <= anim->frameTimes.count; ++i)
         anim->OnRender(env, anim->startTime + 1.5 * anim->frameDuration);
     return !anim->playing;
-}
-
-template <class... Values> FXMatrix Made(void (FXMatrix::*set)(Values...), Values... values) {
-    FXMatrix m;
-    (m.*set)(values...);
-    return m;
-}
-inline FXMatrix Move(float x, float y, float z) {
-    return Made(&FXMatrix::SetMoveF, x, y, z);
-}
-inline FXMatrix Scale(float x, float y, float z) {
-    return Made(&FXMatrix::SetScaleF, x, y, z);
-}
-inline FXMatrix TurnX(float degrees) {
-    return Made(&FXMatrix::SetRotateX, degrees);
-}
-inline FXMatrix TurnY(float degrees) {
-    return Made(&FXMatrix::SetRotateY, degrees);
-}
-
-// The last factor acts first.
-inline void ExpectMatrix(const FXMatrix& actual, const std::vector<FXMatrix>& factors) {
-    FXMatrix expected;
-    for (const FXMatrix& factor : factors) {
-        const FXMatrix left = expected;
-        expected.Multiply(&left, &factor);
-    }
-    for (int i = 0; i < 16; ++i)
-        EXPECT_NEAR(actual.m[i], expected.m[i], 2e-5) << "element " << i;
 }

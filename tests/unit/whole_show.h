@@ -1,6 +1,5 @@
-// The show as the saver builds and draws it, but that nothing is seen: OpenGL is the recorder, which writes
-// nothing down, and the desktop a pixel. The clock is the test's, and the folder with the package the current
-// one.
+// The show as the saver builds and draws it, but that nothing is seen: OpenGL is the recorder, and the
+// desktop a pixel. The clock is the test's, and the folder with the package the current one.
 #pragma once
 
 #include "fakes/fake_desktop.h"
@@ -16,10 +15,12 @@
 
 class WholeShow {
 public:
-    explicit WholeShow(const TempFolder& folder) {
+    // Quiet: nothing is written down.
+    explicit WholeShow(const TempFolder& folder, bool isQuiet = true) {
+        ResetFakeWin32();
         GLRecorder::Reset();
-        GLRecorder::SetNullMode(true);
-        fakeWin32.isQuiet = fakeDesktop.isQuiet = true;
+        GLRecorder::SetNullMode(isQuiet);
+        fakeWin32.isQuiet = fakeDesktop.isQuiet = isQuiet;
         fakeDesktop.pixels = {kDesktop, 4, 1, 1};
         fakeWin32.screenWidth = fakeWin32.screenHeight = 1;
         fxSetTickSource([] { return ticks_; });
@@ -37,9 +38,9 @@ public:
     WholeShow(const WholeShow&) = delete;
     WholeShow& operator=(const WholeShow&) = delete;
 
-    void Build(double time) {
+    void Build(double time, bool preview = false) {
         SetClock(time);
-        BuildScene(kFakeWindow, false);
+        BuildScene(kFakeWindow, preview);
     }
     void Draw(double time) {
         SetClock(time);
@@ -51,12 +52,11 @@ public:
         DestroyScene();
         fxCloseTraces();
     }
-
-private:
     static void SetClock(double time) {
         ticks_ = static_cast<std::uint32_t>(static_cast<std::uint64_t>(std::llround(time * 1000)));
     }
 
+private:
     static constexpr unsigned char kDesktop[4] = {0x33, 0x22, 0x11, 0};
     static inline std::uint32_t ticks_ = 0;
     const std::filesystem::path before_ = std::filesystem::current_path();
