@@ -120,22 +120,6 @@ TEST_F(MorphFile, Version2NamesItsModels) {
     }
 }
 
-// Cut off anywhere: loaded, prepared and played as the show does it.
-TEST_F(MorphFile, ThatIsCutOffPlaysToItsEnd) {
-    FXAnim anim;
-    Make(&anim);
-    GLRecorder::SetNullMode(true);
-    for (const std::string& whole : {Saved(&anim), SavedHead(anim)})
-        for (std::size_t at = 0; at < whole.size(); ++at) {
-            const std::string cut = whole.substr(0, at); // in a block of its own, for the sanitizer
-            *package_.GetDataPtr(kMorph) = CursorOf(cut);
-            anim.LoadCN(&package_, kMorph);
-            Prepare(&anim);
-            ASSERT_TRUE(PlaysToItsEnd(&anim, &device_.gl)) << at;
-        }
-    GLRecorder::SetNullMode(false);
-}
-
 TEST_F(MorphFile, ThatClaimsTooMuchTakesNoMoreMemoryThanThereIs) {
     const std::string rest = Settings({}).substr(20);              // behind names and times
     const std::string many(2000, '\0'), version3 = Header("oa03"); // 500 numbers
@@ -147,7 +131,6 @@ TEST_F(MorphFile, ThatClaimsTooMuchTakesNoMoreMemoryThanThereIs) {
     const std::tuple<std::string, int, std::string> cases[] = {
         // key frames there are; what is said
         {version3 + Ints({INT_MAX}) + many, 65536, ""}, // names without end
-        {version3 + Ints({-1, -1}) + rest + Ints({INT_MIN}), 0, ""},
         {version3 + Ints({90000}) + std::string(360000, '\0'), 0,
          "90000 key frames is left with 0: it takes 198 MiB"},
         {version3 + Ints({500}) + many + Ints({0}) + rest + Ints({1}) + Header("") + mesh(2100, 2100) + many +
@@ -171,11 +154,8 @@ TEST_F(MorphFile, ThatClaimsTooMuchTakesNoMoreMemoryThanThereIs) {
 TEST_F(MorphFile, IsNotSavedWhenItsKeyFramesDisagree) {
     const std::pair<const char*, void (*)(FXAnim&)> kCases[] = {
         {"saved", [](FXAnim&) {}},
-        {"a name too many", [](FXAnim& a) { a.frameNames.Push("more"); }},
         {"no second key frame", [](FXAnim& a) { delete std::exchange(a.models[1], nullptr); }},
         {"a mesh too many", [](FXAnim& a) { a.models[2]->meshes.Push(new FXMesh); }},
-        {"a mesh missing", [](FXAnim& a) { delete std::exchange(a.models[2]->meshes[1], nullptr); }},
-        {"a corner too few", [](FXAnim& a) { a.models[1]->meshes[0]->indexCount = 2; }},
         {"a vertex not used in one", [](FXAnim& a) { a.models[1]->meshes[0]->indices[2] = 0; }}};
     for (const auto& c : kCases) {
         FXAnim anim;
@@ -183,10 +163,6 @@ TEST_F(MorphFile, IsNotSavedWhenItsKeyFramesDisagree) {
         c.second(anim);
         EXPECT_EQ(anim.Save(folder_.File("morph").c_str()), &c == kCases) << c.first;
     }
-    FXAnim anim;
-    EXPECT_TRUE(anim.Save(folder_.File("empty").c_str()) && anim.Load(folder_.File("empty").c_str()));
-    Make(&anim);
-    EXPECT_FALSE(anim.Save(folder_.File("no/folder").c_str()));
 }
 
 } // namespace

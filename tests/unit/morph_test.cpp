@@ -1,13 +1,83 @@
-// The morph as it plays.
+// The curves, and the morph as it plays.
 #include "anim/bezier_spline.h"
 #include "anim/morph_animation.h"
 #include "unit/scene_parts.h"
 
 #include <climits>
+#include <cmath>
 #include <tuple>
 #include <utility>
 
 namespace {
+
+using Point = std::array<float, 3>;
+
+void ExpectNear(const Point& actual, const Point& expected) {
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        EXPECT_NEAR(actual[axis], expected[axis], 1e-6f) << "axis " << axis;
+}
+
+struct Shape {
+    bool closed = false;
+    bool linear = false;
+    float tension = 1;
+};
+
+void Fill(FXBezierSpline* spline, const std::vector<Point>& points, const Shape& shape = {}) {
+    spline->closed = shape.closed;
+    spline->linear = shape.linear;
+    spline->tension = shape.tension;
+    for (const Point& point : points)
+        for (const float x : point)
+            spline->points.Push(x);
+    spline->Precompute();
+    spline->PrecomputePhasesLenght();
+}
+
+Point At(const FXBezierSpline& spline, float t) {
+    Point point;
+    spline.Get(point.data(), t);
+    return point;
+}
+
+TEST(Spline, SegmentsOfABentLine) {
+    const float s = std::sqrt(0.125f); // half a chord along the diagonal
+    const struct {
+        const char* what;
+        Shape shape;
+        int a, b;
+        Point begin, quarter, end;
+    } cases[] = {
+        {"the first", {}, 0, 1, {0, 0}, {(7 - 6 * s) / 16, -6 * s / 16}, {1, 0}},
+        {"half its tension", {false, false, 0.5f}, 0, 1, {0, 0}, {(7 - 3 * s) / 16, -3 * s / 16}, {1, 0}},
+        {"the last", {}, 1, 2, {1, 0}, {(16 + 6 * s) / 16, (1 + 6 * s) / 16}, {1, 1}},
+        {"closed", {true}, 1, 2, {1, 0}, {(68.5f + 27 * s) / 64, (10 + 27 * s) / 64}, {1, 1}},
+        {"no tension", {true, false, 0}, 0, 1, {0, 0}, {10 / 64.0f, 0}, {1, 0}},
+        {"straight", {true, true}, -1, 0, {1, 1}, {0.75f, 0.75f}, {0, 0}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        FXBezierSpline spline;
+        Fill(&spline, {{0, 0}, {1, 0}, {1, 1}}, c.shape);
+        spline.SetActPoints(c.a, c.b);
+        ExpectNear(At(spline, 0), c.begin);
+        ExpectNear(At(spline, 0.25f), c.quarter);
+        ExpectNear(At(spline, 1), c.end);
+    }
+}
+
+TEST(Spline, IsEvaluatedOverItsWholeLength) {
+    FXBezierSpline spline;
+    Fill(&spline, {{0}, {-1}, {1}}, {true, true}); // phases: 0, 0.25, 0.75
+    EXPECT_TRUE(spline.length == 4 && std::abs(spline.avgSegment - 4 / 3.0f) < 1e-6f);
+    const std::pair<float, float> kCases[] = {{0.75f, 1},     {0.5f, 0}, {1, 0}, {0.125f, -0.5f},
+                                              {0.875f, 0.5f}, {-1, 0},   {2, 0}, {std::nanf(""), 0}};
+    for (const auto& [phase, x] : kCases) { // in this order: the walk starts where the last one ended
+        Point point;
+        spline.GetAll(point.data(), phase);
+        ExpectNear(point, {x});
+    }
+}
 
 void AddKeyFrame(FXAnim* anim, int milliseconds, FXModel* model) {
     anim->models.Push(model);
@@ -92,37 +162,30 @@ TEST_F(Morph, OvershootCountsForTheNextKeyFrameUnlessItIsLong) {
 }
 
 TEST_F(Morph, MovesPositionsAndNormalsAlongTheSplines) {
-    for (const bool closed : {true, false}) {
-        Make(&anim_, {1000, 1000, 1000, 1000});
-        First(1).pos[1] = First(2).normal[1] = 6; // no straight line
-        FXBezierSpline positions, normals;
-        for (FXBezierSpline* spline : {&positions, &normals}) {
-            for (int i = 0; i < 12; ++i) {
-                const tagFXVertex& point = First(i / 3);
-                spline->points.Push(spline == &positions ? point.pos[i % 3] : point.normal[i % 3]);
-            }
-            spline->closed = closed;
-            spline->tension = 0.5f;
-            spline->Precompute();
-        }
-        anim_.tension = 0.5f;
-        anim_.pingPong = !closed;
-        anim_.UpdateInterpolation(true, true);
-        anim_.StartAnim(0);
-        const tagFXVertex& vertex = anim_.imodel.meshes[0]->vertices[0];
-        for (int quarter = 0; quarter < (closed ? 16 : 12); ++quarter) {
-            Draw(quarter * 0.25);
-            for (const bool ofNormals : {false, true}) {
-                FXBezierSpline& spline = ofNormals ? normals : positions;
-                const float* moved = ofNormals ? vertex.normal : vertex.pos;
+    for (const bool closed : {true, false})
+        for (const bool ofNormals : {true, false}) {
+            const auto moved = [=](const tagFXVertex& v) { return ofNormals ? v.normal : v.pos; };
+            Make(&anim_, {1000, 1000, 1000, 1000});
+            First(1).pos[1] = First(2).normal[1] = 6; // no straight line
+            FXBezierSpline spline;
+            for (int i = 0; i < 12; ++i)
+                spline.points.Push(moved(First(i / 3))[i % 3]);
+            spline.closed = closed;
+            spline.tension = anim_.tension = 0.5f;
+            spline.Precompute();
+            anim_.pingPong = !closed;
+            anim_.UpdateInterpolation(true, true);
+            anim_.StartAnim(0);
+            for (int quarter = 0; quarter < (closed ? 16 : 12); ++quarter) {
+                Draw(quarter * 0.25);
                 float expected[3];
                 spline.SetActPoints(quarter / 4, (quarter / 4 + 1) % 4);
                 spline.Get(expected, static_cast<float>(quarter % 4) * 0.25f);
                 for (int axis = 0; axis < 3; ++axis)
-                    EXPECT_NEAR(moved[axis], expected[axis], 1e-5) << closed << quarter;
+                    EXPECT_NEAR(moved(anim_.imodel.meshes[0]->vertices[0])[axis], expected[axis], 1e-5)
+                        << closed << ofNormals << quarter;
             }
         }
-    }
 }
 
 TEST_F(Morph, OfManyVerticesMovesThemAll) {
@@ -175,7 +238,6 @@ TEST_F(Morph, WhoseKeyFramesDoNotAgreeEndsAllTheSame) {
 }
 
 TEST_F(Morph, IsFittedByOneKeyFrame) {
-    using Point = std::array<float, 3>;
     Make(&anim_, {1, 1, 1});
     anim_.models.Push(nullptr);
     for (const int frame : {2, 3})
