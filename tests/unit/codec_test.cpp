@@ -1,9 +1,13 @@
-// Canvases, and the codec bridge with the real library.
+// Canvases, the codec bridge with the real library, and pictures decoded ahead.
 #include "image/canvas.h"
 #include "image/codec.h"
+#include "image/picture_decoder.h"
 #include "image/picture_header.h"
 #include "unit/test_package.h"
 
+#include <atomic>
+#include <chrono>
+#include <thread>
 #include <tuple>
 #include <utility>
 
@@ -87,25 +91,21 @@ protected:
 TEST_F(Codec, DecodesEveryFormatOfThePackage) {
     constexpr std::uint32_t kHalf = 0x803264C8,
                             kWhole = 0xFF3264C8; // (200, 100, 50), half transparent or not
-    const struct {
-        int type;
-        std::string file;
-        std::uint32_t pixel;
-        std::uint32_t tolerance;
-    } cases[] = {{kPng, Saved(folder_, "a.png", kHalf), kHalf, 0},
-                 {kTga, Saved(folder_, "a.tga", kHalf), kHalf, 0},
-                 {kBmp, Saved(folder_, "a.bmp", kHalf), kWhole, 0},
-                 {kJpeg, Saved(folder_, "a.jpg", kHalf), kWhole, 4},
-                 {kGif, kGifFile, kWhole, 0}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.type);
-        Load({{1, c.type, c.file}});
+    const std::tuple<int, std::string, std::uint32_t, std::uint32_t> cases[] = {
+        {kPng, Saved(folder_, "a.png", kHalf), kHalf, 0},
+        {kTga, Saved(folder_, "a.tga", kHalf), kHalf, 0},
+        {kBmp, Saved(folder_, "a.bmp", kHalf), kWhole, 0},
+        {kJpeg, Saved(folder_, "a.jpg", kHalf), kWhole, 4},
+        {kGif, kGifFile, kWhole, 0}};
+    for (const auto& [type, file, pixel, tolerance] : cases) {
+        SCOPED_TRACE(type);
+        Load({{1, type, file}});
         FXCanvas canvas;
-        canvas.opaque = c.pixel == kHalf; // as of another picture
+        canvas.opaque = pixel == kHalf; // as of another picture
         ASSERT_TRUE(canvas.CreateFromPictCN(&package_, 1));
-        EXPECT_EQ(canvas.opaque, c.pixel == kWhole);
+        EXPECT_EQ(canvas.opaque, pixel == kWhole);
         for (const int shift : {0, 8, 16, 24})
-            EXPECT_NEAR(canvas.pixels[1] >> shift & 255, c.pixel >> shift & 255, c.tolerance) << shift;
+            EXPECT_NEAR(canvas.pixels[1] >> shift & 255, pixel >> shift & 255, tolerance) << shift;
     }
 }
 
@@ -131,15 +131,25 @@ TEST_F(Codec, RefusesPicturesThatClaimMoreThanTheirBytesHold) {
         {kGif, forged(kGifFile, 19, "\x11")}, // a block of no kind
         {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")},
         {kGif, forged(kGifFile, 6, "\xff\x3f\xff\x1f")}}; // a screen around its frame
+    FXCanvas canvas;
+    Fill(&canvas, 4, 4, 7);
     for (const auto& [type, file] : cases) {
         SCOPED_TRACE(&file - &cases[0].second);
         Load({{1, type, file}});
-        FXCanvas canvas;
         EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1));
         EXPECT_FALSE(fxPictureIsPlausible(Bytes(file), type));
         const char* name = type == kTga ? "x.tga" : "x"; // a TGA begins with nothing of its own
         EXPECT_FALSE(canvas.CreateFromPict(folder_.Write(name, file).c_str()));
     }
+    Load({{0, kGif, kGifFile},
+          {1, kPng, std::string(100, '\xAB')},
+          {2, kGif, ""},
+          {3, kRaw, kGifFile},
+          {4, kTga, Tga(0, 5, {})}});
+    for (const char* text : {"1", "2", "3", "4", "", "tex", "99", "-"})
+        EXPECT_FALSE(canvas.CreateFromPictC(&package_, text)) << text;
+    EXPECT_FALSE(canvas.CreateFromPict("") || canvas.CreateFromPict(folder_.File("none").c_str()));
+    EXPECT_EQ(Picture(canvas), Pixels(16, 7)) << "as it was";
 }
 
 TEST_F(Codec, IsHandedTheTgaOf15And16BitsThatIsAllThere) {
@@ -156,11 +166,12 @@ TEST_F(Codec, IsHandedTheTgaOf15And16BitsThatIsAllThere) {
     }
 }
 
+FXCodec real;
 std::vector<ILuint> deletedImages;
 
 TEST_F(Codec, IsGivenBackWhatItMadeAlsoWhenItFails) {
     Load({{1, kTga, Tga(4, 2, Pixels(8, 0xFF112233u))}});
-    static const FXCodec real = fxCodec;
+    real = fxCodec;
     const std::tuple<std::string, void (*)(), std::size_t> kCases[] = {
         // images deleted
         {"good", [] {}, 2},
@@ -212,22 +223,102 @@ TEST_F(Codec, TakesAlphaFromRedWhenTheFileNameSaysSo) {
     }
 }
 
-TEST_F(Codec, LeavesTheCanvasAsItWasWithoutAPicture) {
-    const std::string garbage = "no picture, whatever its name may promise; " + std::string(100, '\xAB');
-    const std::pair<int, std::string> kEntries[] = {
-        {kPng, garbage},  {kJpeg, garbage}, {kTga, "TGA"},      {kBmp, garbage},      {kGif, garbage},
-        {kRaw, kGifFile}, {kGif, ""},       {0x7777, kGifFile}, {kTga, Tga(0, 5, {})}};
-    FXCanvas canvas;
-    Fill(&canvas, 4, 4, 7);
-    for (const auto& [type, bytes] : kEntries) {
-        Load({{0, kGif, kGifFile}, {1, type, bytes}});
-        EXPECT_FALSE(canvas.CreateFromPictCN(&package_, 1)) << type;
+std::atomic<int> decoded = 0;     // pictures begun
+std::atomic<bool> byMain = false; // one of them on the thread of the test
+std::thread::id mainThread;
+
+ILboolean CountedLoad(ILenum type, const void* bytes, ILuint size) {
+    ++decoded;
+    byMain = byMain || std::this_thread::get_id() == mainThread;
+    return real.ilLoadL(type, bytes, size);
+}
+
+// What canvases get of pictures decoded ahead is what they get without.
+class Decoder : public Codec {
+protected:
+    Decoder() {
+        real = fxCodec;
+        fxCodec.ilLoadL = CountedLoad;
+        mainThread = std::this_thread::get_id();
+        decoded = 0;
+        byMain = false;
     }
-    for (const char* text : {"", "tex", "99", "-"})
-        EXPECT_FALSE(canvas.CreateFromPictC(&package_, text)) << text;
-    for (const std::string& file : {std::string(), folder_.File("none"), folder_.Write("bad.png", garbage)})
-        EXPECT_FALSE(canvas.CreateFromPict(file.c_str())) << file;
-    EXPECT_EQ(Picture(canvas), Pixels(16, 7));
+    ~Decoder() override { decoder_.Stop(); }
+
+    void Start(std::initializer_list<int> entries) {
+        FXArray<int> wanted;
+        for (const int entry : entries)
+            wanted.Push(entry);
+        decoder_.Start(&package_, wanted);
+    }
+    // The sizes and the first pixel, "none" for a canvas without.
+    std::string Loaded(int entry, FXCanvas* canvas) {
+        const std::string text = canvas->CreateFromPictCN(&package_, entry) ? "" : "failed, ";
+        if (canvas->pixels == nullptr)
+            return text + "none";
+        return text + std::to_string(canvas->usedWidth) + "/" + std::to_string(canvas->width) + " " +
+               std::to_string(canvas->pixels[0]) + (canvas->opaque ? "" : " clear");
+    }
+    void Settles(int count) {
+        for (int i = 0; i < 1000 && decoded < count; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        EXPECT_EQ(decoded, count);
+    }
+
+    FXPictureDecoder decoder_;
+};
+
+// In the order or out of it, once or again, not announced, malformed, missing, no picture; into canvases with
+// settings or a picture of their own.
+TEST_F(Decoder, GivesWhatDecodingAtOnceGives) {
+    std::string cut = Tga(3, 2, Pixels(6, 0x80112233u));
+    Load({{1, kTga, cut},
+          {2, kTga, Tga(1, 1, {~0u})},
+          {3, kTga, "no picture"},
+          {4, kRaw, "raw"},
+          {5, kTga, Tga(5, 1, Pixels(5, ~0u))},
+          {6, kPng, cut}});
+    const auto load = [&] {
+        std::string seen;
+        FXCanvas used, white;
+        white.alphaFromRed = true;
+        for (const int entry : {2, 1, 9, 4, 3, 6, 5, 1}) {
+            FXCanvas fresh;
+            for (FXCanvas* canvas : {&white, &used, &fresh}) // the last one takes what was decoded ahead
+                seen += Loaded(entry, canvas) + "\n";
+        }
+        return seen;
+    };
+    const std::string expected = load();
+    EXPECT_TRUE(byMain);
+    byMain = false;
+    Start({1, 9, 4, 3, 6, 5, 2});
+    ASSERT_EQ(FXPictureDecoder::Active(), &decoder_);
+    EXPECT_EQ(load(), expected);
+    EXPECT_FALSE(byMain) << "one thread calls the codec";
+    decoder_.Stop();
+    EXPECT_EQ(FXPictureDecoder::Active(), nullptr);
+    EXPECT_EQ(load(), expected);
+    fxUnloadDevil();
+    Start({1});
+    EXPECT_EQ(FXPictureDecoder::Active(), nullptr) << "without a codec";
+}
+
+// It pauses while much waits to be taken, and still serves who asks for what comes later.
+TEST_F(Decoder, KeepsFewPicturesWaiting) {
+    const std::string large = Tga(1024, 1024, Pixels(1 << 20, ~0u));
+    std::vector<TestEntry> entries;
+    for (int id = 1; id <= 7; ++id)
+        entries.push_back({id, kTga, large});
+    Load(entries);
+    Start({1, 2, 3, 4, 5, 6, 7});
+    Settles(4); // as many as kMostWaiting holds
+    FXCanvas last, first;
+    EXPECT_EQ(Loaded(7, &last), "1024/1024 4294967295");
+    Settles(5);
+    EXPECT_EQ(Loaded(1, &first), "1024/1024 4294967295");
+    Settles(6); // there is room for one more
 }
 
 } // namespace
