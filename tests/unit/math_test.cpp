@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <limits>
 #include <numeric>
 
@@ -17,23 +18,18 @@ FXMatrix Numbered() {
 }
 
 TEST(Matrix, MovesAPoint) {
-    static const float kVector[3] = {5, 6, 7};
+    const float vector[3] = {5, 6, 7};
+    FXMatrix moved, scaled;
+    moved.SetMove(vector);
+    scaled.SetScale(vector);
     const struct {
         const char* what;
-        void (*set)(FXMatrix& m);
+        std::function<void(FXMatrix&)> set;
         float expected[3];
     } kCases[] = {{"identity", [](FXMatrix& m) { m.SetIdentity(); }, {2, 3, 4}},
                   {"flip z", [](FXMatrix& m) { m.SetFlipZ(); }, {2, 3, -4}},
-                  {"move", [](FXMatrix& m) { m.SetMove(kVector); }, {7, 9, 11}},
-                  {"scale", [](FXMatrix& m) { m.SetScale(kVector); }, {10, 18, 28}},
-                  {"scale * move",
-                   [](FXMatrix& m) {
-                       FXMatrix scale, move;
-                       scale.SetScaleF(10, 10, 10);
-                       move.SetMoveF(1, 2, 3);
-                       m.Multiply(&scale, &move); // the second factor acts first
-                   },
-                   {30, 50, 70}},
+                  // The second factor acts first.
+                  {"scale * move", [&](FXMatrix& m) { m.Multiply(&scaled, &moved); }, {35, 54, 77}},
                   {"x 90", [](FXMatrix& m) { m.SetRotateX(90); }, {2, -4, 3}},
                   {"y 90", [](FXMatrix& m) { m.SetRotateY(90); }, {-4, 3, 2}},
                   {"z -30", [](FXMatrix& m) { m.SetRotateZ(-30); }, {0.232051f, 3.598076f, 4}}};
