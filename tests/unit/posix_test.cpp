@@ -44,16 +44,13 @@ TEST_F(Settings, AFileIsReadOrRefusedAsAWhole) {
     const std::tuple<std::string, std::string, std::string> cases[] = {
         {"# a comment\r\n; another\n\n[tamblor]\n\tpath=\"/my show\" \r\n", "/my show", ""},
         {"path = ~/show\n", folder.File("home/show"), ""},
-        {"path = ~\n", folder.File("home"), ""},
         {"path = /show\npath = shows\n", "", ":2: path must be"},
-        {"path =\n", "", ":1: path must be"},
         {"path\n", "", ":1: expected"},
         {"\npaht = /show\n", "", ":2: unknown setting 'paht'"},
         {std::string("path = /a\0b\n", 12), "", ":1: a control character"},
         {std::string(70000, '#'), "", "too large"},
         {"path = /show\nsamples = 16\n mouse_threshold = 0 # none\n", "", ":3: mouse_threshold must be a"},
         {"path = /show\nsamples = 17\n", "", ":2: samples must be a whole number from 0 to 16"},
-        {"max_fps = -1\n", "", "must be a whole number from 0 to 1000"},
         {"max_fps = 30.5\n", "", "must be a whole number"},
     };
     for (const auto& [text, path, problem] : cases) {
