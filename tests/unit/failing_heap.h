@@ -2,16 +2,16 @@
 // calloc and realloc as this program's own code calls them, and of new also where the C++ library calls it.
 // The picture codec's own are not counted. For one source file of a program: the linker sends the calls of
 // malloc and its kin from our objects, and from nobody else's, to __wrap_... here (failing_machine.cmake
-// names them); __real_... is what was meant. The operators stand in for the library's.
+// names them); __real_... is what was meant.
 #pragma once
+
+#include "unit/failing_new.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
-#include <new>
 
 inline std::atomic<int> heapLeft = -1; // allocations until one fails; -1: none will
 inline std::atomic<bool> heapGoesOn = false;
@@ -41,27 +41,11 @@ void* __wrap_realloc(void* block, std::size_t size) {
 }
 }
 
-inline void* AnswerToNew(std::size_t size, const void* caller) {
+void* AnswerToNew(std::size_t size, const void* caller) {
     Dl_info module;
     const bool isCodecs =
         heapLeft >= 0 && dladdr(caller, &module) != 0 && std::strstr(module.dli_fname, "libIL") != nullptr;
     return !isCodecs && HeapRefuses() ? nullptr : __real_malloc(size);
-}
-
-// Not inline: the compiler would take new with free for a mistake.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    if (void* block = AnswerToNew(size, __builtin_return_address(0)))
-        return block;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return AnswerToNew(size, __builtin_return_address(0));
-}
-[[gnu::noinline]] void operator delete(void* block) noexcept {
-    std::free(block);
-}
-[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
 }
 
 // Attempts the same again and again: allocation 0 fails, then 1, 2, ... until nothing fails; first that one

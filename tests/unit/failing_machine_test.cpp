@@ -4,10 +4,6 @@
 #include "image/codec.h"
 #include "image/material.h"
 #include "image/material_library.h"
-#include "scene/burning_desk.h"
-#include "scene/cube_gadget.h"
-#include "scene/error_gadget.h"
-#include "scene/logo_gadget.h"
 #include "scene/planet.h"
 #include "unit/failing_heap.h"
 #include "unit/scene_parts.h"
@@ -28,14 +24,17 @@ protected:
         fxUnloadDevil();
     }
 
-    // Entry 5 is a library of two materials, 7 their picture, 8 a model of a triangle, 3 what is given.
+    // Entry 5 is a library of two materials, 7 their picture, 8 a model of three meshes, 3 what is given.
     void LoadPackage(const std::string& bytes = "") {
         const std::string library =
             Header("5") + Ints({2}) + MaterialRecord("glass", "7") + MaterialRecord("wood", "7");
+        const std::unique_ptr<FXModel> model(
+            NewModel({TriangleAt(0), TriangleAt(5), TriangleAt(9)}, "wood", "5"));
+        EXPECT_TRUE(model->Save_v03(fxOpenFile(folder_.File("model").c_str(), "wb").get()));
         LoadTestPackage(package_, folder_,
                         {{5, kRaw, library},
                          {7, kTga, Tga(1, 1, {~0u})},
-                         {8, kRaw, TriangleModel(folder_, "wood", "5")},
+                         {8, kRaw, folder_.Read("model")},
                          {3, kRaw, bytes}});
     }
     // Every index stands for a vertex, every material is there, and what is there can be drawn.
@@ -132,36 +131,6 @@ TEST_F(FailingMachine, ReadsListsAsFarAsTheyGo) {
         });
 }
 
-TEST_F(FailingMachine, LoadsTheMeshesThatThereIsMemoryFor) {
-    const std::unique_ptr<FXModel> written(
-        NewModel({TriangleAt(0), TriangleAt(5), TriangleAt(9)}, "wood", "5"));
-    const std::string path = folder_.File("saved");
-    for (const bool isVersion3 : {false, true}) {
-        const FXFile file = fxOpenFile(path.c_str(), "wb");
-        ASSERT_TRUE(isVersion3 ? written->Save_v03(file.get()) : written->Save_v02(file.get()));
-        std::fflush(file.get());
-        LoadPackage(folder_.Read("saved"));
-        for (const bool fromPackage : {true, false}) {
-            SCOPED_TRACE(testing::Message() << "version 3: " << isVersion3 << ", package: " << fromPackage);
-            FXModel model;
-            FailEachAllocation(
-                [&] {
-                    if (fromPackage ? model.LoadCN(&package_, 3) : model.Load(path.c_str()))
-                        model.UpdateMeshes();
-                },
-                [&](bool whole) {
-                    Draw(&model);
-                    EXPECT_LE(model.loadedMeshes.count, 3);
-                    EXPECT_LE(model.meshes.count, model.loadedMeshes.count);
-                    EXPECT_TRUE(!whole || model.GetTotalVertices() == 9);
-                    EXPECT_TRUE(!whole || !fromPackage || model.matlib->materials[1]->prepared);
-                    model.Destroy();
-                    ExpectNothingLeft();
-                });
-        }
-    }
-}
-
 TEST_F(FailingMachine, LoadsAMorphThatPlaysToItsEnd) {
     FXAnim written;
     for (const float x : {0.0f, 1.0f, 2.0f}) {
@@ -199,44 +168,28 @@ TEST_F(FailingMachine, LoadsAMorphThatPlaysToItsEnd) {
     }
 }
 
-TEST_F(FailingMachine, BuildsEffectsThatCanBeDrawn) {
-    struct Effects {
-        FXFireDesk fire;
-        FXPlanet sun;
-        FXOrinGadget medallion;
-        FXDemoGadget cube;
-        FXErrGadget error;
-    };
+// All else of the show: failing_show_test.
+TEST_F(FailingMachine, BuildsALayerOfThePlanetWhollyOrNotAtAll) {
     LoadPackage();
-    std::optional<Effects> effects(std::in_place);
+    std::optional<FXPlanet> planet(std::in_place);
     int lastMode = 0;
     FailEachAllocation(
         [&] {
-            effects->error.CreateCN(&package_, 7);
-            effects->fire.Create(8);
             for (const int mode : {1, 3}) {
-                const int before = effects->sun.layerCount;
-                effects->sun.AddLayerCN(&package_, 8);
-                effects->sun.SetLayerRot(mode, 80, 90);
-                lastMode = effects->sun.layerCount > before ? mode : lastMode;
+                const int before = planet->layerCount;
+                planet->AddLayerCN(&package_, 8);
+                planet->SetLayerRot(mode, 80, 90);
+                lastMode = planet->layerCount > before ? mode : lastMode;
             }
-            effects->medallion.CreateCN(&package_, 7, 8);
-            effects->cube.CreateCN(&package_, 7, 7);
         },
         [&](bool whole) {
-            const FXPlanet& sun = effects->sun;
-            EXPECT_TRUE(!whole || (sun.layerCount == 2 && effects->cube.skinMat.prepared));
-            EXPECT_TRUE(sun.models.count == sun.layerCount && sun.rotModes.count == sun.layerCount &&
-                        sun.pulseModes.count == sun.layerCount && sun.fluid.count == sun.layerCount);
-            EXPECT_TRUE(sun.layerCount == 0 || sun.rotModes.Last() == lastMode) << "a refused layer's";
-            effects->error.visible = true;
-            for (const double time : {1.0, 30.0, 60.0}) {
-                effects->fire.OnRender(&device_.gl, time);
-                for (PRender* effect : std::initializer_list<PRender*>{&effects->sun, &effects->medallion,
-                                                                       &effects->cube, &effects->error})
-                    effect->OnRender(&device_.gl, time);
-            }
-            effects.emplace();
+            const int layers = planet->layerCount;
+            EXPECT_TRUE(!whole || layers == 2);
+            EXPECT_TRUE(planet->models.count == layers && planet->rotModes.count == layers &&
+                        planet->pulseModes.count == layers && planet->fluid.count == layers);
+            EXPECT_TRUE(layers == 0 || planet->rotModes.Last() == lastMode) << "a refused layer's";
+            planet->OnRender(&device_.gl, 1);
+            planet.emplace();
             ExpectNothingLeft();
         });
 }
