@@ -167,11 +167,9 @@ private:
                std::to_string(sides[1]) + "@60Hz " + At(number).output.settings;
     }
     bool Run(const std::vector<std::string>& words) const {
-        Program program;
         Environment environment;
         server.Offer(&environment);
-        program.Start(words, environment, "/", server.folder.File("tool-errors"));
-        return program.WaitForExit() == 0;
+        return RunProgram(words, environment) == 0;
     }
     template <class T> T* Keep(T* object) { // until the connection goes
         proxies_.push_back(reinterpret_cast<wl_proxy*>(object));
@@ -287,4 +285,30 @@ private:
     zwlr_virtual_pointer_v1* pointer_ = nullptr;
     bool listens_ = false;
     std::uint32_t time_ = 0;
+};
+
+// A saver, plain or of another kind, and a compositor.
+template <class Saver> class WaylandShowOf : public testing::Test {
+protected:
+    explicit WaylandShowOf(
+        const std::vector<Compositor::Output>& outputs = std::vector<Compositor::Output>(1),
+        const std::string& settings = "xwayland disable")
+        : compositor(outputs, settings) {
+        compositor.server.Offer(&saver.environment);
+    }
+    void SetUp() override { ASSERT_TRUE(compositor.ready) << compositor.server.folder.Read("errors"); }
+
+    bool TakesTheKeyboard() {
+        return Eventually(
+                   [this] { return (compositor.Pump() && !compositor.focused) || !saver.Running(); }) &&
+               saver.Running();
+    }
+    void ExpectAKeyEndsIt(std::uint32_t key = KEY_SPACE) {
+        compositor.PressKey(key);
+        EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+        EXPECT_TRUE(compositor.WaitForFocus());
+    }
+
+    Compositor compositor;
+    Saver saver;
 };

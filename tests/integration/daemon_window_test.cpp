@@ -23,14 +23,9 @@ protected:
     void AllowDesktop(const std::string& answer = "True") {
         saver.data.Write(".xscreensaver", "timeout:\t0:10:00\ngrabDesktopImages:\t" + answer + "\n");
     }
-    static std::string Hexadecimal(Window window) {
-        char text[32];
-        std::snprintf(text, sizeof text, "0x%lX", window);
-        return text;
-    }
     void StartIn(const std::string& variable, const std::vector<std::string>& words = {"--root"}) {
         saver.environment["XSCREENSAVER_WINDOW"] = variable;
-        saver.Start(display, words);
+        saver.Start(words);
     }
     // A picture as a daemon leaves it, which differs at every pixel.
     static std::uint32_t ShotPixel(int x, int y) {
@@ -46,12 +41,7 @@ protected:
     void NameShot(XID value, Atom type = XA_PIXMAP) const {
         display.Name(host, "_SCREENSAVER_SCREENSHOT", value, type);
     }
-    void NameWallpaper() const { // smaller than the screen: it is repeated
-        ScreenPicture picture{200, {}};
-        for (int i = 0; i < 200 * 140; ++i)
-            picture.pixels.push_back(display.DesktopPixel(i % 200, i / 200));
-        display.Name(display.Root(), "_XROOTPMAP_ID", display.MakePixmap(picture));
-    }
+    void NameWallpaper() const { display.NameWallpaper(200, 140); } // smaller than the screen
     // The screenshot, or the wallpaper there.
     std::uint32_t PixelOf(bool shot, int x, int y) const {
         return shot ? ShotPixel(x, y) : display.DesktopPixel((kArea.x + x) % 200, (kArea.y + y) % 140);
@@ -64,17 +54,13 @@ protected:
     }
     // Until the middle burns, which OpenGL alone draws.
     bool Burns(bool shot) const {
-        const std::uint32_t before = PixelOf(shot, 80, 60);
-        for (unsigned ms = 0; ms < 20000; ms += 40, usleep(20000)) {
-            saver.SetClock(ms);
-            if (ChannelDistance(display.PixelAt(kArea.x + 80, kArea.y + 60), before) > 40)
-                return true;
-        }
-        return false;
+        return saver.SeeFrames([&] {
+            const std::uint32_t now = display.PixelAt(kArea.x + 80, kArea.y + 60);
+            return ChannelDistance(now, PixelOf(shot, 80, 60)) > 40;
+        });
     }
     void ExpectASignalEndsIt(int number = SIGTERM) {
-        saver.Signal(number);
-        EXPECT_EQ(saver.WaitForExit(), -2) << saver.Errors();
+        EXPECT_EQ(saver.End(number), -2) << saver.Errors();
         EXPECT_EQ(saver.EndSignal(), number);
     }
 
@@ -250,20 +236,14 @@ TEST_F(DaemonWindow, ThatIsNoneIsRefused) {
 
 class SaverList : public testing::Test {
 protected:
-    static constexpr const char* kLine = "  GL: \"Tamblor\"  tamblor --root \\n\\\n";
+    const std::string ours = "  GL: \"Tamblor\"  tamblor --root \\n\\\n";
 
-    int Run(const char* word, Environment changes = {}) {
-        Environment environment = {{"HOME", home.Path()}};
-        for (const auto& [name, value] : changes)
-            environment[name] = value;
-        Program program;
-        program.Start({TAMBLOR_EXE, word}, environment, "/", home.File("stderr"));
-        return program.WaitForExit();
-    }
+    int Run(const char* word) { return saver.Run({word}); }
     std::string File() const { return home.Read(".xscreensaver"); }
-    std::string Errors() const { return home.Read("stderr"); }
+    std::string Errors() const { return saver.Errors(); }
 
-    const TempFolder home;
+    SaverProcess saver;
+    const TempFolder& home = saver.data;
 };
 
 TEST_F(SaverList, GetsOneLineAtItsEndAndLosesItAgain) {
@@ -274,14 +254,13 @@ TEST_F(SaverList, GetsOneLineAtItsEndAndLosesItAgain) {
     } const cases[] = {
         // As the daemon writes it.
         {"programs:\t\\\n-\t\t\t\tmaze --root \\n\\\n  GL: \t\t\tgears --root \\n\\\n\n\n",
-         "programs:\t\\\n-\t\t\t\tmaze --root \\n\\\n  GL: \t\t\tgears --root \\n\\\n" + std::string(kLine) +
-             "\n\n"},
+         "programs:\t\\\n-\t\t\t\tmaze --root \\n\\\n  GL: \t\t\tgears --root \\n\\\n" + ours + "\n\n"},
         // By hand: no empty line at the end, or all in one.
         {"programs: maze --root \\n\\\n   gears --root\n",
-         "programs: maze --root \\n\\\n   gears --root\\n\\\n" + std::string(kLine) + "\n"},
-        {"programs: maze --root\n", "programs: maze --root\\n\\\n" + std::string(kLine) + "\n"},
-        {"programs:\n", "programs: \\\n" + std::string(kLine) + "\n"},
-        {"programs: \\\n\n", "programs: \\\n" + std::string(kLine) + "\n"},
+         "programs: maze --root \\n\\\n   gears --root\\n\\\n" + ours + "\n"},
+        {"programs: maze --root\n", "programs: maze --root\\n\\\n" + ours + "\n"},
+        {"programs:\n", "programs: \\\n" + ours + "\n"},
+        {"programs: \\\n\n", "programs: \\\n" + ours + "\n"},
     };
     for (const auto& [list, with] : cases) {
         home.Write(".xscreensaver", head + list + tail);
@@ -318,7 +297,7 @@ TEST_F(SaverList, KnowsTamblorInAnyFormAndLeavesWhatOnlyResemblesIt) {
 
 TEST_F(SaverList, IsMadeWhereItIsMissing) {
     ASSERT_EQ(Run("--register"), 0) << Errors();
-    const std::string list = "programs: \\\n" + std::string(kLine) + "\n";
+    const std::string list = "programs: \\\n" + ours + "\n";
     EXPECT_EQ(File(), list);
     home.Write(".xscreensaver", "mode: off"); // without an end of the line
     ASSERT_EQ(Run("--register"), 0) << Errors();
@@ -334,11 +313,14 @@ TEST_F(SaverList, StaysAsItWasWhenItCannotBeChanged) {
     EXPECT_EQ(Errors(), "tamblor: " + home.File(".xscreensaver") + ": is read-only\n");
     EXPECT_EQ(File(), before);
     for (const std::string nowhere : {"", "relative"}) {
-        EXPECT_EQ(Run("--register", {{"HOME", nowhere}}), 1);
+        saver.environment["HOME"] = nowhere;
+        EXPECT_EQ(Run("--register"), 1);
         EXPECT_EQ(Errors(), "tamblor: there is no home folder: HOME is not set\n");
     }
-    EXPECT_EQ(Run("--register", {{"HOME", home.File("not/there")}}), 1);
+    saver.environment["HOME"] = home.File("not/there");
+    EXPECT_EQ(Run("--register"), 1);
     EXPECT_NE(Errors().find("cannot be written"), std::string::npos) << Errors();
+    saver.environment["HOME"] = home.Path();
 
     // A link stays one, and permissions stay what they were.
     fs::remove(home.File(".xscreensaver"));

@@ -16,30 +16,21 @@ protected:
         fs::create_directories(Home("bin"));
         fs::create_symlink(TAMBLOR_EXE, Home("bin/tamblor"));
         saver.environment["PATH"] = Home("bin") + ":/usr/bin:/bin";
-        saver.environment["DISPLAY"] = display.Name();
         saver.environment["XDG_RUNTIME_DIR"] = Home("run");
         saver.environment["XDG_STATE_HOME"] = Home("state");
         saver.environment["GSETTINGS_BACKEND"] = "keyfile";
         saver.SetClock(0); // every frame is the first one
         display.SetMonitor("left", {0, 0, 320, 240}, true);
         display.SetMonitor("right", {320, 0, 320, 240}, false);
-        NameWallpaper();
+        display.NameWallpaper(display.width, display.height);
     }
     void TearDown() override {
-        daemon.Signal(SIGTERM);
-        daemon.WaitForExit();
+        daemon.End(SIGTERM);
         EXPECT_TRUE(Ended()) << "a show is left";
     }
     std::string Home(const std::string& file) const { return saver.data.File(file); }
     static bool Installed(const std::string& program) { return fs::exists("/usr/bin/" + program); }
 
-    // The wallpaper is the desktop's picture.
-    void NameWallpaper() const {
-        ScreenPicture picture{display.width, {}};
-        for (int i = 0; i < display.width * display.height; ++i)
-            picture.pixels.push_back(display.DesktopPixel(i % display.width, i / display.width));
-        display.Name(display.Root(), "_XROOTPMAP_ID", display.MakePixmap(picture));
-    }
     // The words, for an ordinary user who has Tamblor installed. False where that cannot be had.
     bool AsUser(std::vector<std::string>* words) {
         if (geteuid() != 0)
@@ -62,10 +53,7 @@ chmod 640 "$HOME/shadow"
 exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
 )");
         words->insert(words->begin(), {"/usr/bin/unshare", "-m", "/bin/sh", script});
-        Program trial;
-        trial.Start({"/usr/bin/unshare", "-m", "/bin/sh", script, "/bin/true"}, saver.environment, "/",
-                    Home("trial"));
-        return trial.WaitForExit() == 0;
+        return RunProgram({"/usr/bin/unshare", "-m", "/bin/sh", script, "/bin/true"}, saver.environment) == 0;
     }
     void StartDaemon(std::vector<std::string> words) {
         if (!AsUser(&words))
@@ -74,9 +62,7 @@ exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
     }
     int Run(std::vector<std::string> words) {
         EXPECT_TRUE(AsUser(&words));
-        Program program;
-        program.Start(words, saver.environment, "/", Home("stderr"));
-        return program.WaitForExit();
+        return RunProgram(words, saver.environment);
     }
     std::string Said() const { return saver.data.Read("daemon"); }
     // As xscreensaver says it of those that it ends while it runs on.
@@ -121,15 +107,6 @@ exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
             return question();
         });
     }
-    // The shows all show the desktop, since the clock stands still; what lies above them stays there.
-    void ExpectAKeyBringsADialogOnTop() const {
-        const auto isCovered = [this] {
-            return ChannelDistance(display.PixelAt(160, 120), display.DesktopPixel(160, 120)) > 12;
-        };
-        ASSERT_TRUE(KeysBring(isCovered)) << Said();
-        for (int i = 0; i < 10; ++i, usleep(100000))
-            EXPECT_TRUE(isCovered());
-    }
 
     Program daemon;
 };
@@ -138,40 +115,30 @@ TEST_F(Daemons, XScreenSaverListsStartsAndEndsIt) {
     if (!Installed("xscreensaver"))
         GTEST_SKIP() << "xscreensaver is not installed";
     const std::string settings = "mode: one\nselected: 0\nsplash: False\nfade: False\nunfade: False\n"
-                                 "timeout: 1:00:00\ngrabDesktopImages: True\nlock: ";
+                                 "timeout: 1:00:00\ngrabDesktopImages: True\nlock: False\n";
     const auto command = [this](const char* word) {
         return Eventually([&] { return Run({"/usr/bin/xscreensaver-command", word}) == 0; });
     };
-    for (const bool lock : {false, true}) {
-        saver.data.Write(".xscreensaver", settings + (lock ? "True\n" : "False\n"));
-        Program registration;
-        registration.Start({TAMBLOR_EXE, "--register"}, saver.environment, "/", Home("stderr"));
-        ASSERT_EQ(registration.WaitForExit(), 0);
-        StartDaemon({"/usr/bin/xscreensaver", "--no-splash", "--verbose"});
-        if (IsSkipped())
-            return;
-        ASSERT_TRUE(command("--activate"));
-        ASSERT_TRUE(Shown(2)) << "one on each monitor" << Said();
-        ExpectTheDesktop({10, 310, 330, 630});
-        if (lock) {
-            ExpectAKeyBringsADialogOnTop();
-            daemon.Signal(SIGTERM);
-        } else {
-            EXPECT_TRUE(KeysBring([this] { return Shows().empty(); }));
-            ASSERT_TRUE(command("--activate") && Shown(2));
-            const int before = ShowsEnded(); // the next shows' windows may bear the same numbers
-            ASSERT_TRUE(command("--cycle"));
-            EXPECT_TRUE(Eventually([&] { return ShowsEnded() == before + 2; })) << Said();
-            EXPECT_TRUE(Shown(2));
-            ASSERT_TRUE(command("--deactivate"));
-            EXPECT_TRUE(Ended());
-            ASSERT_TRUE(command("--activate") && Shown(2) && command("--exit"));
-            EXPECT_TRUE(Ended());
-        }
-        EXPECT_NE(daemon.WaitForExit(), -1);
-        EXPECT_TRUE(Ended());
-        EXPECT_EQ(Said().find("exited abnormally"), std::string::npos) << Said();
-    }
+    saver.data.Write(".xscreensaver", settings);
+    ASSERT_EQ(saver.Run({"--register"}), 0);
+    StartDaemon({"/usr/bin/xscreensaver", "--no-splash", "--verbose"});
+    if (IsSkipped())
+        return;
+    ASSERT_TRUE(command("--activate"));
+    ASSERT_TRUE(Shown(2)) << "one on each monitor" << Said();
+    ExpectTheDesktop({10, 310, 330, 630});
+    EXPECT_TRUE(KeysBring([this] { return Shows().empty(); }));
+    ASSERT_TRUE(command("--activate") && Shown(2));
+    const int before = ShowsEnded(); // the next shows' windows may bear the same numbers
+    ASSERT_TRUE(command("--cycle"));
+    EXPECT_TRUE(Eventually([&] { return ShowsEnded() == before + 2; })) << Said();
+    EXPECT_TRUE(Shown(2));
+    ASSERT_TRUE(command("--deactivate"));
+    EXPECT_TRUE(Ended());
+    ASSERT_TRUE(command("--activate") && Shown(2) && command("--exit"));
+    EXPECT_NE(daemon.WaitForExit(), -1);
+    EXPECT_TRUE(Ended());
+    EXPECT_EQ(Said().find("exited abnormally"), std::string::npos) << Said();
 }
 
 // On one monitor: MATE does not see those that have no output of their own.
@@ -197,31 +164,23 @@ until [ -e "$HOME/exit" ]; do sleep 0.1; done
 mate-screensaver-command --exit
 wait
 )");
-    for (const bool lock : {false, true}) {
-        saver.data.Write("config/glib-2.0/settings/keyfile",
-                         "[org/mate/screensaver]\nthemes=['screensavers-tamblor']\nmode='single'\n"
-                         "idle-activation-enabled=false\nlock-enabled=" +
-                             std::string(lock ? "true\n" : "false\n"));
-        StartDaemon({"/usr/bin/dbus-run-session", "--", "/bin/sh", session});
-        if (IsSkipped())
-            return;
-        saver.data.Write("activate", "");
-        ASSERT_TRUE(Shown(1)) << Said();
-        ExpectTheDesktop({10, 630});
-        if (lock) {
-            ExpectAKeyBringsADialogOnTop();
-            daemon.Signal(SIGTERM);
-        } else {
-            saver.data.Write("deactivate", "");
-            EXPECT_TRUE(Ended()) << Said();
-            saver.data.Write("activate", "");
-            ASSERT_TRUE(Shown(1)) << Said();
-            EXPECT_TRUE(KeysBring([this] { return Shows().empty(); })) << Said();
-            saver.data.Write("exit", "");
-        }
-        EXPECT_NE(daemon.WaitForExit(), -1);
-        EXPECT_TRUE(Ended());
-    }
+    saver.data.Write("config/glib-2.0/settings/keyfile",
+                     "[org/mate/screensaver]\nthemes=['screensavers-tamblor']\nmode='single'\n"
+                     "idle-activation-enabled=false\nlock-enabled=false\n");
+    StartDaemon({"/usr/bin/dbus-run-session", "--", "/bin/sh", session});
+    if (IsSkipped())
+        return;
+    saver.data.Write("activate", "");
+    ASSERT_TRUE(Shown(1)) << Said();
+    ExpectTheDesktop({10, 630});
+    saver.data.Write("deactivate", "");
+    EXPECT_TRUE(Ended()) << Said();
+    saver.data.Write("activate", "");
+    ASSERT_TRUE(Shown(1)) << Said();
+    EXPECT_TRUE(KeysBring([this] { return Shows().empty(); })) << Said();
+    saver.data.Write("exit", "");
+    EXPECT_NE(daemon.WaitForExit(), -1);
+    EXPECT_TRUE(Ended());
 }
 
 TEST_F(Daemons, XSecureLockShowsItBelowItsDialog) {
@@ -234,9 +193,14 @@ TEST_F(Daemons, XSecureLockShowsItBelowItsDialog) {
         return;
     ASSERT_TRUE(Shown(2)) << "one on each monitor" << Said();
     ExpectTheDesktop({10, 310, 330, 630});
-    ExpectAKeyBringsADialogOnTop();
-    daemon.Signal(SIGTERM);
-    EXPECT_NE(daemon.WaitForExit(), -1);
+    // The shows show the desktop, since the clock stands still; what lies above them stays there.
+    const auto isCovered = [this] {
+        return ChannelDistance(display.PixelAt(160, 120), display.DesktopPixel(160, 120)) > 12;
+    };
+    ASSERT_TRUE(KeysBring(isCovered)) << Said();
+    for (int i = 0; i < 10; ++i, usleep(100000))
+        EXPECT_TRUE(isCovered());
+    EXPECT_NE(daemon.End(SIGTERM), -1);
     EXPECT_TRUE(Ended());
 }
 

@@ -13,18 +13,11 @@ protected:
         display.SetMonitor("right", kRight, false);
     }
     void StartOnAll() {
-        saver.Start(display, {"--monitors", "all"});
+        saver.Start({"--monitors", "all"});
         ASSERT_TRUE(Eventually([&] { return HasWindow(kLeft) && HasWindow(kRight); }));
         ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
     }
-    bool HasWindow(const Area& area) const {
-        return std::ranges::any_of(display.VisibleWindows(), [&](Window window) {
-            XWindowAttributes facts = {};
-            XGetWindowAttributes(display.connection, window, &facts);
-            return facts.x == area.x && facts.y == area.y && facts.width == area.width &&
-                   facts.height == area.height;
-        });
-    }
+    bool HasWindow(const Area& area) const { return display.WindowOfSize(area.width, area.height) != None; }
     void ExpectNothingIsLeft(const std::vector<pid_t>& shows) {
         EXPECT_EQ(shows.size(), 2u);
         EXPECT_TRUE(Eventually(
@@ -94,10 +87,9 @@ TEST_F(EachMonitor, IsFollowedWhenItGoesAndComesAndOneWithoutAShowIsBlack) {
 
 TEST_F(EachMonitor, IsWhatTheWatcherStartsWhenItIsTold) {
     saver.environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=/no/such/bus"; // not the machine's
-    saver.Start(display, {"--watch=0.02", "--monitors=all"});
+    saver.Start({"--watch=0.02", "--monitors=all"});
     EXPECT_TRUE(Eventually([&] { return !saver.data.Read("tamb-2.log").empty(); })) << saver.Errors();
-    saver.Signal(SIGTERM);
-    EXPECT_EQ(saver.WaitForExit(), 0);
+    EXPECT_EQ(saver.End(SIGTERM), 0);
     EXPECT_TRUE(display.VisibleWindows().empty());
 }
 

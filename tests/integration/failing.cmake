@@ -1,8 +1,4 @@
 # The saver on a machine that fails. TAMBLOR_LONG=1 lets it fail much more often.
-add_library(failing_platform MODULE failing_platform.cpp)
-target_include_directories(failing_platform PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-target_link_libraries(failing_platform PRIVATE tamb_options ${CMAKE_DL_LIBS})
-
 add_executable(failing_saver_test
     saver_command.cpp failing_display_test.cpp failing_process_test.cpp failing_surroundings_test.cpp
     failing_wayland_test.cpp)
@@ -12,7 +8,7 @@ target_link_libraries(failing_saver_test PRIVATE tamb_package tamb_win32_posix t
 target_compile_definitions(failing_saver_test PRIVATE
     TAMBLOR_EXE="$<TARGET_FILE:tamblor>" TAMBLOR_DATA_DIR="${TAMBLOR_DATA_DIR}" TAMBLOR_MODULES="${TAMBLOR_MODULES}"
     XVFB_EXE="${XVFB}"
-    FAILING_PLATFORM="$<TARGET_FILE:failing_platform>")
+    PLATFORM_SPY="$<TARGET_FILE:platform_spy>")
 set_target_properties(failing_saver_test PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-add_dependencies(failing_saver_test tamblor show_package failing_platform)
+add_dependencies(failing_saver_test tamblor show_package platform_spy)
 gtest_discover_tests(failing_saver_test DISCOVERY_MODE PRE_TEST TEST_PREFIX "failing/" PROPERTIES TIMEOUT ${TAMBLOR_TEST_SECONDS})

@@ -1,23 +1,12 @@
 // X11 that fails: OpenGL at each of its steps, the server at each moment, the window and its monitor in the
 // middle of a frame.
-#include "integration/failing_saver.h"
+#include "integration/spied_saver.h"
 
 namespace {
 
-class FailingDisplay : public testing::Test {
-protected:
-    FailingDisplay() : display(320, 240) {}
-    void SetUp() override { ASSERT_NE(display.connection, nullptr); }
-    void ExpectAKeyEndsIt() {
-        display.PressKey(XK_space);
-        EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
-        EXPECT_TRUE(display.VisibleWindows().empty());
-        EXPECT_FALSE(display.CursorIsHidden());
-    }
+using FailingDisplay = ShowOf<SpiedSaver>;
 
-    VirtualDisplay display;
-    FailingSaver saver;
-};
+constexpr const char* kBlack = "no OpenGL, the screen stays black: ";
 
 TEST_F(FailingDisplay, WhateverStepOfOpenGlFailsTheScreenIsCoveredAndClosesAsEver) {
     enum Outcome { Black, Shown, Still };
@@ -36,19 +25,31 @@ TEST_F(FailingDisplay, WhateverStepOfOpenGlFailsTheScreenIsCoveredAndClosesAsEve
     for (const auto& [fails, outcome] : cases) {
         SCOPED_TRACE(fails);
         saver.environment["TAMBLOR_FAILS"] = fails;
-        saver.Start(display, {"/s"});
+        saver.Start({"/s"});
         ASSERT_TRUE(saver.WaitUntilShown(display)) << saver.Errors();
         EXPECT_TRUE(display.WaitForHiddenCursor());
         EXPECT_TRUE(display.WaitUntilInputIsGrabbed());
-        if (outcome == Black) {
-            EXPECT_TRUE(display.WaitForBlack({0, 0, 320, 240}));
-        } else {
-            EXPECT_TRUE(saver.Draws(3));
-        }
-        EXPECT_EQ(saver.Errors().find("no OpenGL, the screen stays black: ") != std::string::npos,
-                  outcome == Black)
-            << saver.Errors();
+        EXPECT_TRUE(outcome == Black ? display.WaitForBlack({0, 0, 320, 240}) : saver.Draws(3));
+        EXPECT_EQ(saver.Errors().find(kBlack) != std::string::npos, outcome == Black) << saver.Errors();
         ExpectAKeyEndsIt();
+        EXPECT_TRUE(display.VisibleWindows().empty());
+        EXPECT_FALSE(display.CursorIsHidden());
+    }
+}
+
+TEST_F(FailingDisplay, WithoutGlxItSaysWhichPackageHasItAndTheMouseEndsTheBlackScreen) {
+    saver.environment["TAMBLOR_FAILS"] = "glXQueryExtension 0";
+    saver.Start({"/s"});
+    EXPECT_TRUE(display.WaitForBlack({0, 0, 320, 240}) && display.WaitForHiddenCursor());
+    saver.SetClock(4000);
+    display.MovePointer(20, 20);
+    ExpectItGoesOn();
+    saver.SetClock(4001);
+    display.MovePointer(30, 40);
+    EXPECT_EQ(saver.WaitForExit(), 0);
+    for (const std::string& text : {saver.Errors(), saver.Trace()}) {
+        const std::size_t at = text.find(kBlack), package = text.find("xserver-xorg-core", at);
+        EXPECT_LT(package, text.find('\n', at)) << text;
     }
 }
 
@@ -58,7 +59,8 @@ TEST_F(FailingDisplay, ItsEndEndsTheSaverQuietly) {
     for (int i = 0; i < count + static_cast<int>(std::size(kInEachStage)); ++i) {
         VirtualDisplay dying(320, 240);
         ASSERT_NE(dying.connection, nullptr);
-        saver.Start(dying, {"/s"});
+        saver.environment["DISPLAY"] = dying.Name();
+        saver.Start({"/s"});
         if (i < count) {
             usleep(moments.Next() * 1000);
         } else {
@@ -73,27 +75,23 @@ TEST_F(FailingDisplay, ItsEndEndsTheSaverQuietly) {
 }
 
 TEST_F(FailingDisplay, ChangesInTheMiddleOfAFrameAreFollowed) {
-    const auto window = [this] { return display.VisibleWindows().back(); };
+    constexpr Area kPart = {100, 100, 200, 100}, kOther = {0, 0, 90, 100};
     display.SetMonitor("one", {0, 0, 320, 240}, true);
-    saver.Start(display, {"/s"});
+    saver.Start({"/s"});
     ASSERT_TRUE(saver.WaitUntilShown(display) && saver.Draws());
-    const Window own = window();
+    const Window own = display.VisibleWindows().back();
     const std::function<void()> changes[] = {
         [&] { XResizeWindow(display.connection, own, 90, 70); },
         [&] { XResizeWindow(display.connection, own, 320, 240); },
         [&] { XMoveResizeWindow(display.connection, own, -30, -20, 60, 50); },
         [&] { XUnmapWindow(display.connection, own); },
         [&] { XMapWindow(display.connection, own); },
-        [&] {
-            display.SetMonitor("one", {100, 100, 200, 100}, true);
-        },
-        [&] {
-            display.SetMonitor("two", {0, 0, 90, 100}, true);
-        },
+        [&] { display.SetMonitor("one", kPart, true); },
+        [&] { display.SetMonitor("two", kOther, true); },
         [&] { display.DeleteMonitor("two"); },
         [&] { display.DeleteMonitor("one"); },
     };
-    for (const Hold::Place place : {Hold::BeforeClearing, Hold::BeforeShowing})
+    for (const PlatformSpy::Place place : {PlatformSpy::BeforeClearing, PlatformSpy::BeforeShowing})
         for (const auto& change : changes) {
             SCOPED_TRACE(testing::Message() << &change - changes << " at " << place);
             ASSERT_TRUE(saver.HoldFrame(place)) << saver.Errors();

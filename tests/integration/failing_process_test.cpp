@@ -1,15 +1,14 @@
 // The saver's process ended from outside, at any moment, or stopped for minutes: the desktop is as it was.
-#include "integration/failing_saver.h"
+#include "integration/spied_saver.h"
 
 #include <sstream>
 
 namespace {
 
-class FailingProcess : public testing::Test {
+class FailingProcess : public ShowOf<SpiedSaver> {
 protected:
-    FailingProcess() : display(320, 240) {}
     void SetUp() override {
-        ASSERT_NE(display.connection, nullptr);
+        ShowOf::SetUp();
         below_ = display.ShowWindow({0, 0, 40, 30}, 0x808080);
         display.TakeFocus(below_);
     }
@@ -30,17 +29,9 @@ protected:
         }
         return false;
     }
-    // What the user had before: the focus, the keyboard, the pointer and its picture, the keyboard's repeats,
-    // and no window in between.
+    // And the keyboard's repeats, and that it is heard.
     void ExpectTheDesktop() {
-        EXPECT_TRUE(Eventually([this] { return display.VisibleWindows() == std::vector{below_}; }));
-        EXPECT_TRUE(Eventually([this] {
-            const auto answers = display.GrabInput();
-            display.ReleaseInput();
-            return answers == std::pair{GrabSuccess, GrabSuccess};
-        }));
-        EXPECT_FALSE(display.CursorIsHidden());
-        EXPECT_TRUE(Eventually([this] { return display.Focus() == below_; }));
+        ShowOf::ExpectTheDesktop({below_}, below_);
         XKeyboardState keyboard = {};
         XGetKeyboardControl(display.connection, &keyboard);
         EXPECT_EQ(keyboard.global_auto_repeat, AutoRepeatModeOn);
@@ -56,12 +47,11 @@ protected:
         for (int i = 0; i < count; ++i) {
             const unsigned moment = moments.Next();
             SCOPED_TRACE(testing::Message() << "signal " << number << " after " << moment << " ms");
-            saver.Start(display, {"/s"});
+            saver.Start({"/s"});
             savers.push_back(saver.Id());
             saver.SetClock(kInEachStage[static_cast<std::size_t>(i) % std::size(kInEachStage)]);
             usleep(moment * 1000);
-            saver.Signal(number);
-            const int status = saver.WaitForExit();
+            const int status = saver.End(number);
             // Before it listens, the signal is the system's.
             EXPECT_TRUE(status == 0 || (status == -2 && saver.EndSignal() == number))
                 << status << saver.Errors();
@@ -70,16 +60,12 @@ protected:
                 return;
         }
         EXPECT_TRUE(Eventually([&] { return !HasSharedMemory(savers); }));
-        saver.Start(display, {"/s"});
-        ASSERT_TRUE(saver.WaitUntilShown(display) && saver.Draws());
-        EXPECT_TRUE(display.WaitUntilInputIsGrabbed());
-        display.PressKey(XK_space);
-        EXPECT_EQ(saver.WaitForExit(), 0);
+        Start();
+        ASSERT_TRUE(saver.Draws() && display.WaitUntilInputIsGrabbed());
+        ExpectAKeyEndsIt();
         EXPECT_EQ(saver.Errors(), "");
     }
 
-    VirtualDisplay display;
-    FailingSaver saver;
     Window below_ = None;
 };
 
@@ -92,10 +78,10 @@ TEST_F(FailingProcess, KilledAtAnyMomentItLeavesTheDesktopAsItWas) {
 }
 
 TEST_F(FailingProcess, StoppedForMinutesItGoesOnAndEndsAsEver) {
-    saver.Start(display, {"/s"});
-    ASSERT_TRUE(saver.WaitUntilShown(display) && saver.Draws());
+    Start();
+    std::uint32_t clock = 0;
     for (const std::uint32_t ms : kInEachStage) {
-        static std::uint32_t clock = 0;
+        ASSERT_TRUE(saver.Draws()) << saver.Errors();
         saver.Signal(SIGSTOP);
         saver.SetClock(clock += 600000 + ms);
         usleep(100000);
@@ -103,8 +89,7 @@ TEST_F(FailingProcess, StoppedForMinutesItGoesOnAndEndsAsEver) {
         ASSERT_TRUE(saver.Draws(3)) << saver.Errors();
     }
     EXPECT_TRUE(display.WaitUntilInputIsGrabbed());
-    display.PressKey(XK_space);
-    EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+    ExpectAKeyEndsIt();
     ExpectTheDesktop();
 }
 

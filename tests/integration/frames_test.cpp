@@ -1,39 +1,21 @@
 // How the show's frames are drawn, and when they are not.
-#include "integration/gl_spy.h"
-#include "integration/saver_process.h"
+#include "integration/spied_saver.h"
 
 namespace {
 
-class Frames : public ShowFixture {
+class Frames : public ShowOf<SpiedSaver> {
 protected:
-    Frames() {
-        saver.environment["TAMBLOR_SPY"] = saver.data.Write("spy", std::string(sizeof(GlSpy), '\0'));
-        saver.environment["LD_PRELOAD"] = GL_SPY;
-        saver.environment["ASAN_OPTIONS"] += ":verify_asan_link_order=0";
-        const int file = open(saver.environment["TAMBLOR_SPY"].c_str(), O_RDWR);
-        spy = static_cast<GlSpy*>(mmap(nullptr, sizeof(GlSpy), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
-        close(file);
-    }
-    ~Frames() override {
-        saver.Kill();
-        munmap(spy, sizeof(GlSpy));
-    }
+    PlatformSpy* spy = saver.spy;
 
-    std::uint32_t Shown() const { return std::atomic_ref(spy->frames); }
-    bool Draws() const {
-        return Eventually([this, before = Shown()] { return Shown() > before; });
-    }
     // No frame comes for a while, once the one that was being drawn is there.
     bool StopsDrawing() const {
         std::uint32_t before = 0;
         return Eventually([&] {
-            before = Shown();
+            before = spy->frames;
             usleep(1000000); // a busy machine may take most of that for a frame
-            return Shown() == before;
+            return spy->frames == before;
         });
     }
-
-    GlSpy* spy = nullptr;
 };
 
 TEST_F(Frames, WaitForTheMonitorByWhateverTheDriverHas) {
@@ -44,10 +26,10 @@ TEST_F(Frames, WaitForTheMonitorByWhateverTheDriverHas) {
         {"GLX_EXT_swap_control_tear", ""},
     };
     for (const auto& [extensions, function] : drivers) {
-        *spy = {};
+        new (spy) PlatformSpy();
         std::strcpy(spy->extensions, extensions);
         Start();
-        ASSERT_TRUE(Draws());
+        ASSERT_TRUE(saver.Draws());
         EXPECT_STREQ(spy->intervalBy, function);
         EXPECT_EQ(spy->interval, *function != '\0' ? 1 : 0);
         ExpectAKeyEndsIt();
@@ -69,12 +51,12 @@ TEST_F(Frames, AreMultisampledWhereACardDrawsOrTheUserWantsIt) {
         {"samples = 0", "GLX_MESA_query_renderer", 1, 0},
     };
     for (const auto& c : cases) {
-        *spy = {};
+        new (spy) PlatformSpy();
         std::strcpy(spy->extensions, c.extensions);
         spy->accelerated = c.accelerated;
         saver.Configure(c.settings);
         Start();
-        ASSERT_TRUE(Draws());
+        ASSERT_TRUE(saver.Draws());
         EXPECT_EQ(spy->samples, c.samples) << &c - cases;
         ExpectAKeyEndsIt();
     }
@@ -82,17 +64,17 @@ TEST_F(Frames, AreMultisampledWhereACardDrawsOrTheUserWantsIt) {
 
 TEST_F(Frames, AreNotDrawnWhileTheMonitorIsOff) {
     Start();
-    ASSERT_TRUE(Draws());
+    ASSERT_TRUE(saver.Draws());
     for (const int level : {1, 3}) {
-        std::atomic_ref(spy->powerLevel).store(level);
+        spy->powerLevel = level;
         ASSERT_TRUE(StopsDrawing());
         const long before = saver.Used();
         usleep(1500000);
         EXPECT_LE(saver.Used() - before, 2) << "it sleeps";
-        std::atomic_ref(spy->powerLevel).store(0);
-        EXPECT_TRUE(Draws());
+        spy->powerLevel = 0;
+        EXPECT_TRUE(saver.Draws());
     }
-    std::atomic_ref(spy->powerLevel).store(3);
+    spy->powerLevel = 3;
     ASSERT_TRUE(StopsDrawing());
     ExpectAKeyEndsIt();
 }
@@ -100,18 +82,18 @@ TEST_F(Frames, AreNotDrawnWhileTheMonitorIsOff) {
 TEST_F(Frames, AreNotDrawnInAPaneThatNobodySees) {
     spy->powerLevel = -1; // a server without the extension
     const Window pane = display.ShowWindow({20, 20, 160, 120});
-    saver.Start(display, {"/p", std::to_string(pane)});
-    ASSERT_TRUE(Eventually([&] { return Shown() > 0; }));
+    saver.Start({"/p", std::to_string(pane)});
+    ASSERT_TRUE(saver.Draws());
     XUnmapWindow(display.connection, pane);
     display.Sync();
     EXPECT_TRUE(StopsDrawing());
     XMapWindow(display.connection, pane);
     display.Sync();
-    EXPECT_TRUE(Draws());
+    EXPECT_TRUE(saver.Draws());
     const Window cover = display.ShowWindow({0, 0, 320, 240});
     EXPECT_TRUE(StopsDrawing());
     display.DestroyWindow(cover);
-    EXPECT_TRUE(Draws());
+    EXPECT_TRUE(saver.Draws());
     display.DestroyWindow(pane);
     EXPECT_EQ(saver.WaitForExit(), 0);
 }

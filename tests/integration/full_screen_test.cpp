@@ -8,7 +8,7 @@ class FullScreen : public ShowFixture {};
 TEST_F(FullScreen, CoversTheScreenHidesThePointerAndEndsWithAnyKey) {
     for (const auto& [line, key] :
          {std::pair{"/s", XK_space}, {"-S", XK_Shift_L}, {"s", XK_F10}, {"/s", XK_Escape}}) {
-        saver.Start(display, {line});
+        saver.Start({line});
         ASSERT_TRUE(saver.WaitUntilShown(display)) << line;
         EXPECT_TRUE(display.WaitForHiddenCursor());
         ExpectAKeyEndsIt(key);
@@ -37,7 +37,10 @@ TEST_F(FullScreen, TheFirstFrameShowsTheDesktopPixelForPixel) {
     ASSERT_TRUE(saver.SeeFrames(display));
     saver.SetClock(0);
     EXPECT_TRUE(display.WaitForPixel(160, 120, display.DesktopPixel(160, 120), 3));
-    ExpectDrawn(DesktopPicture(display.width, display.height), display.Photograph());
+    // Drawn as a texture, it is rounded, and a few of its pixels are a little further off.
+    const ScreenPicture desktop = DesktopPicture(display.width, display.height);
+    EXPECT_EQ(Difference(desktop, display.Photograph(), 3), 0u);
+    EXPECT_LE(Difference(desktop, display.Photograph(), 1), desktop.pixels.size() / 1000);
 }
 
 TEST_F(FullScreen, NothingIsSeenBetweenTheDesktopAndTheFirstFrame) {
@@ -46,7 +49,7 @@ TEST_F(FullScreen, NothingIsSeenBetweenTheDesktopAndTheFirstFrame) {
     const auto isDesktop = [this](int x, int y) {
         return ChannelDistance(display.PixelAt(x, y), display.DesktopPixel(x, y)) <= kTolerance;
     };
-    saver.Start(display, {"/s"});
+    saver.Start({"/s"});
     constexpr int kLooks = 300, kMost = 100000; // after the first frame, and at all: one each ms
     int looks = 0, others = 0;
     for (int i = 0; i < kMost && looks < kLooks && saver.Running(); ++i) {
@@ -78,9 +81,8 @@ TEST_F(Modes, NoneOfTheseShowsAWindowAndEachSaysWhy) {
     };
     const bool says = SaverName("/") == "/"; // Windows has words of its own
     for (const auto& [line, words] : lines) {
-        saver.Start(display, line);
         const std::string shown = line.empty() ? "(nothing)" : line.back();
-        EXPECT_EQ(saver.WaitForExit(), 0) << shown;
+        EXPECT_EQ(saver.Run(line), 0) << shown;
         EXPECT_TRUE(display.VisibleWindows().empty()) << shown;
         EXPECT_EQ(saver.Trace(), "") << shown;
         const bool whole = words.empty() || words.ends_with('\n');

@@ -3,7 +3,6 @@
 #include "integration/saver_process.h"
 
 #include <array>
-#include <sstream>
 
 namespace {
 
@@ -58,9 +57,7 @@ TEST_F(Monitors, TheShowIsOnThePrimaryOneAndTheOthersAreBlack) {
 TEST_F(Monitors, APreviewLiesInItsParentAndFollowsIt) {
     constexpr Area kPane = {0, 0, 152, 112};
     const Window parent = display.ShowWindow({100, 80, kPane.width, kPane.height});
-    std::ostringstream number; // as X tools write it
-    number << std::hex << std::showbase << parent;
-    saver.Start(display, {"/p", number.str()});
+    saver.Start({"/p", Hexadecimal(parent)});
     // The parent is black, the still is not: its sun stands at the lower left.
     EXPECT_TRUE(display.WaitForPixel(130, 170, 0x000000, 40, true));
     EXPECT_EQ(display.VisibleWindows().size(), 1u) << "the saver has no window of its own on the screen";

@@ -40,15 +40,6 @@ protected:
                 return true;
         return false;
     }
-    // The screen, the input and the focus are as they were before it started.
-    void ExpectNoTrace(Window focus) {
-        EXPECT_TRUE(Eventually([&] { return display.VisibleWindows().empty(); }));
-        EXPECT_EQ(display.GrabInput(), granted);
-        display.ReleaseInput();
-        EXPECT_EQ(display.Focus(), focus);
-        EXPECT_TRUE(display.VisibleWindows(other, 1).empty());
-        EXPECT_FALSE(display.CursorIsHidden());
-    }
     // With a key for 0; in good order, unless the signal ends it at once.
     void End(int signal) {
         if (signal == 0)
@@ -148,7 +139,8 @@ TEST_F(OtherPrograms, AllIsAsItWasHoweverItEnds) {
                                       : display.WaitUntilInputIsGrabbed() && display.WaitForHiddenCursor());
             display.ReleaseInput();
             End(signal);
-            ExpectNoTrace(c.focus);
+            ExpectTheDesktop({}, c.focus);
+            EXPECT_TRUE(display.VisibleWindows(other, 1).empty());
         }
 }
 

@@ -71,10 +71,7 @@ private:
 class FakeLogin {
 public:
     explicit FakeLogin(const PrivateBus& bus) : bus_(bus.Connect()) {
-        sd_bus_add_object_vtable(bus_.get(), nullptr, "/org/freedesktop/login1",
-                                 "org.freedesktop.login1.Manager", kManager, this);
-        sd_bus_add_object_vtable(bus_.get(), nullptr, kSessionPath, "org.freedesktop.login1.Session",
-                                 kSession, this);
+        sd_bus_add_filter(bus_.get(), nullptr, Answer, this);
         sd_bus_request_name(bus_.get(), "org.freedesktop.login1", 0);
         thread_.emplace(bus_.get());
     }
@@ -85,40 +82,33 @@ public:
     std::atomic<int> locks = 0; // how often it was asked to lock it
 
 private:
-    static constexpr const char* kSessionPath = "/org/freedesktop/login1/session/c2";
-    static FakeLogin& Of(void* self) { return *static_cast<FakeLogin*>(self); }
-    static int GetSession(sd_bus_message* message, void*, sd_bus_error* error) {
-        const char* id = "";
-        sd_bus_message_read(message, "s", &id);
-        return std::string(id) == "auto"
-                   ? sd_bus_reply_method_return(message, "o", kSessionPath)
-                   : sd_bus_error_set(error, "org.freedesktop.login1.NoSuchSession", "there is none");
+    static int Answer(sd_bus_message* message, void* data, sd_bus_error*) {
+        constexpr const char* kSession = "/org/freedesktop/login1/session/c2";
+        FakeLogin& self = *static_cast<FakeLogin*>(data);
+        const char *member = sd_bus_message_get_member(message), *path = sd_bus_message_get_path(message);
+        const std::string method = member != nullptr ? member : "";
+        const bool isOfSession = path != nullptr && std::string(path) == kSession;
+        const char *word = "", *property = "";
+        if (method == "GetSession") {
+            sd_bus_message_read(message, "s", &word);
+            return std::string(word) == "auto"
+                       ? sd_bus_reply_method_return(message, "o", kSession)
+                       : sd_bus_reply_method_errorf(message, "org.freedesktop.login1.NoSuchSession", "none");
+        }
+        if (method == "Lock" && isOfSession) {
+            ++self.locks;
+            return sd_bus_reply_method_return(message, "");
+        }
+        if (method != "Get") // a property
+            return 0;
+        sd_bus_message_read(message, "ss", &word, &property);
+        if (std::string(property) == "BlockInhibited" && !isOfSession)
+            return sd_bus_reply_method_return(message, "v", "s", self.blocks.load());
+        if (std::string(property) != "LockedHint" || !isOfSession)
+            return 0;
+        ++self.asked;
+        return sd_bus_reply_method_return(message, "v", "b", self.locked ? 1 : 0);
     }
-    static int Lock(sd_bus_message* message, void* self, sd_bus_error*) {
-        ++Of(self).locks;
-        return sd_bus_reply_method_return(message, "");
-    }
-    static int Blocks(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* self,
-                      sd_bus_error*) {
-        return sd_bus_message_append(reply, "s", Of(self).blocks.load());
-    }
-    static int Locked(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* self,
-                      sd_bus_error*) {
-        ++Of(self).asked;
-        return sd_bus_message_append(reply, "b", Of(self).locked ? 1 : 0);
-    }
-    static constexpr sd_bus_vtable kManager[] = {
-        SD_BUS_VTABLE_START(0),
-        SD_BUS_METHOD("GetSession", "s", "o", GetSession, SD_BUS_VTABLE_UNPRIVILEGED),
-        SD_BUS_PROPERTY("BlockInhibited", "s", Blocks, 0, 0),
-        SD_BUS_VTABLE_END,
-    };
-    static constexpr sd_bus_vtable kSession[] = {
-        SD_BUS_VTABLE_START(0),
-        SD_BUS_METHOD("Lock", "", "", Lock, SD_BUS_VTABLE_UNPRIVILEGED),
-        SD_BUS_PROPERTY("LockedHint", "b", Locked, 0, 0),
-        SD_BUS_VTABLE_END,
-    };
 
     BusClient bus_;
     std::optional<BusThread> thread_;

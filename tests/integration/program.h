@@ -30,10 +30,9 @@ public:
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    // The program by its whole path. It starts in that folder, and has one file: for its standard error
-    // stream.
+    // The program by its whole path. It starts in that folder, and has files for what it writes.
     void Start(std::vector<std::string> words, const Environment& environment, const std::string& folder,
-               const std::string& errors) {
+               const std::string& errors, const std::string& output = "/dev/null") {
         std::vector<std::string> settings;
         for (const auto& [name, value] : environment)
             settings.push_back(name + "=" + value);
@@ -41,9 +40,8 @@ public:
         pid_ = fork();
         if (pid_ != 0)
             return;
-        const int nothing = open("/dev/null", O_RDWR);
-        dup2(nothing, STDIN_FILENO);
-        dup2(nothing, STDOUT_FILENO);
+        dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+        dup2(open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
         dup2(open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
         if (chdir(folder.c_str()) == 0)
             execve(argv[0], argv.data(), envp.data());
@@ -72,10 +70,11 @@ public:
         if (pid_ > 0)
             kill(pid_, number);
     }
-    void Kill() {
-        Signal(SIGKILL);
-        WaitForExit();
+    int End(int signal) {
+        Signal(signal);
+        return WaitForExit();
     }
+    void Kill() { End(SIGKILL); }
 
 private:
     static std::vector<char*> Pointers(std::vector<std::string>& texts) {
@@ -89,3 +88,11 @@ private:
     int pid_ = -1;
     int status_ = -1;
 };
+
+// Gives the exit code, as Program has it.
+inline int RunProgram(const std::vector<std::string>& words, const Environment& environment,
+                      const std::string& folder = "/", const std::string& errors = "/dev/null") {
+    Program program;
+    program.Start(words, environment, folder, errors);
+    return program.WaitForExit();
+}

@@ -2,10 +2,10 @@
 // turns; and a show on a display of its own.
 #pragma once
 
+#include "integration/shared_file.h"
 #include "integration/virtual_display.h"
 
 #include <atomic>
-#include <sys/mman.h>
 
 // How the saver under test is started, chosen when the tests are linked: the executable of this system, or
 // the one for Windows under Wine. The program and what comes before the saver's own arguments; `data` is the
@@ -33,28 +33,27 @@ public:
         environment["ASAN_OPTIONS"] = "detect_leaks=0";
         // The saver reads its clock from this file instead of the system.
         environment["TAMBLOR_CLOCK"] = data.Write("clock", std::string(sizeof(Clock), '\0'));
-        const int fd = open(environment["TAMBLOR_CLOCK"].c_str(), O_RDWR);
-        clock_ = static_cast<Clock*>(mmap(nullptr, sizeof(Clock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0));
-        close(fd);
+        clock_ = MapShared<Clock>(environment["TAMBLOR_CLOCK"].c_str());
     }
-    ~SaverProcess() {
-        Kill(); // before its folder goes
-        munmap(clock_, sizeof(Clock));
-    }
+    ~SaverProcess() { Kill(); } // before its folder goes
 
     std::string Trace() const { return Text("tamb.log"); }
     std::string Errors() const { return Text("stderr"); } // everything that it wrote to that stream
+    std::string Output() const { return Text("stdout"); } // likewise
 
-    void Start(const VirtualDisplay& display, const std::vector<std::string>& arguments) {
-        environment["DISPLAY"] = display.Name();
-        Start(arguments);
-    }
     void Start(const std::vector<std::string>& arguments) {
         SetClock(0);
-        std::atomic_ref(clock_->reads).store(0);
+        clock_->reads = 0;
         std::vector<std::string> words = SaverCommand(data, &environment);
+        if (!program.empty())
+            words = {program};
         words.insert(words.end(), arguments.begin(), arguments.end());
-        Program::Start(words, environment, folder, data.File("stderr"));
+        Program::Start(words, environment, folder, data.File("stderr"), data.File("stdout"));
+    }
+    // As WaitForExit.
+    int Run(const std::vector<std::string>& arguments) {
+        Start(arguments);
+        return WaitForExit();
     }
     // The user's tamblor.conf; gives its path.
     std::string Configure(const std::string& settings) const {
@@ -62,12 +61,12 @@ public:
         return data.Write("config/tamblor/tamblor.conf", settings);
     }
     // The time on the saver's clock, in ms since Start: it stands still until the test moves it.
-    void SetClock(std::uint32_t ms) const { std::atomic_ref(clock_->tick).store(kStartMs + ms); }
+    void SetClock(std::uint32_t ms) const { clock_->tick = kStartMs + ms; }
     // Waits until the saver's window is on the display and drawn. False when that does not come.
     bool WaitUntilShown(const VirtualDisplay& display) const {
         return display.WaitForWindow() != 0 && Eventually([this] { return Draws(); });
     }
-    bool Draws() const { return static_cast<int>(std::atomic_ref(clock_->reads)) > kReadsBeforeFrames; }
+    bool Draws() const { return clock_->reads > kReadsBeforeFrames; }
     // Lets the clock run from its start until the desktop at that place begins to fade: frames are drawn, and
     // their first stage lasts a second more at least. False when that does not happen.
     bool SeeFrames(const VirtualDisplay& display, int x = 160, int y = 120) const {
@@ -99,12 +98,13 @@ public:
 
     const TempFolder data;
     Environment environment;
+    std::string program;      // in place of the one that was built
     std::string folder = "/"; // in which it starts
 
 private:
     struct Clock {
-        std::uint32_t tick;
-        std::uint32_t reads; // counted by a saver that can
+        std::atomic<std::uint32_t> tick;
+        std::atomic<std::int32_t> reads; // counted by a saver that can
     };
     std::string Text(const char* file) const {
         std::string text = data.Read(file);
@@ -115,14 +115,16 @@ private:
     Clock* clock_ = nullptr;
 };
 
-class ShowFixture : public testing::Test {
+// A saver, plain or of another kind, and a display.
+template <class Saver> class ShowOf : public testing::Test {
 protected:
-    ShowFixture(int width = 320, int height = 240, const char* lacks = nullptr)
-        : display(width, height, lacks) {}
+    explicit ShowOf(int width = 320, int height = 240) : display(width, height) {
+        saver.environment["DISPLAY"] = display.Name();
+    }
     void SetUp() override { ASSERT_NE(display.connection, nullptr); }
 
     void Start() {
-        saver.Start(display, {"/s"});
+        saver.Start({"/s"});
         ASSERT_TRUE(saver.WaitUntilShown(display));
     }
     void ExpectAKeyEndsIt(KeySym key = XK_space) {
@@ -133,6 +135,15 @@ protected:
     void ExpectItGoesOn() {
         usleep(300000);
         EXPECT_TRUE(saver.Running()) << saver.Errors();
+    }
+    // No window of its own lies there any more, and whoever had the input and the focus can have them.
+    void ExpectTheDesktop(const std::vector<Window>& windows, Window focus) {
+        const auto granted = std::pair{GrabSuccess, GrabSuccess};
+        EXPECT_TRUE(Eventually([&] { return display.VisibleWindows() == windows; }));
+        EXPECT_TRUE(Eventually([&] { return display.GrabInput() == granted; }));
+        display.ReleaseInput();
+        EXPECT_FALSE(display.CursorIsHidden());
+        EXPECT_TRUE(Eventually([&] { return display.Focus() == focus; }));
     }
     // Shows and black windows do not raise themselves above each other again and again.
     void ExpectNoFight() {
@@ -153,5 +164,6 @@ protected:
     }
 
     VirtualDisplay display;
-    SaverProcess saver;
+    Saver saver;
 };
+using ShowFixture = ShowOf<SaverProcess>;

@@ -52,6 +52,13 @@ inline ScreenPicture DesktopPicture(int width, int height) {
     return picture;
 }
 
+// As X tools write the number of a window.
+inline std::string Hexadecimal(Window window) {
+    char text[32];
+    std::snprintf(text, sizeof text, "0x%lX", window);
+    return text;
+}
+
 // How many pixels are of another colour, rounding apart; all of them in a picture of another size.
 inline std::size_t Difference(const ScreenPicture& a, const ScreenPicture& b, int tolerance = 12) {
     if (a.width != b.width || a.pixels.size() != b.pixels.size())
@@ -61,27 +68,17 @@ inline std::size_t Difference(const ScreenPicture& a, const ScreenPicture& b, in
         different += ChannelDistance(a.pixels[i], b.pixels[i]) > tolerance;
     return different;
 }
-// Drawn as a texture, a picture is rounded, and a few of its pixels are a little further off.
-inline void ExpectDrawn(const ScreenPicture& picture, const ScreenPicture& seen) {
-    EXPECT_EQ(Difference(picture, seen, 3), 0u);
-    EXPECT_LE(Difference(picture, seen, 1), picture.pixels.size() / 1000);
-}
-
 class VirtualDisplay {
 public:
-    // `lacks` names an extension that the server is to be without.
-    VirtualDisplay(int screenWidth, int screenHeight, const char* lacks = nullptr)
-        : width(screenWidth), height(screenHeight) {
+    VirtualDisplay(int screenWidth, int screenHeight) : width(screenWidth), height(screenHeight) {
         // Xvfb picks a free number itself and writes it to the pipe once it listens: no race between tests.
         int ends[2];
         if (pipe(ends) != 0)
             return;
         const std::string size = std::to_string(width) + "x" + std::to_string(height) + "x24";
-        std::vector<std::string> words = {
-            XVFB_EXE, "-displayfd", std::to_string(ends[1]), "-screen", "0", size, "-nolisten", "tcp"};
-        if (lacks != nullptr)
-            words.insert(words.end(), {"-extension", lacks});
-        server_.Start(words, {}, "/", "/dev/null");
+        server_.Start(
+            {XVFB_EXE, "-displayfd", std::to_string(ends[1]), "-screen", "0", size, "-nolisten", "tcp"}, {},
+            "/", "/dev/null");
         close(ends[1]);
         for (char c = 0; read(ends[0], &c, 1) == 1 && c != '\n';)
             name_ += c;
@@ -209,6 +206,14 @@ public:
         return pixmap;
     }
 
+    // The desktop's upper left part, repeated.
+    void NameWallpaper(int partWidth, int partHeight) const {
+        ScreenPicture picture{partWidth, {}};
+        for (int i = 0; i < partWidth * partHeight; ++i)
+            picture.pixels.push_back(DesktopPixel(i % partWidth, i / partWidth));
+        Name(Root(), "_XROOTPMAP_ID", MakePixmap(picture));
+    }
+
     // Above all others, in one colour, 0x00RRGGBB.
     Window ShowWindow(const Area& area, unsigned long colour = 0) const {
         const Window window =
@@ -265,17 +270,9 @@ public:
         XRRMonitorInfo* before = XRRGetMonitors(connection, Root(), True, &count);
         RROutput output = before != nullptr && before->automatic != 0 ? before->outputs[0] : None;
         XRRFreeMonitors(before);
-        XRRMonitorInfo info = {XInternAtom(connection, name, False),
-                               primary,
-                               False,
-                               output != None ? 1 : 0,
-                               area.x,
-                               area.y,
-                               area.width,
-                               area.height,
-                               100,
-                               100,
-                               &output};
+        const Atom atom = XInternAtom(connection, name, False);
+        const auto& [x, y, w, h] = area;
+        XRRMonitorInfo info = {atom, primary, False, output != None, x, y, w, h, 100, 100, &output};
         XRRSetMonitor(connection, Root(), &info);
         Sync();
     }

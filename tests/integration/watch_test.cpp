@@ -24,7 +24,7 @@ protected:
         std::vector<std::string> words = {"--watch=0.02"};
         words.insert(words.end(), further.begin(), further.end());
         Touch();
-        saver.Start(display, words);
+        saver.Start(words);
     }
     void Touch() const { display.PressKey(XK_Shift_L); }
     static void Sleep(int milliseconds) { usleep(static_cast<useconds_t>(milliseconds) * 1000); }
@@ -51,8 +51,7 @@ protected:
         EXPECT_TRUE(saver.Running()) << saver.Errors();
     }
     void EndWatcher() {
-        saver.Signal(SIGTERM);
-        EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+        EXPECT_EQ(saver.End(SIGTERM), 0) << saver.Errors();
         EXPECT_TRUE(WaitUntilGone());
     }
     std::string Switches() const { // how often it has been woken
@@ -86,7 +85,7 @@ TEST_F(Watch, TheShowComesWithIdlenessAndTheWatcherGoesOnAfterIt) {
 
 TEST_F(Watch, WhoIsIdleAlreadyGetsItAtOnceAndItEndsWithTheWatcherAndTheServer) {
     Sleep(kIdleMs + 300);
-    saver.Start(display, {"--watch=0.02"});
+    saver.Start({"--watch=0.02"});
     ExpectAShow();
     saver.Kill();
     EXPECT_TRUE(WaitUntilGone());
@@ -103,7 +102,7 @@ TEST_F(Watch, WaitingWakesNobodyAndASecondWatcherIsRefused) {
     FakeLogin login(bus);
     Offer(bus);
     Touch();
-    saver.Start(display, {"--watch"});
+    saver.Start({"--watch"});
     const BusClient other = bus.Connect();
     ASSERT_TRUE(Eventually([&] { return Inhibit(other.get()) != 0; })); // it serves
     Sleep(300);
@@ -111,8 +110,8 @@ TEST_F(Watch, WaitingWakesNobodyAndASecondWatcherIsRefused) {
     Sleep(2000);
     EXPECT_EQ(Switches(), before);
     SaverProcess second;
-    second.Start(display, {"--watch=1"});
-    EXPECT_EQ(second.WaitForExit(), 1);
+    second.environment["DISPLAY"] = display.Name();
+    EXPECT_EQ(second.Run({"--watch=1"}), 1);
     EXPECT_EQ(second.Errors(), "tamblor: already watching this session\n");
     EndWatcher();
 }
@@ -145,7 +144,7 @@ TEST_F(Watch, TheMinutesAreConfigured) {
     };
     for (const auto& c : cases) {
         saver.Configure(c.settings);
-        saver.Start(display, {c.word});
+        saver.Start({c.word});
         EXPECT_TRUE(Eventually([&] { return hasAlarm(c.milliseconds); })) << c.milliseconds;
         EXPECT_EQ(saver.Errors(), c.errors);
         EndWatcher();
@@ -216,47 +215,42 @@ TEST_F(Watch, TheLoginManagerHoldsItBackAndLocks) {
     EndWatcher();
     EXPECT_EQ(login.locks, 1);
 
-    saver.Start(display, {"--lock"}); // the show itself
+    saver.Start({"--lock"}); // the show itself
     ASSERT_TRUE(saver.WaitUntilShown(display));
     ExpectAKeyEndsIt();
     EXPECT_EQ(login.locks, 2);
     bus.Kill();
-    saver.Start(display, {"/s", "--lock"});
+    saver.Start({"/s", "--lock"});
     ASSERT_TRUE(saver.WaitUntilShown(display));
     ExpectAKeyEndsIt();
     EXPECT_EQ(saver.Errors(), "tamblor: the session cannot be locked: no login manager knows it\n");
 }
 
 TEST_F(Watch, AutostartWritesAndRemovesTheEntry) {
-    const auto run = [this](const std::vector<std::string>& words) {
-        saver.Start(display, words);
-        return saver.WaitForExit();
-    };
     const std::string entry = saver.data.File("config/autostart/tamblor.desktop"), exe = TAMBLOR_EXE;
     const auto text = [&] { return saver.data.Read("config/autostart/tamblor.desktop"); };
-    EXPECT_EQ(run({"--autostart", "on"}), 0) << saver.Errors();
+    EXPECT_EQ(saver.Run({"--autostart", "on"}), 0) << saver.Errors();
     EXPECT_EQ(text(), "[Desktop Entry]\nType=Application\nName=Tamblor\n"
                       "Comment=Starts the show when nobody has touched anything for a while\n"
                       "Exec=\"" +
                           exe + "\" --watch\nTryExec=" + exe + "\nTerminal=false\n");
-    EXPECT_EQ(run({"--monitors=all", "--lock", "--autostart=on"}), 0);
+    EXPECT_EQ(saver.Run({"--monitors=all", "--lock", "--autostart=on"}), 0);
     EXPECT_NE(text().find("--watch --lock --monitors=all\n"), std::string::npos);
     EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(entry).parent_path()), {}), 1);
     for (int twice = 0; twice < 2; ++twice) {
-        EXPECT_EQ(run({"--autostart=off"}), 0);
+        EXPECT_EQ(saver.Run({"--autostart=off"}), 0);
         EXPECT_FALSE(fs::exists(entry));
     }
     // A program whose path means something to who reads the entry.
     const std::string odd = saver.data.File("a $b%c\"d\\e");
     fs::copy_file(exe, odd);
-    Program other;
-    other.Start({odd, "--autostart=on"}, saver.environment, "/", saver.data.File("stderr"));
-    EXPECT_EQ(other.WaitForExit(), 0) << saver.Errors();
+    saver.program = odd;
+    EXPECT_EQ(saver.Run({"--autostart=on"}), 0) << saver.Errors();
     EXPECT_NE(text().find("/a \\\\$b%%c\\\\\"d\\\\\\\\e\" --watch\nTryExec="), std::string::npos) << text();
     EXPECT_NE(text().find("/a $b%c\"d\\\\e\n"), std::string::npos) << text();
 
     saver.environment["XDG_CONFIG_HOME"] = "/proc";
-    EXPECT_EQ(run({"--autostart=on"}), 1);
+    EXPECT_EQ(saver.Run({"--autostart=on"}), 1);
     EXPECT_NE(saver.Errors().find("tamblor: /proc/autostart: "), std::string::npos) << saver.Errors();
 }
 
@@ -277,8 +271,7 @@ TEST_F(Watch, WrongWordsAreNamed) {
         {{"--window-id", "nonsense"}, "--window-id needs the number of a window, as in 0x1c00007"},
     };
     for (const auto& [words, problem] : lines) {
-        saver.Start(display, words);
-        EXPECT_EQ(saver.WaitForExit(), 2) << problem;
+        EXPECT_EQ(saver.Run(words), 2) << problem;
         EXPECT_EQ(saver.Errors(), "tamblor: " + problem + "; tamblor --help lists what there is\n");
     }
 }

@@ -1,6 +1,6 @@
 // The show on Wayland: where it lies, what it shows, what ends it, and what it does without.
 #include "integration/compositor.h"
-#include "integration/saver_process.h"
+#include "integration/spied_saver.h"
 
 #include <chrono>
 
@@ -8,23 +8,13 @@ namespace {
 
 using Outputs = std::vector<Compositor::Output>;
 
-class Wayland : public testing::Test {
+class Wayland : public WaylandShowOf<SaverProcess> {
 protected:
-    explicit Wayland(const Outputs& outputs = {{}}, const std::string& settings = "xwayland disable")
-        : compositor(outputs, settings) {
-        compositor.server.Offer(&saver.environment);
-    }
-    void SetUp() override { ASSERT_TRUE(compositor.ready) << compositor.server.folder.Read("errors"); }
+    using WaylandShowOf::WaylandShowOf;
 
     void Hide(const std::string& interfaces) { // from the saver
+        LoadSpy(&saver.environment);
         saver.environment["TAMBLOR_LACKS"] = interfaces;
-        saver.environment["LD_PRELOAD"] = WAYLAND_FILTER;
-        saver.environment["ASAN_OPTIONS"] = "detect_leaks=0:verify_asan_link_order=0";
-    }
-    bool TakesTheKeyboard() {
-        return Eventually(
-                   [this] { return (compositor.Pump() && !compositor.focused) || !saver.Running(); }) &&
-               saver.Running();
     }
     bool SeeFrames(int output = 0) {
         return saver.SeeFrames([&] { return Changed(output) > 0; });
@@ -44,18 +34,10 @@ protected:
         saver.SetClock(0);
         EXPECT_TRUE(Eventually([&] { return Changed(output) == 0; })) << Changed(output) << " pixels differ";
     }
-    void ExpectAKeyEndsIt(std::uint32_t key = KEY_SPACE) {
-        compositor.PressKey(key);
-        EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
-        EXPECT_TRUE(compositor.WaitForFocus());
-    }
     void ExpectItGoesOn() { // time for a wrong close to happen
         usleep(300000);
         EXPECT_TRUE(saver.Running()) << saver.Errors();
     }
-
-    Compositor compositor;
-    SaverProcess saver;
 };
 
 TEST_F(Wayland, TheShowLiesOverEverythingAndItsFirstFrameIsTheDesktopPixelForPixel) {
@@ -135,8 +117,7 @@ TEST_F(Wayland, ItEndsAtOnceAndDrawsNothingWhileNobodySeesIt) {
                 compositor.server.program.Signal(SIGSTOP);
             usleep(500000); // it waits for a frame now
             const auto start = Clock::now();
-            saver.Signal(SIGTERM);
-            EXPECT_EQ(saver.WaitForExit(), 0);
+            EXPECT_EQ(saver.End(SIGTERM), 0);
             best = std::min(best, Clock::now() - start);
             compositor.server.program.Signal(SIGCONT);
             ASSERT_TRUE(compositor.Command("workspace 1") && compositor.WaitForFocus());
@@ -183,22 +164,6 @@ TEST_F(Wayland, ItMakesDoWithoutWhatACompositorLacks) {
     }
 }
 
-TEST_F(Wayland, TheFirstFrameIsTheOneOnX11) {
-    compositor.MovePointerBy(400, 400); // into the corner
-    Start();
-    ExpectTheDesktop();
-    const VirtualDisplay display(320, 240);
-    SaverProcess other;
-    other.Start(display, {"/s"});
-    ASSERT_TRUE(other.WaitUntilShown(display));
-    ASSERT_TRUE(other.SeeFrames(display));
-    other.SetClock(0);
-    EXPECT_TRUE(display.WaitForPixel(160, 120, display.DesktopPixel(160, 120), 3));
-    constexpr std::size_t kCursor = 20; // pixels that are left of it
-    EXPECT_LE(Difference(display.Photograph(), compositor.Photograph(), 1), kCursor);
-    ExpectAKeyEndsIt();
-}
-
 TEST_F(Wayland, IdlenessStartsTheShowAndAKeyEndsIt) {
     compositor.PressKey(KEY_LEFTSHIFT);
     saver.Start({"--watch=0.02"});
@@ -208,8 +173,7 @@ TEST_F(Wayland, IdlenessStartsTheShowAndAKeyEndsIt) {
         EXPECT_TRUE(compositor.WaitForFocus());
     }
     EXPECT_EQ(compositor.typed, std::vector<std::uint32_t>{KEY_LEFTSHIFT});
-    saver.Signal(SIGTERM);
-    EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
+    EXPECT_EQ(saver.End(SIGTERM), 0) << saver.Errors();
 }
 
 TEST_F(Wayland, OnTheBackgroundItLeavesTheKeyboardAlone) {
@@ -223,8 +187,7 @@ TEST_F(Wayland, OnTheBackgroundItLeavesTheKeyboardAlone) {
     compositor.MovePointerBy(20, 20);
     ExpectItGoesOn();
     EXPECT_EQ(compositor.typed, std::vector<std::uint32_t>{KEY_SPACE});
-    saver.Signal(SIGTERM);
-    EXPECT_EQ(saver.WaitForExit(), 0);
+    EXPECT_EQ(saver.End(SIGTERM), 0);
 }
 
 class TwoOutputs : public Wayland {
@@ -281,6 +244,7 @@ protected:
                       "--config=" + config},
                      {{"DISPLAY", display.Name()}});
         server.Offer(&saver.environment);
+        saver.environment.erase("DISPLAY");
     }
     std::size_t Changed(const ScreenPicture& before) const {
         return Difference(display.Photograph(), before);
@@ -309,10 +273,7 @@ class WestonWithThreeOutputs : public Weston {
 protected:
     WestonWithThreeOutputs() : Weston(3) {}
     static Area Place(int output) { return {output * 320, 0, 320, 240}; }
-    bool IsBlack(int output) const {
-        const ScreenPicture picture = display.Photograph(display.Root(), Place(output));
-        return std::ranges::count(picture.pixels, 0u) == std::ssize(picture.pixels);
-    }
+    ScreenPicture Seen(int output) const { return display.Photograph(display.Root(), Place(output)); }
     void Unplug(int output) {
         XEvent event = {};
         event.xclient.type = ClientMessage;
@@ -327,9 +288,7 @@ protected:
         --left_;
     }
     bool SeeFrames(int output) const {
-        const ScreenPicture before = display.Photograph(display.Root(), Place(output));
-        return saver.SeeFrames(
-            [&] { return Difference(display.Photograph(display.Root(), Place(output)), before) > 500; });
+        return saver.SeeFrames([&, before = Seen(output)] { return Difference(Seen(output), before) > 500; });
     }
 
     std::vector<Window> windows;
@@ -351,7 +310,7 @@ TEST_F(WestonWithThreeOutputs, TheShowStaysWhileItCanAndThenGoesToAnother) {
     ASSERT_TRUE(Eventually([&] {
         black.clear();
         for (int i = 0; i < 3; ++i)
-            if (IsBlack(i))
+            if (std::ranges::count(Seen(i).pixels, 0u) == 320 * 240)
                 black.push_back(i);
         return black.size() == 2;
     })) << black.size();
@@ -361,8 +320,7 @@ TEST_F(WestonWithThreeOutputs, TheShowStaysWhileItCanAndThenGoesToAnother) {
     EXPECT_TRUE(SeeFrames(shown));
     Unplug(shown);
     EXPECT_TRUE(SeeFrames(black[1]));
-    saver.Signal(SIGTERM);
-    EXPECT_EQ(saver.WaitForExit(), 0);
+    EXPECT_EQ(saver.End(SIGTERM), 0);
     EXPECT_EQ(saver.Errors(), "");
 }
 

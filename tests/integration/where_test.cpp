@@ -11,15 +11,8 @@ protected:
     Where(int width = 320, int height = 240) : ShowFixture(width, height) {}
     // Its exit status; what it printed is in `text`.
     int Ask(SaverProcess& one) {
-        one.environment["DISPLAY"] = display.Name();
-        return AskWithoutDisplay(one);
-    }
-    int AskWithoutDisplay(SaverProcess& one) {
-        const std::string out = one.data.File("out");
-        one.Program::Start({"/bin/sh", "-c", "exec " + program + " --where >" + out}, one.environment, "/",
-                           one.data.File("stderr"));
-        const int status = one.WaitForExit();
-        text = one.data.Read("out");
+        const int status = one.Run({"--where"});
+        text = one.Output();
         return status;
     }
     void ExpectLine(const std::string& subject, const std::string& words) {
@@ -27,7 +20,7 @@ protected:
         EXPECT_NE(text.find(start + words), std::string::npos) << start << words << "\nis not in\n" << text;
     }
 
-    std::string text, program = TAMBLOR_EXE;
+    std::string text;
 };
 
 TEST_F(Where, AWholeShowIsNamedPieceByPieceAndNothingIsShownOrWritten) {
@@ -76,7 +69,7 @@ TEST_F(Where, WhatIsMissingIsSaidWithStatus1) {
     EXPECT_NE(text.find("libgl1-mesa-dri"), std::string::npos) << text;
 
     SaverProcess without; // a display: all else is there
-    EXPECT_EQ(AskWithoutDisplay(without), 1);
+    EXPECT_EQ(Ask(without), 1);
     ExpectLine("window system", "PROBLEM: none can be reached (tried: wayland, x11)\n");
     ExpectLine("", "wayland: WAYLAND_DISPLAY is not set\n");
     ExpectLine("", "x11: cannot open display (DISPLAY is not set)\n");
@@ -87,7 +80,7 @@ class WhereInstalled : public Where {
 protected:
     WhereInstalled() : Where(3840, 2160) {
         saver.environment.erase("TAMBLOR_DATA");
-        program = saver.data.File("bin/tamblor");
+        saver.program = saver.data.File("bin/tamblor");
         InstallProgram(saver.data.Path());
         for (const std::string show : {"share/tamblor", "share/tamblor-4k"}) {
             fs::create_directories(saver.data.File(show));
