@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 namespace {
@@ -37,9 +38,7 @@ void PumpMessages() {
 }
 
 void ShowUntilSeen(const std::string& folder, int number) {
-    std::FILE* shown = std::fopen((folder + "/shown-" + std::to_string(number)).c_str(), "w");
-    if (shown != nullptr)
-        std::fclose(shown);
+    std::ofstream(folder + "/shown-" + std::to_string(number));
     const std::string seen = folder + "/seen-" + std::to_string(number);
     while (GetFileAttributesA(seen.c_str()) == INVALID_FILE_ATTRIBUTES) {
         PumpMessages();

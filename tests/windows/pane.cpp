@@ -3,18 +3,7 @@
 // there. It ends when a file "end" appears.
 #include "win32/win32.h"
 
-#include <cstdio>
-
-namespace {
-
-template <class... Values> void Write(const char* file, const char* format, Values... values) {
-    if (std::FILE* out = std::fopen(file, "w")) {
-        std::fprintf(out, format, values...);
-        std::fclose(out);
-    }
-}
-
-} // namespace
+#include <fstream>
 
 int main() {
     WNDCLASSA box = {};
@@ -30,7 +19,7 @@ int main() {
     const HWND panel = create(WS_EX_TOOLWINDOW, WS_POPUP, {80, 60, 200, 160}, nullptr);
     const HWND pane = create(0, WS_CHILD, {20, 20, 152, 112}, panel);
     // As the system hands it to savers: in decimal, of 32 bits on every Windows.
-    Write("number", "%lu\n", static_cast<unsigned long>(reinterpret_cast<UINT_PTR>(pane)));
+    std::ofstream("number") << static_cast<unsigned long>(reinterpret_cast<UINT_PTR>(pane)) << '\n';
     while (GetFileAttributesA("end") == INVALID_FILE_ATTRIBUTES) {
         for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;)
             DispatchMessageA(&message);
@@ -41,7 +30,8 @@ int main() {
             GetClassNameA(child, name, sizeof name);
             GetWindowRect(child, &area);
             MapWindowPoints(nullptr, pane, reinterpret_cast<POINT*>(&area), 2);
-            Write("child", "%s %ld,%ld %ld,%ld\n", name, area.left, area.top, area.right, area.bottom);
+            std::ofstream("child") << name << ' ' << area.left << ',' << area.top << ' ' << area.right << ','
+                                   << area.bottom << '\n';
         }
         Sleep(20);
     }

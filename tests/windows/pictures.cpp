@@ -8,30 +8,18 @@
 #include "windows/decoded.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 
 namespace {
 
 constexpr int kDamages = 12; // to each file
 
 std::string Read(const std::string& name) {
-    std::string bytes;
-    if (std::FILE* file = std::fopen(name.c_str(), "rb")) {
-        char block[4096];
-        while (const std::size_t n = std::fread(block, 1, sizeof block, file))
-            bytes.append(block, n);
-        std::fclose(file);
-    }
-    return bytes;
-}
-
-void Write(const std::string& name, const std::string& bytes) {
-    if (std::FILE* file = std::fopen(name.c_str(), "wb")) {
-        std::fwrite(bytes.data(), 1, bytes.size(), file);
-        std::fclose(file);
-    }
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void SaveAgain(const std::string& name) {
@@ -85,7 +73,7 @@ int main(int count, char** words) {
         return 1; // DevIL itself has that function in its other module
     for (int i = 2; i < count; ++i) {
         const std::string name = words[i];
-        Write(name + ".decoded", Decoded(name));
+        std::ofstream(name + ".decoded", std::ios::binary) << Decoded(name);
         if (std::strcmp(words[1], "all") != 0)
             continue;
         SaveAgain(name);

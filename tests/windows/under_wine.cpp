@@ -56,16 +56,6 @@ bool PrepareWine() {
     return true;
 }
 
-// CTest runs each case by itself.
-bool NeedsDevil() {
-    return testing::GTEST_FLAG(filter).find("WithDevilItself") != std::string::npos;
-}
-
-// The installer is made of two builds.
-bool NeedsInstaller() {
-    return testing::GTEST_FLAG(filter).starts_with("Installer.");
-}
-
 // Ends what still runs in the prefix, the services too: the next test has another display.
 class FreshWine : public testing::EmptyTestEventListener {
     void OnTestEnd(const testing::TestInfo&) override {
@@ -139,12 +129,13 @@ int main(int argc, char** argv) {
     buildFolder = argv[1];
     wineProgram = argv[2];
     serverProgram = argv[3];
+    const std::string wanted = testing::GTEST_FLAG(filter); // CTest runs each case by itself
     const char* lacks = nullptr;
     if (access(argv[2], X_OK) != 0 || access(argv[3], X_OK) != 0)
         lacks = "no Wine here runs it (Debian: wine64 for the 64-bit one, wine32 for the 32-bit one)";
-    else if (NeedsDevil() && !fs::exists(WindowsBuild("tests/codec/devil.dll")))
+    else if (wanted.ends_with("WithDevilItself") && !fs::exists(WindowsBuild("tests/codec/devil.dll")))
         lacks = "no DevIL for it (Debian: wine64-tools and libwine-dev make the 64-bit one)";
-    else if (NeedsInstaller() && !fs::exists(WindowsBuild("tests/installer")))
+    else if (wanted.starts_with("Installer.") && !fs::exists(WindowsBuild("tests/installer")))
         lacks = "no installer for it (scripts/windows makes it when it makes both builds)";
     if (lacks != nullptr) {
         std::printf("skipped: %s/bin/tamb.scr: %s\n", argv[1], lacks);

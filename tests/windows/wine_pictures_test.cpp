@@ -93,9 +93,7 @@ protected:
             words.back() += name;
         else
             words.push_back(name);
-        Program convert;
-        convert.Start(words, {{"PATH", "/usr/bin:/bin"}}, folder_.Path().string(), "/dev/null");
-        EXPECT_EQ(convert.WaitForExit(), 0) << name;
+        EXPECT_EQ(RunProgram(words, {{"PATH", "/usr/bin:/bin"}}, folder_.Path().string()), 0) << name;
         return folder_.Read(name);
     }
     void DecodeOnWindows(const std::string& what, const std::vector<PictureFile>& files) const {

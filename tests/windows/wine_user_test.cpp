@@ -54,14 +54,14 @@ TEST_F(PreviewInPane, ShowsTheStillAndGoesWithThePanelAndEndsQuietlyWithoutIt) {
     const std::string number = WaitForLine("number");
     ASSERT_NE(number, "");
     ASSERT_TRUE(display.WaitForPixel(kPane.x + 5, kPane.y + 5, 0x000000, 0)) << "the pane is black";
-    saver.Start(display, {"/p", number});
+    saver.Start({"/p", number});
     EXPECT_EQ(WaitForLine("child"), "WindowsScreenSaverClass 0,0 152,112");
     EXPECT_TRUE(StillIsDrawn());
     ExpectAPreviewIgnoresInput();
     files.Write("end", "");
     EXPECT_EQ(panel.WaitForExit(), 0);
     EXPECT_EQ(saver.WaitForExit(), 0) << "it goes with its parent";
-    saver.Start(display, {"/p" + number});
+    saver.Start({"/p" + number});
     EXPECT_EQ(saver.WaitForExit(), 0);
     EXPECT_TRUE(display.VisibleWindows().empty());
 }
