@@ -12,7 +12,7 @@ namespace wayland {
 namespace {
 
 bool IsStillThere(const Output& output) {
-    return std::ranges::any_of(OwnOutputs(), [&](const Output* own) { return own->global == output.global; });
+    return std::ranges::any_of(OwnOutputs(), [&](const Output* own) { return own->id == output.id; });
 }
 
 // By the newer of two protocols; by the older one where the newer is not there, or fails.
