@@ -216,6 +216,9 @@ TEST_F(OwnCodec, HandsOutImagesByName) {
     for (int i = 0; i < 2; ++i)
         ilDeleteImages(1, &names[1]);
     EXPECT_EQ(Make(kOurs, 1, 1, IL_RGBA, "abcd"), 0) << "it is gone";
+    ILuint again = 0;
+    ilGenImages(1, &again);
+    EXPECT_EQ(again, names[1]) << "its name is free";
 }
 
 TEST_F(OwnCodec, RefusesWhatItCannotKeep) {
@@ -249,7 +252,8 @@ TEST_F(OwnCodec, RefusesWhatItCannotKeep) {
     fxSetAllocLimit(0);
     EXPECT_EQ(Shown(kOurs), "4 x 4: " + pixels) << "as it was";
     ilSetPixels(-1, -2, 0, 2, 3, 1, IL_RGBA, IL_UNSIGNED_BYTE, (std::string(20, 'q') + "abcd").data());
-    EXPECT_EQ(Shown(kOurs), "4 x 4: abcd" + pixels.substr(4)) << "what lies on it";
+    ilSetPixels(3, 2, 0, 2, 1, 1, IL_RGBA, IL_UNSIGNED_BYTE, std::string("wxyzqqqq").data());
+    EXPECT_EQ(Shown(kOurs), "4 x 4: abcd" + pixels.replace(44, 4, "wxyz").substr(4)) << "what lies on it";
 }
 
 } // namespace
