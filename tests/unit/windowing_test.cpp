@@ -13,8 +13,9 @@ namespace {
 const HWND kWindow = reinterpret_cast<HWND>(UINT_PTR{7});
 
 struct Script {
-    std::string calls;          // of the window system
-    LRESULT answer = 0;         // to WM_CREATE
+    std::string calls;  // of the window system
+    LRESULT answer = 0; // to WM_CREATE
+    bool hasOpenGl = false;
     std::vector<UINT> messages; // that the window's procedure has seen
     void (*events)() = [] {};   // what ReadEvents reports
 };
@@ -23,6 +24,16 @@ Script script;
 void Note(const std::string& call) {
     script.calls += call + " ";
 }
+
+// OpenGL that offers nothing.
+struct FakeSurface final : GlSurface {
+    bool ListConfigs(std::vector<GlConfig>*) override { return false; }
+    bool DrawsInSoftware() override { return true; }
+    bool Create(const GlConfig&) override { return false; }
+    std::unique_ptr<GlContext> CreateContext() override { return nullptr; }
+    bool MakeCurrent(GlContext*) override { return false; }
+    bool Swap() override { return false; }
+};
 
 // What no test here asks for is left out.
 template <bool kOpens> WindowSystem Fake() {
@@ -42,7 +53,9 @@ template <bool kOpens> WindowSystem Fake() {
         return 40;
     };
     fake.WaitForEvents = [](int, int milliseconds) { Note("wait" + std::to_string(milliseconds)); };
-    fake.OpenGl = [] { return std::unique_ptr<GlSurface>(); };
+    fake.OpenGl = []() -> std::unique_ptr<GlSurface> {
+        return script.hasOpenGl ? std::make_unique<FakeSurface>() : nullptr;
+    };
     return fake;
 }
 const WindowSystem kClosed = Fake<false>(), kOpen = Fake<true>();
@@ -137,10 +150,17 @@ TEST_F(Windowing, ReportsBecomeMessages) {
 
 TEST_F(Windowing, WithoutOpenGlTheWindowIsBlackAndWhoWaitsForItIsTold) {
     ASSERT_EQ(Create(), kWindow);
-    CallWhenOpenGlIsThere([] { Note("told"); });
-    EXPECT_EQ(GetDC(kWindow), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
-    EXPECT_EQ(script.calls, "show black told ");
+    const PIXELFORMATDESCRIPTOR wanted = {};
+    for (const bool hasOpenGl : {false, true}) {
+        script.hasOpenGl = hasOpenGl;
+        script.calls = "";
+        CallWhenOpenGlIsThere([] { Note("told"); });
+        const HDC dc = GetDC(kWindow);
+        EXPECT_EQ(ChoosePixelFormat(dc, &wanted), 0);
+        EXPECT_EQ(GetLastError(), hasOpenGl ? ERROR_NOT_SUPPORTED : ERROR_INVALID_WINDOW_HANDLE);
+        EXPECT_EQ(script.calls, "black told ");
+        ReleaseDC(kWindow, dc);
+    }
 }
 
 // The seconds that so many frames take at least: the first is due at once.
