@@ -2,6 +2,7 @@
 // do. Threads, locks, the clock and the last error are real (the Linux layer's own).
 #pragma once
 
+#include "image/desktop_source.h"
 #include "win32/win32.h"
 
 #include <bit>
@@ -37,7 +38,18 @@ struct FakeWin32 {
 };
 extern FakeWin32 fakeWin32;
 
-void ResetFakeWin32();
+// The desktop's picture, from a buffer of the test's.
+struct FakeDesktop {
+    FXDesktopPixels pixels = {}; // what the lock shows
+    bool copyFails = false;
+    bool lockFails = false;
+
+    std::string calls; // "copy 640x480, lock, unlock, release"
+    bool held = false; // a copy that nobody has given back
+};
+extern FakeDesktop fakeDesktop;
+
+void ResetFakeWin32(); // the desktop, too
 // The window exists, with the class's procedure, without having been created.
 void AdoptFakeWindow(WNDPROC proc);
 

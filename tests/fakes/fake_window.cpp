@@ -1,4 +1,4 @@
-// Windows, messages, OpenGL on them, and the list of what was done.
+// Windows, messages, OpenGL on them, the desktop, and the list of what was done.
 #include "fakes/fake_win32.h"
 
 #include <cstdarg>
@@ -7,6 +7,7 @@
 #include <utility>
 
 FakeWin32 fakeWin32;
+FakeDesktop fakeDesktop;
 
 namespace {
 
@@ -24,6 +25,11 @@ unsigned Number(const void* handle) {
 
 bool Lives(HWND window) {
     return windowLives && window == kFakeWindow;
+}
+
+void NoteDesktopCall(const std::string& call) {
+    if (!fakeWin32.isQuiet)
+        fakeDesktop.calls += fakeDesktop.calls.empty() ? call : ", " + call;
 }
 
 template <class T> T FakeHandle(UINT_PTR value, const char* function) {
@@ -51,6 +57,7 @@ std::vector<std::string> TakeFakeCalls() {
 
 void ResetFakeWin32() {
     fakeWin32 = {};
+    fakeDesktop = {};
     classProc = nullptr;
     windowLives = quitPosted = false;
     posted.clear();
@@ -170,3 +177,24 @@ BOOL wglMakeCurrent(HDC dc, HGLRC context) {
     return NoteFakeCall("wglMakeCurrent(%s)", on ? "on" : "off"), !on || !FakeFails("wglMakeCurrent");
 }
 FAKE(BOOL, SwapBuffers, (HDC), TRUE, "SwapBuffers()")
+
+bool fxDesktopCopy(int w, int h) {
+    NoteDesktopCall("copy " + std::to_string(w) + "x" + std::to_string(h));
+    return fakeDesktop.held = !fakeDesktop.copyFails;
+}
+
+bool fxDesktopLock(FXDesktopPixels* pixels) {
+    NoteDesktopCall("lock");
+    *pixels = fakeDesktop.pixels;
+    return !fakeDesktop.lockFails;
+}
+
+void fxDesktopUnlock() {
+    NoteDesktopCall("unlock");
+    fakeDesktop.held = false;
+}
+
+void fxDesktopRelease() {
+    NoteDesktopCall("release");
+    fakeDesktop.held = false;
+}

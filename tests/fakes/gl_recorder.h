@@ -1,5 +1,4 @@
-// OpenGL 1.1 and GLU as the product calls them, written down instead of drawn; what a program links in the
-// place of the real libraries. The entry points of multitexture are there as well.
+// OpenGL 1.1, GLU and multitexture as the product calls them, written down instead of drawn.
 #pragma once
 
 #include <string>

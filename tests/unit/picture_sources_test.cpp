@@ -1,5 +1,4 @@
 // Where pictures come from, scripted: the modules of the codec, and the desktop.
-#include "fakes/fake_desktop.h"
 #include "fakes/fake_win32.h"
 #include "image/canvas.h"
 #include "image/codec.h"

@@ -4,4 +4,4 @@ tamb_add_unit_test(scene_test SOURCES ${here}/scene_parts_test.cpp
 
 # The show, with every window and frame written down.
 tamb_add_unit_test(show_test SOURCES ${here}/scene_test.cpp
-    LIBS tamb_scene tamb_gl_recorder tamb_fake_desktop tamb_fake_win32)
+    LIBS tamb_scene tamb_gl_recorder tamb_fake_win32)

@@ -2,7 +2,6 @@
 // desktop a pixel. The clock is the test's, and the folder with the package the current one.
 #pragma once
 
-#include "fakes/fake_desktop.h"
 #include "fakes/fake_win32.h"
 #include "fakes/gl_recorder.h"
 #include "host/configuration.h"
@@ -20,7 +19,7 @@ public:
         ResetFakeWin32();
         GLRecorder::Reset();
         GLRecorder::SetNullMode(isQuiet);
-        fakeWin32.isQuiet = fakeDesktop.isQuiet = isQuiet;
+        fakeWin32.isQuiet = isQuiet;
         fakeDesktop.pixels = {kDesktop, 4, 1, 1};
         fakeWin32.screenWidth = fakeWin32.screenHeight = 1;
         fxSetTickSource([] { return ticks_; });
@@ -31,8 +30,7 @@ public:
         fxSetTickSource(nullptr);
         orinPath[0] = '\0';
         GLRecorder::SetNullMode(false);
-        fakeWin32 = {};
-        fakeDesktop = {};
+        ResetFakeWin32();
         std::filesystem::current_path(before_);
     }
     WholeShow(const WholeShow&) = delete;
