@@ -269,8 +269,7 @@ protected:
     FXPictureDecoder decoder_;
 };
 
-// In the order or out of it, once or again, not announced, malformed, missing, no picture; into canvases with
-// settings or a picture of their own.
+// In the order or out of it, once or again, not announced, malformed, missing; into canvases of all kinds.
 TEST_F(Decoder, GivesWhatDecodingAtOnceGives) {
     std::string cut = Tga(3, 2, Pixels(6, 0x80112233u));
     Load({{1, kTga, cut},

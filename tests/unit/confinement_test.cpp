@@ -1,5 +1,4 @@
-// What the process can still do once it has given up the rest: tried in a process of its own, on a thread
-// that ran before and on one that comes after.
+// What a process can still do once it has given up the rest, on a thread from before and on one from after.
 #include "win32/linux/confinement.h"
 
 #include "unit/temp_folder.h"

@@ -1,5 +1,4 @@
-// The host over a scripted platform: modes, the window's life, what every message leads to, and the password
-// protocol.
+// The host over a scripted platform: modes, the window's life, what every message leads to, the password.
 #include "fakes/fake_win32.h"
 #include "host/configuration.h"
 #include "host/default_procedure.h"

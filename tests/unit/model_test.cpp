@@ -40,8 +40,7 @@ std::string Packed(FXMesh* mesh, FXVectorMap* map, int vertices) {
     return {reinterpret_cast<const char*>(pool.buffer), static_cast<std::size_t>(pool.size)};
 }
 
-// A mesh of different vertices whose numbers start at `start`: a corner for each of them in order, then
-// `tail`.
+// A mesh of different vertices with numbers from `start` on: a corner for each in order, then `tail`.
 std::string PackedFrom(int start, int count, const std::vector<int>& tail) {
     const auto some = [start](int width) { // nobody's
         return Ints({width * start}) +
@@ -214,8 +213,7 @@ protected:
         LoadTestPackage(package_, folder_, {{3, kRaw, model}, {5, kRaw, library}});
     }
 
-    // Three pairs of triangles: of glass, of a material that is nowhere, of wood. They are the working
-    // meshes.
+    // Three pairs of triangles, as working meshes: of glass, of a material that is nowhere, of wood.
     void Make(FXModel* model) {
         LoadPackage("");
         model->Destroy();

@@ -1,5 +1,4 @@
-// Packages that are damaged: as files are, and as somebody damages them who knows the format. A number says
-// how, and always means the same.
+// Packages damaged as files are, and by who knows the format. A number always means the same damage.
 #pragma once
 
 #include "unit/test_package.h"

@@ -164,8 +164,7 @@ TEST_F(Show, GoesThroughItsCycle) {
     EXPECT_EQ(GLRecorder::LiveTextures(), 9);
 }
 
-// Every stage lasts as long as ever, and what turns goes on turning, where the clock starts anew in its
-// middle.
+// Every stage lasts as long as ever, and what turns goes on turning, also where the clock starts anew.
 TEST_F(Show, NoStageNoticesThatTheClockStartsAnew) {
     constexpr double kAnew = 4294967.296, kStep = 0.25, kHalf = 0.75; // seconds
     const std::tuple<int, double, double> kCases[] = {// the least and the most seconds that it lasts

@@ -1,5 +1,4 @@
-// The compositor's picture of an output becomes the photograph: every format, and however the monitor is
-// turned.
+// The compositor's picture of an output becomes the photograph, whatever its format and the monitor's turn.
 #include "win32/wayland/shared_picture.h"
 
 #include <gtest/gtest.h>
@@ -11,8 +10,7 @@ namespace {
 
 using wayland::SharedPicture;
 
-// Pixels that are letters, rows between blanks, each row followed by what is no part of the picture; they lie
-// in `bytes`.
+// Pixels that are letters, rows between blanks, each followed by what is no part of the picture.
 SharedPicture Letters(const std::string& rows, bool upsideDown, std::vector<unsigned char>* bytes) {
     constexpr int kGap = 8; // bytes
     SharedPicture picture;

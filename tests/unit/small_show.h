@@ -1,5 +1,4 @@
-// A whole show that costs next to nothing: pictures of one pixel, models of one triangle, and a morph of
-// twice half a second, whose triangle carries the desktop's picture.
+// A whole show of pixels and triangles, with a morph of a second that carries the desktop.
 #pragma once
 
 #include "unit/scene_parts.h"

@@ -52,8 +52,7 @@ inline void LoadTestPackage(FXPackage& package, const TempFolder& folder,
     ASSERT_TRUE(package.Load(folder.Write("test-package", PackageOf(entries)).c_str()));
 }
 
-// A TGA file of 32 bits per pixel, 8 of them alpha, its top row first. Pixels as a canvas has them:
-// 0xAABBGGRR.
+// A TGA file of 32 bits per pixel, its top row first. Pixels as a canvas has them: 0xAABBGGRR.
 inline std::string Tga(int w, int h, const std::vector<std::uint32_t>& pixels) {
     std::string file = std::string("\0\0\2\0\0\0\0\0\0\0\0\0", 12) + Ints({h << 16 | w}) + "\x20\x28";
     for (const std::uint32_t pixel : pixels)

@@ -1,6 +1,5 @@
-// The render loop and the decoding thread, started and stopped thousands of times: at once, between frames,
-// in the middle of a picture. What the threads share here has no lock of its own, so that the thread
-// sanitizer sees where a stop does not wait for what it stops.
+// The render loop and the decoding thread, started and stopped thousands of times. What they share here has
+// no lock, so that the thread sanitizer sees where a stop does not wait for what it stops.
 #include "fakes/fake_win32.h"
 #include "image/codec.h"
 #include "image/picture_decoder.h"
@@ -11,8 +10,7 @@
 #include <sched.h>
 #include <unistd.h>
 
-// The loop's tenth of a second before its first frame, and the pause between frames, a thousand times
-// shorter.
+// The loop's pauses, before its first frame and between frames, a thousand times shorter.
 extern "C" void WINAPI __wrap_Sleep(DWORD milliseconds) {
     usleep(milliseconds);
 }
