@@ -1,5 +1,4 @@
 // DevIL and its utility library as one module, each of whose functions may fail.
-#define FAILING_CODEC_MODULE
 #include "unit/failing_codec.h"
 #include "image/codec.h"
 

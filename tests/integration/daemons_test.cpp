@@ -29,7 +29,6 @@ protected:
         EXPECT_TRUE(Ended()) << "a show is left";
     }
     std::string Home(const std::string& file) const { return saver.data.File(file); }
-    static bool Installed(const std::string& program) { return fs::exists("/usr/bin/" + program); }
 
     // The words, for an ordinary user who has Tamblor installed. False where that cannot be had.
     bool AsUser(std::vector<std::string>* words) {
@@ -56,6 +55,8 @@ exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
         return RunProgram({"/usr/bin/unshare", "-m", "/bin/sh", script, "/bin/true"}, saver.environment) == 0;
     }
     void StartDaemon(std::vector<std::string> words) {
+        if (!fs::exists(words[0]))
+            GTEST_SKIP() << words[0] << " is not installed";
         if (!AsUser(&words))
             GTEST_SKIP() << "there is no ordinary user with Tamblor in /usr/libexec/xscreensaver here";
         daemon.Start(words, saver.environment, "/", Home("daemon"));
@@ -112,8 +113,6 @@ exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
 };
 
 TEST_F(Daemons, XScreenSaverListsStartsAndEndsIt) {
-    if (!Installed("xscreensaver"))
-        GTEST_SKIP() << "xscreensaver is not installed";
     const std::string settings = "mode: one\nselected: 0\nsplash: False\nfade: False\nunfade: False\n"
                                  "timeout: 1:00:00\ngrabDesktopImages: True\nlock: False\n";
     const auto command = [this](const char* word) {
@@ -143,8 +142,8 @@ TEST_F(Daemons, XScreenSaverListsStartsAndEndsIt) {
 
 // On one monitor: MATE does not see those that have no output of their own.
 TEST_F(Daemons, MateStartsItInItsWindowAndItEndsAtOnce) {
-    if (!Installed("mate-screensaver") || !Installed("dbus-run-session"))
-        GTEST_SKIP() << "mate-screensaver or dbus is not installed";
+    if (!fs::exists("/usr/bin/mate-screensaver"))
+        GTEST_SKIP() << "mate-screensaver is not installed";
     fs::create_directories(Home("config/glib-2.0/settings"));
     fs::create_directories(Home("share/applications/screensavers"));
     fs::copy_file(TAMBLOR_SOURCE "/packaging/linux/share/applications/screensavers/tamblor.desktop",
@@ -184,8 +183,6 @@ wait
 }
 
 TEST_F(Daemons, XSecureLockShowsItBelowItsDialog) {
-    if (!Installed("xsecurelock"))
-        GTEST_SKIP() << "xsecurelock is not installed";
     saver.environment["XSECURELOCK_SAVER"] = Home("bin/tamblor");
     saver.environment["XSECURELOCK_NO_COMPOSITE"] = "1";
     StartDaemon({"/usr/bin/xsecurelock"});

@@ -70,26 +70,6 @@ int NoteInterval(const char* function, int interval) {
     Spy().interval = interval;
     return 0;
 }
-void IntervalExt(Display*, GLXDrawable, int interval) {
-    NoteInterval("EXT", interval);
-}
-int IntervalMesa(unsigned interval) {
-    return NoteInterval("MESA", static_cast<int>(interval));
-}
-int IntervalSgi(int interval) {
-    return NoteInterval("SGI", interval);
-}
-
-Bool QueryRenderer(Display*, int, int, int attribute, unsigned* value) {
-    if (attribute == GLX_RENDERER_ACCELERATED_MESA)
-        *value = static_cast<unsigned>(Spy().accelerated);
-    return True;
-}
-
-const GLubyte* CardName(GLenum) {
-    return reinterpret_cast<const GLubyte*>("A Card/PCIe/SSE2");
-}
-
 struct RegistryListener {
     const wl_registry_listener* real;
     void* data;
@@ -183,15 +163,19 @@ __GLXextFuncPtr glXGetProcAddress(const GLubyte* name) {
     if (Fails("glXGetProcAddress"))
         return nullptr;
     if (text == "glXSwapIntervalEXT")
-        return answer(IntervalExt);
+        return answer(+[](Display*, GLXDrawable, int interval) { NoteInterval("EXT", interval); });
     if (text == "glXSwapIntervalMESA")
-        return answer(IntervalMesa);
+        return answer(+[](unsigned interval) { return NoteInterval("MESA", static_cast<int>(interval)); });
     if (text == "glXSwapIntervalSGI")
-        return answer(IntervalSgi);
+        return answer(+[](int interval) { return NoteInterval("SGI", interval); });
     if (text == "glXQueryRendererIntegerMESA" && Spy().extensions[0] != '\0')
-        return answer(QueryRenderer);
+        return answer(+[](Display*, int, int, int attribute, unsigned* value) -> Bool {
+            if (attribute == GLX_RENDERER_ACCELERATED_MESA)
+                *value = static_cast<unsigned>(Spy().accelerated);
+            return True;
+        });
     if (text == "glGetString" && Spy().accelerated != 0)
-        return answer(CardName);
+        return answer(+[](GLenum) { return reinterpret_cast<const GLubyte*>("A Card/PCIe/SSE2"); });
     return REAL(glXGetProcAddress)(name);
 }
 

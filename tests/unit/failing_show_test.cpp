@@ -72,14 +72,15 @@ TEST_F(FailingShow, GoesThroughItsCycleWithoutTheMemoryThatIsRefused) {
 TEST_F(FailingShow, GoesThroughItsCycleWhicheverCallOfTheCodecFails) {
     fxSetDevilNames("failing_codec", "failing_codec");
     // Kept loaded, and with it its numbers.
-    const FailingCodec failing(dlopen("libfailing_codec.so", RTLD_NOW));
-    ASSERT_TRUE(failing.IsThere()) << dlerror();
-    for (const bool alsoAllLater : {false, true})
-        for (int n = 0; n == 0 || (failing.HasFailed() && !HasFailure()); ++n) {
-            failing.FailAt(n, alsoAllLater);
+    void* const module = dlopen("libfailing_codec.so", RTLD_NOW);
+    ASSERT_NE(module, nullptr) << dlerror();
+    FailingCodecState& codecs = *static_cast<FailingCodecState*>(dlsym(module, "failingCodec"));
+    for (const int alsoAllLater : {0, 1})
+        for (int n = 0; n == 0 || (codecs.failed != nullptr && !HasFailure()); ++n) {
+            codecs = {n, alsoAllLater, nullptr};
             PlayACycle();
-            SCOPED_TRACE(testing::Message() << "call " << n << ", of " << failing.FailedFunction());
-            ExpectACycle(!failing.HasFailed());
+            SCOPED_TRACE(testing::Message() << "call " << n << ", of " << codecs.failed);
+            ExpectACycle(codecs.failed == nullptr);
         }
     fxSetDevilNames(nullptr, nullptr);
 }

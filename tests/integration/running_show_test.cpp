@@ -1,4 +1,5 @@
-// What the user's tamblor.conf changes of the show.
+// What the running show heeds of the user's tamblor.conf, and what it has given up: in every thread, the
+// driver's too.
 #include "integration/saver_process.h"
 
 namespace {
@@ -20,6 +21,25 @@ TEST_F(UserSettings, APointerThatTremblesDoesNotEndItAndOneThatIsMovedDoes) {
     ExpectItGoesOn();
     display.MovePointer(60, 45);
     EXPECT_EQ(saver.WaitForExit(), 0);
+    EXPECT_EQ(saver.Errors(), "");
+}
+
+using TheShow = ShowFixture;
+
+TEST_F(TheShow, HasGivenUpWhatItDoesNotNeedInEveryThread) {
+    Start();
+    ASSERT_TRUE(saver.SeeFrames(display));
+    int threads = 0;
+    for (const auto& task :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(saver.Id()) + "/task")) {
+        std::ifstream file(task.path() / "status");
+        const std::string status(std::istreambuf_iterator<char>(file), {});
+        EXPECT_NE(status.find("\nNoNewPrivs:\t1\n"), std::string::npos) << status;
+        EXPECT_NE(status.find("\nSeccomp:\t2\n"), std::string::npos) << "there is no filter: " << status;
+        ++threads;
+    }
+    EXPECT_GE(threads, 2) << "the window's and the loop's";
+    ExpectAKeyEndsIt();
     EXPECT_EQ(saver.Errors(), "");
 }
 
