@@ -108,36 +108,52 @@ exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
             return question();
         });
     }
+    // The shows all show the desktop, since the clock stands still; what lies above them stays there.
+    void ExpectAKeyBringsADialogOnTop() {
+        const auto isCovered = [this] {
+            return ChannelDistance(display.PixelAt(160, 120), display.DesktopPixel(160, 120)) > 12;
+        };
+        ASSERT_TRUE(KeysBring(isCovered)) << Said();
+        for (int i = 0; i < 10; ++i, usleep(100000))
+            EXPECT_TRUE(isCovered());
+        daemon.Signal(SIGTERM);
+    }
 
     Program daemon;
 };
 
 TEST_F(Daemons, XScreenSaverListsStartsAndEndsIt) {
     const std::string settings = "mode: one\nselected: 0\nsplash: False\nfade: False\nunfade: False\n"
-                                 "timeout: 1:00:00\ngrabDesktopImages: True\nlock: False\n";
+                                 "timeout: 1:00:00\ngrabDesktopImages: True\nlock: ";
     const auto command = [this](const char* word) {
         return Eventually([&] { return Run({"/usr/bin/xscreensaver-command", word}) == 0; });
     };
-    saver.data.Write(".xscreensaver", settings);
-    ASSERT_EQ(saver.Run({"--register"}), 0);
-    StartDaemon({"/usr/bin/xscreensaver", "--no-splash", "--verbose"});
-    if (IsSkipped())
-        return;
-    ASSERT_TRUE(command("--activate"));
-    ASSERT_TRUE(Shown(2)) << "one on each monitor" << Said();
-    ExpectTheDesktop({10, 310, 330, 630});
-    EXPECT_TRUE(KeysBring([this] { return Shows().empty(); }));
-    ASSERT_TRUE(command("--activate") && Shown(2));
-    const int before = ShowsEnded(); // the next shows' windows may bear the same numbers
-    ASSERT_TRUE(command("--cycle"));
-    EXPECT_TRUE(Eventually([&] { return ShowsEnded() == before + 2; })) << Said();
-    EXPECT_TRUE(Shown(2));
-    ASSERT_TRUE(command("--deactivate"));
-    EXPECT_TRUE(Ended());
-    ASSERT_TRUE(command("--activate") && Shown(2) && command("--exit"));
-    EXPECT_NE(daemon.WaitForExit(), -1);
-    EXPECT_TRUE(Ended());
-    EXPECT_EQ(Said().find("exited abnormally"), std::string::npos) << Said();
+    for (const bool lock : {false, true}) {
+        saver.data.Write(".xscreensaver", settings + (lock ? "True\n" : "False\n"));
+        ASSERT_EQ(saver.Run({"--register"}), 0);
+        StartDaemon({"/usr/bin/xscreensaver", "--no-splash", "--verbose"});
+        if (IsSkipped())
+            return;
+        ASSERT_TRUE(command("--activate"));
+        ASSERT_TRUE(Shown(2)) << "one on each monitor" << Said();
+        ExpectTheDesktop({10, 310, 330, 630});
+        if (lock) {
+            ExpectAKeyBringsADialogOnTop();
+        } else {
+            EXPECT_TRUE(KeysBring([this] { return Shows().empty(); }));
+            ASSERT_TRUE(command("--activate") && Shown(2));
+            const int before = ShowsEnded(); // the next shows' windows may bear the same numbers
+            ASSERT_TRUE(command("--cycle"));
+            EXPECT_TRUE(Eventually([&] { return ShowsEnded() == before + 2; })) << Said();
+            EXPECT_TRUE(Shown(2));
+            ASSERT_TRUE(command("--deactivate"));
+            EXPECT_TRUE(Ended());
+            ASSERT_TRUE(command("--activate") && Shown(2) && command("--exit"));
+        }
+        EXPECT_NE(daemon.WaitForExit(), -1);
+        EXPECT_TRUE(Ended());
+        EXPECT_EQ(Said().find("exited abnormally"), std::string::npos) << Said();
+    }
 }
 
 // On one monitor: MATE does not see those that have no output of their own.
@@ -163,23 +179,30 @@ until [ -e "$HOME/exit" ]; do sleep 0.1; done
 mate-screensaver-command --exit
 wait
 )");
-    saver.data.Write("config/glib-2.0/settings/keyfile",
-                     "[org/mate/screensaver]\nthemes=['screensavers-tamblor']\nmode='single'\n"
-                     "idle-activation-enabled=false\nlock-enabled=false\n");
-    StartDaemon({"/usr/bin/dbus-run-session", "--", "/bin/sh", session});
-    if (IsSkipped())
-        return;
-    saver.data.Write("activate", "");
-    ASSERT_TRUE(Shown(1)) << Said();
-    ExpectTheDesktop({10, 630});
-    saver.data.Write("deactivate", "");
-    EXPECT_TRUE(Ended()) << Said();
-    saver.data.Write("activate", "");
-    ASSERT_TRUE(Shown(1)) << Said();
-    EXPECT_TRUE(KeysBring([this] { return Shows().empty(); })) << Said();
-    saver.data.Write("exit", "");
-    EXPECT_NE(daemon.WaitForExit(), -1);
-    EXPECT_TRUE(Ended());
+    for (const bool lock : {false, true}) {
+        saver.data.Write("config/glib-2.0/settings/keyfile",
+                         "[org/mate/screensaver]\nthemes=['screensavers-tamblor']\nmode='single'\n"
+                         "idle-activation-enabled=false\nlock-enabled=" +
+                             std::string(lock ? "true\n" : "false\n"));
+        StartDaemon({"/usr/bin/dbus-run-session", "--", "/bin/sh", session});
+        if (IsSkipped())
+            return;
+        saver.data.Write("activate", "");
+        ASSERT_TRUE(Shown(1)) << Said();
+        ExpectTheDesktop({10, 630});
+        if (lock) {
+            ExpectAKeyBringsADialogOnTop();
+        } else {
+            saver.data.Write("deactivate", "");
+            EXPECT_TRUE(Ended()) << Said();
+            saver.data.Write("activate", "");
+            ASSERT_TRUE(Shown(1)) << Said();
+            EXPECT_TRUE(KeysBring([this] { return Shows().empty(); })) << Said();
+            saver.data.Write("exit", "");
+        }
+        EXPECT_NE(daemon.WaitForExit(), -1);
+        EXPECT_TRUE(Ended());
+    }
 }
 
 TEST_F(Daemons, XSecureLockShowsItBelowItsDialog) {
@@ -190,14 +213,8 @@ TEST_F(Daemons, XSecureLockShowsItBelowItsDialog) {
         return;
     ASSERT_TRUE(Shown(2)) << "one on each monitor" << Said();
     ExpectTheDesktop({10, 310, 330, 630});
-    // The shows show the desktop, since the clock stands still; what lies above them stays there.
-    const auto isCovered = [this] {
-        return ChannelDistance(display.PixelAt(160, 120), display.DesktopPixel(160, 120)) > 12;
-    };
-    ASSERT_TRUE(KeysBring(isCovered)) << Said();
-    for (int i = 0; i < 10; ++i, usleep(100000))
-        EXPECT_TRUE(isCovered());
-    EXPECT_NE(daemon.End(SIGTERM), -1);
+    ExpectAKeyBringsADialogOnTop();
+    EXPECT_NE(daemon.WaitForExit(), -1);
     EXPECT_TRUE(Ended());
 }
 
