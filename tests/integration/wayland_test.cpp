@@ -179,12 +179,17 @@ TEST_F(Wayland, IdlenessStartsTheShowAndAKeyEndsIt) {
 TEST_F(Wayland, OnTheBackgroundItLeavesTheKeyboardAlone) {
     ASSERT_TRUE(
         compositor.Command("fullscreen disable, floating enable, resize set 60 60, move position 250 10"));
+    ASSERT_TRUE(Eventually([this] { return Changed() > 0; }));
+    usleep(200000); // until the window has its place
+    const ScreenPicture before = compositor.Photograph();
     saver.Start({"--layer", "background"});
-    ASSERT_TRUE(SeeFrames()) << saver.Errors();
+    ASSERT_TRUE(saver.SeeFrames([&] { return Difference(compositor.Photograph(), before) > 500; }))
+        << saver.Errors();
     EXPECT_TRUE(compositor.focused);
     compositor.PressKey(KEY_SPACE);
     saver.SetClock(5000);
-    compositor.MovePointerBy(20, 20);
+    for (const int by : {-400, 100, 20}) // where the pointer comes in is no move
+        compositor.MovePointerBy(by, by);
     ExpectItGoesOn();
     EXPECT_EQ(compositor.typed, std::vector<std::uint32_t>{KEY_SPACE});
     EXPECT_EQ(saver.End(SIGTERM), 0);
