@@ -183,7 +183,7 @@ TEST_F(Wayland, OnTheBackgroundItLeavesTheKeyboardAlone) {
     usleep(200000); // until the window has its place
     const ScreenPicture before = compositor.Photograph();
     saver.Start({"--layer", "background"});
-    ASSERT_TRUE(saver.SeeFrames([&] { return Difference(compositor.Photograph(), before) > 500; }))
+    ASSERT_TRUE(saver.SeeFrames([&] { return Difference(compositor.Photograph(), before) > 20; }))
         << saver.Errors();
     EXPECT_TRUE(compositor.focused);
     compositor.PressKey(KEY_SPACE);
