@@ -11,42 +11,39 @@ namespace {
 
 constexpr std::uint32_t kNoFormat = UINT32_MAX;
 
-Copy* Of(void* data) {
-    return static_cast<Copy*>(data);
-}
-
 constexpr ext_image_copy_capture_session_v1_listener kSessionListener = {
     .buffer_size =
         [](void* data, ext_image_copy_capture_session_v1*, std::uint32_t width, std::uint32_t height) {
-            Of(data)->picture.width = static_cast<int>(width);
-            Of(data)->picture.height = static_cast<int>(height);
-            Of(data)->picture.stride = static_cast<int>(width * 4);
+            CopyOf(data)->picture.width = static_cast<int>(width);
+            CopyOf(data)->picture.height = static_cast<int>(height);
+            CopyOf(data)->picture.stride = static_cast<int>(width * 4);
         },
     .shm_format =
         [](void* data, ext_image_copy_capture_session_v1*, std::uint32_t format) {
-            if (!IsKnownFormat(Of(data)->picture.format))
-                Of(data)->picture.format = format;
+            if (!IsKnownFormat(CopyOf(data)->picture.format))
+                CopyOf(data)->picture.format = format;
         },
     .dmabuf_device = kPassedOver,
     .dmabuf_format = kPassedOver,
-    .done = [](void* data, ext_image_copy_capture_session_v1*) { Of(data)->described = true; },
-    .stopped = [](void* data, ext_image_copy_capture_session_v1*) { Of(data)->failed = true; },
+    .done = [](void* data, ext_image_copy_capture_session_v1*) { CopyOf(data)->described = true; },
+    .stopped = [](void* data, ext_image_copy_capture_session_v1*) { CopyOf(data)->failed = true; },
 };
 
 constexpr ext_image_copy_capture_frame_v1_listener kFrameListener = {
-    .transform = [](void* data, ext_image_copy_capture_frame_v1*,
-                    std::uint32_t transform) { Of(data)->picture.transform = static_cast<int>(transform); },
+    .transform =
+        [](void* data, ext_image_copy_capture_frame_v1*, std::uint32_t transform) {
+            CopyOf(data)->picture.transform = static_cast<int>(transform);
+        },
     .damage = kPassedOver,
     .presentation_time = kPassedOver,
-    .ready = [](void* data, ext_image_copy_capture_frame_v1*) { Of(data)->done = true; },
-    .failed = [](void* data, ext_image_copy_capture_frame_v1*, std::uint32_t) { Of(data)->failed = true; },
+    .ready = [](void* data, ext_image_copy_capture_frame_v1*) { CopyOf(data)->done = true; },
+    .failed = [](void* data, ext_image_copy_capture_frame_v1*,
+                 std::uint32_t) { CopyOf(data)->failed = true; },
 };
 
 } // namespace
 
 std::string CopyByImageCapture(const Output& output, int width, int height, Photograph* photograph) {
-    if (Offers().imageCopies == nullptr || Offers().imageSources == nullptr)
-        return "the compositor has no ext_image_copy_capture_manager_v1";
     Copy copy;
     copy.picture.format = kNoFormat;
     auto* source = ext_output_image_capture_source_manager_v1_create_source(Offers().imageSources, output.id);

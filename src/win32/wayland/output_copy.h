@@ -10,7 +10,7 @@
 
 namespace wayland {
 
-// image_copy_capture.cpp
+// image_copy_capture.cpp; the compositor offers it
 std::string CopyByImageCapture(const Output& output, int width, int height, Photograph* photograph);
 // screencopy.cpp
 std::string CopyByScreencopy(const Output& output, int width, int height, Photograph* photograph);
@@ -20,6 +20,9 @@ struct Copy {
     SharedPicture picture; // all but its bytes
     bool described = false, done = false, failed = false;
 };
+inline Copy* CopyOf(void* listenersData) {
+    return static_cast<Copy*>(listenersData);
+}
 
 // Waits until the copy is described, asks for it in a buffer of that size, and waits for it.
 std::string TakeCopy(Copy* copy, const std::function<void(wl_buffer*)>& ask, int width, int height,

@@ -18,7 +18,7 @@ bool IsStillThere(const Output& output) {
 // By the newer of two protocols; by the older one where the newer is not there, or fails.
 std::string CopyOutput(const Output& output, int width, int height, Photograph* picture) {
     std::string problem;
-    if (Offers().imageCopies != nullptr) {
+    if (Offers().imageCopies != nullptr && Offers().imageSources != nullptr) {
         problem = CopyByImageCapture(output, width, height, picture);
         if (problem.empty())
             return "";

@@ -8,32 +8,28 @@ namespace wayland {
 
 namespace {
 
-Copy* Of(void* data) {
-    return static_cast<Copy*>(data);
-}
-
 constexpr zwlr_screencopy_frame_v1_listener kCopyListener = {
     .buffer =
         [](void* data, zwlr_screencopy_frame_v1* frame, std::uint32_t format, std::uint32_t width,
            std::uint32_t height, std::uint32_t stride) {
-            Of(data)->picture.format = format;
-            Of(data)->picture.width = static_cast<int>(width);
-            Of(data)->picture.height = static_cast<int>(height);
-            Of(data)->picture.stride = static_cast<int>(stride);
+            CopyOf(data)->picture.format = format;
+            CopyOf(data)->picture.width = static_cast<int>(width);
+            CopyOf(data)->picture.height = static_cast<int>(height);
+            CopyOf(data)->picture.stride = static_cast<int>(stride);
             if (zwlr_screencopy_frame_v1_get_version(frame) <
                 ZWLR_SCREENCOPY_FRAME_V1_BUFFER_DONE_SINCE_VERSION)
-                Of(data)->described = true;
+                CopyOf(data)->described = true;
         },
     .flags =
         [](void* data, zwlr_screencopy_frame_v1*, std::uint32_t flags) {
-            Of(data)->picture.upsideDown = (flags & ZWLR_SCREENCOPY_FRAME_V1_FLAGS_Y_INVERT) != 0;
+            CopyOf(data)->picture.upsideDown = (flags & ZWLR_SCREENCOPY_FRAME_V1_FLAGS_Y_INVERT) != 0;
         },
     .ready = [](void* data, zwlr_screencopy_frame_v1*, std::uint32_t, std::uint32_t,
-                std::uint32_t) { Of(data)->done = true; },
-    .failed = [](void* data, zwlr_screencopy_frame_v1*) { Of(data)->failed = true; },
+                std::uint32_t) { CopyOf(data)->done = true; },
+    .failed = [](void* data, zwlr_screencopy_frame_v1*) { CopyOf(data)->failed = true; },
     .damage = kPassedOver,
     .linux_dmabuf = kPassedOver,
-    .buffer_done = [](void* data, zwlr_screencopy_frame_v1*) { Of(data)->described = true; },
+    .buffer_done = [](void* data, zwlr_screencopy_frame_v1*) { CopyOf(data)->described = true; },
 };
 
 } // namespace
