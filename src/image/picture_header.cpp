@@ -174,9 +174,13 @@ bool localTgaHolds(HeaderReader& file, std::int64_t pixels) {
     return file.Good();
 }
 
-// Of 15 or 16 bits whose pixels are not all there, DevIL keeps less memory than it then reads.
+// Of 15 or 16 bits whose pixels are not all there, DevIL keeps less memory than it then reads. From 32768
+// colours on it takes their number for a negative one, and copies 4 GB of them.
 FXPictureSize localTgaSize(HeaderReader& file) {
+    constexpr int kRuns = 8; // of the kinds, without which 1 is the one that has colours
     const FXPictureSize size = {file.Little16(12), file.Little16(14)};
+    if ((file.Byte(2) & ~kRuns) == 1 && file.Little16(5) > SHRT_MAX)
+        return kBroken;
     const int bits = file.Byte(16);
     const bool taken =
         (bits != 15 && bits != 16) || localTgaHolds(file, std::int64_t{size.width} * size.height);

@@ -20,7 +20,8 @@ std::optional<FXPictureSize> fxPictureSize(std::span<const unsigned char> file, 
 int fxPictureType(std::span<const unsigned char> file);
 
 // Whether the codec may see the file: its size is one that so many bytes can make good and that a canvas can
-// hold, and nothing in it is known to make DevIL 1.7.8 hang (a JPEG or PNG that breaks off) or read beyond
-// its memory (a TGA of 15 or 16 bits that breaks off). Codecs believe a header: from 60 bytes they would fill
-// gigabytes. A header of another kind is left to it to refuse.
+// hold, and nothing in it is known to make DevIL 1.7.8 hang (a JPEG or PNG that breaks off), read beyond its
+// memory (a TGA of 15 or 16 bits that breaks off) or fill 4 GB of it (a TGA of more than 32767 colours).
+// Codecs believe a header: from 60 bytes they would fill gigabytes. A header of another kind is left to it to
+// refuse.
 bool fxPictureIsPlausible(std::span<const unsigned char> file, int type);

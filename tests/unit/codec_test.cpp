@@ -127,8 +127,9 @@ TEST_F(Codec, RefusesPicturesThatClaimMoreThanTheirBytesHold) {
         {kPng, png.substr(0, png.size() - 12)},
         {kTga, Tga16(2, 100, false).substr(0, 18 + 399)}, // it would read on behind its memory
         {kTga, Tga16(10, 40, true).substr(0, 18 + 11)},
-        {kGif, forged(kGifFile, 20, "\1")},   // beside the screen
-        {kGif, forged(kGifFile, 19, "\x11")}, // a block of no kind
+        {kTga, forged(Tga(2, 1, {1, 2}), 1, std::string("\1\1\0\0\0\x80", 6))}, // so many colours
+        {kGif, forged(kGifFile, 20, "\1")},                                     // beside the screen
+        {kGif, forged(kGifFile, 19, "\x11")},                                   // a block of no kind
         {kGif, forged(kGifFile, 24, "\xff\x3f\xff\x3f")},
         {kGif, forged(kGifFile, 6, "\xff\x3f\xff\x1f")}}; // a screen around its frame
     FXCanvas canvas;
