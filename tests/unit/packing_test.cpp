@@ -179,6 +179,7 @@ TEST_F(Packing, NamesTheLineOfAMistake) {
         {"m.toml", entry("animation = ['art/leaf.obj']\ntimes = [1, 2]"), "m.toml:4: times has 2"},
         {"m.toml", "[[entry]]\nname = 'a.b'\nraw = 'm.toml'\n[[entry]]\nname = 'a_b'\nraw = 'm.toml'\n",
          "FXNAME_A_B"},
+        {"m.toml", "[[entry]]\nname = 'a\tb'\nraw = 'm.toml'\n", "'a\tb' makes no name that C takes"},
         {"art/up.obj", "v 0 0 0\nusemtl Leaf green\nf 1 1 1\nusemtl Material001\nf 1 1 1\n",
          "do not agree: 1 triangles"},
         {"art/leaf.obj", "v 0 0 0\nv 1 zero 0\n", "leaf.obj:2: v needs 3 numbers"},

@@ -13,6 +13,7 @@
 #include <map>
 #include <random>
 #include <sstream>
+#include <string_view>
 
 namespace fs = std::filesystem;
 
@@ -165,6 +166,23 @@ private:
     std::string& error_;
 };
 
+// What the next line of a header of names defines; "" where that is no identifier: the package makes one of
+// most names, but not of those with a tab, an ampersand or an end of the line in them.
+std::string localNextMacro(std::istream* lines) {
+    constexpr std::string_view kDefine = "#define ";
+    std::string line;
+    std::getline(*lines, line);
+    const std::size_t end = line.find("  ");
+    if (!line.starts_with(kDefine) || end == std::string::npos)
+        return "";
+    const std::string macro = line.substr(kDefine.size(), end - kDefine.size());
+    const auto isTaken = [](unsigned char letter) {
+        return letter >= 0x80 || letter == '_' || (letter >= '0' && letter <= '9') ||
+               (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
+    };
+    return std::ranges::all_of(macro, isTaken) ? macro : "";
+}
+
 } // namespace
 
 bool MakePlan(const Manifest& manifest, Plan* plan, std::string* error) {
@@ -189,8 +207,13 @@ bool NamesHeader(const FXNameServer& names, std::string* text, std::string* erro
     }
     std::map<std::string, const char*> seen;
     std::istringstream lines(*text);
-    std::string define, macro, number;
-    for (int i = 0; lines >> define >> macro >> number; ++i) {
+    for (int i = 0; i < names.names.count; ++i) {
+        const std::string macro = localNextMacro(&lines);
+        if (macro.empty()) {
+            *error = std::string("'") + names.names.Get(i) +
+                     "' makes no name that C takes: give it an id, or another name";
+            return false;
+        }
         const auto [first, isNew] = seen.emplace(macro, names.names.Get(i));
         if (!isNew) {
             *error = std::string("'") + first->second + "' and '" + names.names.Get(i) + "' are both " +

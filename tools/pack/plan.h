@@ -29,5 +29,6 @@ struct Plan {
 // Reads the OBJ and MTL files. False with a line in error that says where.
 bool MakePlan(const Manifest& manifest, Plan* plan, std::string* error);
 
-// The numbers of named entries as a C header. False with a line in error when two names would be one in C.
+// The numbers of named entries as a C header. False with a line in error when a name makes none that C takes,
+// or two make the same.
 bool NamesHeader(const FXNameServer& names, std::string* text, std::string* error);
