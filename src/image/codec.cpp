@@ -8,8 +8,6 @@ FXCodec fxCodec = {};
 
 namespace {
 
-const char* ilName = "DevIL";
-const char* iluName = "ilu";
 HMODULE ilDLL = nullptr;
 HMODULE iluDLL = nullptr;
 
@@ -49,12 +47,12 @@ const EntryPoint kEntryPoints[] = {
 
 bool localLoadImports() {
     trc("loading devil\n");
-    ilDLL = LoadLibraryA(ilName);
+    ilDLL = LoadLibraryA("DevIL");
     if (ilDLL == nullptr) {
         err("failed to load devil.dll\n");
         return false;
     }
-    iluDLL = LoadLibraryA(iluName);
+    iluDLL = LoadLibraryA("ilu");
     if (iluDLL == nullptr) {
         err("failed to load ilu.dll\n");
         FreeLibrary(ilDLL);
@@ -104,9 +102,4 @@ void fxUnloadDevil() {
 
 bool fxDevilLoaded() {
     return iluDLL != nullptr && fxCodec.ilTexImage != nullptr;
-}
-
-void fxSetDevilNames(const char* il, const char* ilu) {
-    ilName = il ? il : "DevIL";
-    iluName = ilu ? ilu : "ilu";
 }

@@ -49,6 +49,3 @@ extern FXCodec fxCodec;
 bool fxLoadDevil();
 void fxUnloadDevil();
 bool fxDevilLoaded();
-
-// For tests of a machine without the codec: other module names; null puts the real ones back.
-void fxSetDevilNames(const char* il, const char* ilu);

@@ -1,8 +1,8 @@
 // A machine whose memory runs out where a test wants it: allocation n of this process fails, of malloc,
-// calloc and realloc as this program's own code calls them, and of new also where the C++ library calls it.
-// The picture codec's own are not counted. For one source file of a program: the linker sends the calls of
-// malloc and its kin from our objects, and from nobody else's, to __wrap_... here (failing_machine.cmake
-// names them); __real_... is what was meant.
+// calloc and realloc as this program's own code calls them, and of new also where the C++ library calls it,
+// but not of the picture codec's own. Calls of that may fail instead. For one source file of a program: the
+// linker sends the calls of malloc and its kin from our objects, and from nobody else's, to __wrap_... here
+// (failing_machine.cmake names them); __real_... is what was meant.
 #pragma once
 
 #include "unit/failing_new.h"
@@ -16,9 +16,10 @@
 inline std::atomic<int> heapLeft = -1; // allocations until one fails; -1: none will
 inline std::atomic<bool> heapGoesOn = false;
 inline std::atomic<bool> heapFailed = false;
+inline bool codecFails = false; // calls of the codec are counted, not allocations
 
-inline bool HeapRefuses() {
-    int left = heapLeft;
+inline bool Refuses(bool isCall = false) {
+    int left = isCall == codecFails ? heapLeft.load() : -1;
     while (left >= 0 && !heapLeft.compare_exchange_weak(left, (left > 0 || !heapGoesOn) ? left - 1 : 0))
         continue; // another thread has taken one
     heapFailed = heapFailed || left == 0;
@@ -31,13 +32,13 @@ void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
 
 void* __wrap_malloc(std::size_t size) {
-    return HeapRefuses() ? nullptr : __real_malloc(size);
+    return Refuses() ? nullptr : __real_malloc(size);
 }
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-    return HeapRefuses() ? nullptr : __real_calloc(count, size);
+    return Refuses() ? nullptr : __real_calloc(count, size);
 }
 void* __wrap_realloc(void* block, std::size_t size) {
-    return HeapRefuses() ? nullptr : __real_realloc(block, size);
+    return Refuses() ? nullptr : __real_realloc(block, size);
 }
 }
 
@@ -45,7 +46,7 @@ void* AnswerToNew(std::size_t size, const void* caller) {
     Dl_info module;
     const bool isCodecs =
         heapLeft >= 0 && dladdr(caller, &module) != 0 && std::strstr(module.dli_fname, "libIL") != nullptr;
-    return !isCodecs && HeapRefuses() ? nullptr : __real_malloc(size);
+    return !isCodecs && Refuses() ? nullptr : __real_malloc(size);
 }
 
 // Attempts the same again and again: allocation 0 fails, then 1, 2, ... until nothing fails; first that one
@@ -53,7 +54,7 @@ void* AnswerToNew(std::size_t size, const void* caller) {
 template <class Attempt, class Check> void FailEachAllocation(Attempt attempt, Check check) {
     for (const bool alsoAllLater : {false, true})
         for (int n = 0; n == 0 || (heapFailed && !testing::Test::HasFailure()); ++n) {
-            SCOPED_TRACE(testing::Message() << "allocation " << n << (alsoAllLater ? " and all later" : ""));
+            SCOPED_TRACE(testing::Message() << "failure at " << n << (alsoAllLater ? " and all later" : ""));
             bool threw = false;
             heapFailed = false;
             heapGoesOn = alsoAllLater;

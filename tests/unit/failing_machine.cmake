@@ -8,7 +8,4 @@ target_link_options(failing_machine_test PRIVATE LINKER:--wrap=malloc,--wrap=cal
 tamb_add_unit_test(failing_show_test
     SOURCES ${CMAKE_CURRENT_LIST_DIR}/failing_show_test.cpp
     LIBS tamb_scene tamb_gl_recorder tamb_fake_gl_window tamb_win32_posix ${CMAKE_DL_LIBS})
-# A sanitizer loads modules in the program's place: only the old kind of path holds there, too.
-target_link_options(failing_show_test PRIVATE LINKER:--wrap=malloc,--wrap=calloc,--wrap=realloc LINKER:--disable-new-dtags)
-set_target_properties(failing_show_test PROPERTIES BUILD_RPATH $<TARGET_FILE_DIR:failing_codec>)
-add_dependencies(failing_show_test failing_codec)
+target_link_options(failing_show_test PRIVATE LINKER:--wrap=malloc,--wrap=calloc,--wrap=realloc,--wrap=GetProcAddress)

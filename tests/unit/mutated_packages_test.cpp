@@ -5,7 +5,6 @@
 #include "image/codec.h"
 #include "unit/how_often.h"
 #include "unit/mutated_package.h"
-#include "unit/small_show.h"
 #include "unit/whole_show.h"
 
 #include <csignal>

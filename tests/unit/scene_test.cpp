@@ -1,7 +1,6 @@
 // The whole show over the recorder: what is drawn in each stage, and when the stages change.
 #include "base/memory.h"
 #include "image/codec.h"
-#include "unit/small_show.h"
 #include "unit/whole_show.h"
 
 #include <chrono>

@@ -3,14 +3,31 @@
 #pragma once
 
 #include "fakes/fake_win32.h"
-#include "fakes/gl_recorder.h"
 #include "host/configuration.h"
 #include "platform/clock.h"
 #include "platform/trace.h"
 #include "scene/show.h"
-#include "unit/temp_folder.h"
+#include "unit/scene_parts.h"
 
 #include <cmath>
+
+// A show of pixels and triangles, with a morph of a second that carries the desktop.
+inline std::vector<TestEntry> SmallShow(const TempFolder& folder) {
+    FXAnim morph;
+    for (int i = 0; i < 3; ++i) {
+        morph.models.Push(NewModel({TriangleAt(static_cast<float>(i * i))}, "Material001"));
+        morph.frameNames.Push("");
+        morph.frameTimes.Push(500);
+    }
+    EXPECT_TRUE(morph.Save(folder.File("morph").c_str()));
+    std::vector<TestEntry> entries;
+    for (const int id : {0, 1, 5, 18, 19, 20, 21, 73, 74})
+        entries.push_back({id, kTga, Tga(1, 1, {0xFFFFFFFFu})});
+    for (const int id : {4, 11, 13, 15, 17})
+        entries.push_back({id, kRaw, TriangleModel(folder)});
+    entries.push_back({72, kRaw, folder.Read("morph")});
+    return entries;
+}
 
 class WholeShow {
 public:
