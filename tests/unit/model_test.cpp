@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
-#include <numeric>
 #include <tuple>
 
 namespace {
@@ -40,40 +39,33 @@ std::string Packed(FXMesh* mesh, FXVectorMap* map, int vertices) {
     return {reinterpret_cast<const char*>(pool.buffer), static_cast<std::size_t>(pool.size)};
 }
 
-// A mesh of different vertices with numbers from `start` on: a corner for each in order, then `tail`.
-std::string PackedFrom(int start, int count, const std::vector<int>& tail) {
-    const auto some = [start](int width) { // nobody's
-        return Ints({width * start}) +
-               Floats(std::vector<float>(static_cast<std::size_t>(width * start), -1));
+// The numbers of a byte: unpacking, below.
+TEST(Packing, TakesTheShortestCode) {
+    constexpr int kStart = 65530, kCount = 10; // of the vertices' numbers
+    const auto nobodys = [](int width) {
+        return Ints({width * kStart}) + Floats(std::vector<float>(std::size_t{kStart} * width, -1));
     };
     FXVectorMap map;
-    Load(&map, some(3) + some(3) + some(2));
+    Load(&map, nobodys(3) + nobodys(3) + nobodys(2));
     std::vector<TestVertex> vertices;
-    for (int i = 0; i < count; ++i) {
+    std::vector<int> indices; // each in order, then these
+    for (int i = 0; i < kCount; ++i) {
         const auto f = static_cast<float>(i);
         vertices.push_back({{f, 1, 2}, {0, f, 1}, {f, f}});
+        indices.push_back(i);
     }
-    std::vector<int> indices(static_cast<std::size_t>(count));
-    std::iota(indices.begin(), indices.end(), 0);
-    for (const int number : tail)
-        indices.push_back(number - start);
+    for (const int number : {65535, 65536, 65535, 65537, 65539, 65530})
+        indices.push_back(number - kStart);
     FXMesh mesh;
     MakeMesh(&mesh, vertices, indices);
-    return Packed(&mesh, &map, count);
-}
-
-TEST(Packing, TakesTheShortestOfFourCodes) {
     const auto thrice = [](char flags, const std::string& number) {
         return flags + number + number + number;
     };
-    const std::string next(1, '\0'), zero(1, '\0');
-    EXPECT_EQ(PackedFrom(0, 301, {17, 300, 255, 256, 300, 0, 1}),
-              std::string(301, '\0') + thrice('\x15', "\x11") + thrice('\x2A', "\x2C\x01") +
-                  thrice('\x15', "\xFF") + next + thrice('\x2A', "\x2C\x01") + thrice('\x15', zero) + next);
-    EXPECT_EQ(PackedFrom(65530, 10, {65535, 65536, 65535, 65537, 65539, 65530}),
-              thrice('\x2A', "\xFA\xFF") + std::string(9, '\0') + thrice('\x2A', "\xFF\xFF") + next +
-                  thrice('\x2A', "\xFF\xFF") + thrice('\x3F', {"\1\0\1\0", 4}) +
-                  thrice('\x3F', {"\3\0\1\0", 4}) + thrice('\x2A', "\xFA\xFF"));
+    const std::string next(1, '\0');
+    EXPECT_EQ(Packed(&mesh, &map, kCount), thrice('\x2A', "\xFA\xFF") + std::string(9, '\0') +
+                                               thrice('\x2A', "\xFF\xFF") + next +
+                                               thrice('\x2A', "\xFF\xFF") + thrice('\x3F', {"\1\0\1\0", 4}) +
+                                               thrice('\x3F', {"\3\0\1\0", 4}) + thrice('\x2A', "\xFA\xFF"));
 }
 
 TEST(Packing, SharesWhatIsEqualAndMakesOneVertexPerTriple) {
@@ -149,22 +141,6 @@ TEST(MeshRecord, ThatIsMalformedGivesAMeshWithoutTriangles) {
     }
 }
 
-TEST(MeshRecord, HeaderKeepsTheExtentsThatWereLoaded) {
-    const TempFolder folder;
-    for (const auto& [extentU, extentV, u, v] :
-         {std::array{1.0f, 0.0f, 1.0f, 0.25f}, {0, 0.75f, 0.5f, 0.75f}}) {
-        FXMaterial material;
-        material.extentU = extentU;
-        material.extentV = extentV;
-        FXMesh mesh;
-        mesh.material = &material;
-        mesh.loadedU = 0.5f;
-        mesh.loadedV = 0.25f;
-        EXPECT_TRUE(mesh.SaveMeshI(fxOpenFile(folder.File("mesh").c_str(), "wb").get()));
-        EXPECT_EQ(folder.Read("mesh"), Header("") + Floats({u, v}) + Ints({0, 0, 0, 0}));
-    }
-}
-
 TEST(MeshNormals, AreTheSumOfTheFacesAroundAVertex) {
     const float half = std::sqrt(0.5f);
     const std::pair<float, std::vector<std::array<float, 3>>> kCases[] = {
@@ -222,6 +198,7 @@ protected:
         model->matlib = device_.gl.LoadMatlibC(&package_, "5");
         model->matlib->materials[0]->extentU = 0.75f;
         model->matlib->materials[0]->extentV = 0.5f;
+        model->matlib->materials[1]->extentU = 1; // and of no height: as it was loaded
         for (const char* name : {"glass", "nowhere", "wood"}) {
             const int i = model->meshes.count;
             const auto f = static_cast<float>(i);
@@ -233,6 +210,7 @@ protected:
             mesh.material = model->matlib->FindMaterial(name);
             mesh.transparent = i;
             mesh.colorMode = i & 1;
+            mesh.loadedU = mesh.loadedV = 0.25f;
         }
     }
     std::string Saved(FXModel* model, int version) {
@@ -271,6 +249,8 @@ TEST_F(Model, GoesThroughBothFormatsInPackageAndFile) {
                             actual.colorMode == expected.colorMode);
             }
             EXPECT_TRUE(model->meshes[0]->loadedU == 0.75f && model->meshes[0]->loadedV == 0.5f);
+            EXPECT_TRUE(model->meshes[2]->loadedU == 1 &&
+                        model->meshes[2]->loadedV == (version == 3 ? 0.25f : 0));
             model->Destroy();
         }
         EXPECT_EQ(written.matlib->refCount, 1);

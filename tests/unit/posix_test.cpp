@@ -17,7 +17,6 @@ protected:
     }
 
     std::string Write(const std::string& place, const std::string& text) const {
-        fs::create_directories(folder.File(place + "/tamblor"));
         return folder.Write(place + "/tamblor/tamblor.conf", text);
     }
     // The configured folder, and the status of reading it.

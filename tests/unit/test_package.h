@@ -61,6 +61,11 @@ inline std::string Tga(int w, int h, const std::vector<std::uint32_t>& pixels) {
     return file;
 }
 
+// What a packed mesh begins with.
+inline std::string MeshRecordHead(int vertices, int corners) {
+    return Header("") + Floats({0, 0}) + Ints({0, 0, vertices, corners});
+}
+
 // A material of the greys 1, 2, 3 and 4, each with an alpha of half more; shininess 42.
 inline std::string MaterialRecord(const std::string& name, const std::string& picture) {
     return Header(name) + Header(picture) +

@@ -174,7 +174,6 @@ double SecondsFor(int frames) {
 TEST_F(Windowing, FramesAreApartOnlyWhereTheUsersSettingsHoldAndTheClockIsNotTurned) {
     const TempFolder folder;
     const std::string name = "tamblor/tamblor.conf";
-    std::filesystem::create_directories(folder.File("tamblor"));
     setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
     unsetenv("TAMBLOR_CLOCK");
     const auto secondsForSix = [&](const std::string& settings) {
@@ -235,10 +234,8 @@ TEST(Battery, IsInUseWhenItDischargesAndNothingElseGivesPower) {
     };
     for (const auto& [files, inUse] : cases) {
         const TempFolder folder;
-        for (const auto& [file, text] : files) {
-            std::filesystem::create_directories(std::filesystem::path(folder.File(file)).parent_path());
+        for (const auto& [file, text] : files)
             folder.Write(file, text + "\n");
-        }
         EXPECT_EQ(IsOnBattery(folder.Path().c_str()), inUse) << testing::PrintToString(files);
     }
     EXPECT_FALSE(IsOnBattery("/none"));
