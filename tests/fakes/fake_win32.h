@@ -34,22 +34,12 @@ struct FakeWin32 {
     std::deque<std::function<void()>> steps;
 
     PIXELFORMATDESCRIPTOR pixelFormat = {}; // the last one asked for
+    FXDesktopPixels desktop = {};           // what the lock of its copy shows
     bool isQuiet = false;                   // nothing is written down
 };
 extern FakeWin32 fakeWin32;
 
-// The desktop's picture, from a buffer of the test's.
-struct FakeDesktop {
-    FXDesktopPixels pixels = {}; // what the lock shows
-    bool copyFails = false;
-    bool lockFails = false;
-
-    std::string calls; // "copy 640x480, lock, unlock, release"
-    bool held = false; // a copy that nobody has given back
-};
-extern FakeDesktop fakeDesktop;
-
-void ResetFakeWin32(); // the desktop, too
+void ResetFakeWin32();
 // The window exists, with the class's procedure, without having been created.
 void AdoptFakeWindow(WNDPROC proc);
 

@@ -7,7 +7,6 @@
 #include <utility>
 
 FakeWin32 fakeWin32;
-FakeDesktop fakeDesktop;
 
 namespace {
 
@@ -25,11 +24,6 @@ unsigned Number(const void* handle) {
 
 bool Lives(HWND window) {
     return windowLives && window == kFakeWindow;
-}
-
-void NoteDesktopCall(const std::string& call) {
-    if (!fakeWin32.isQuiet)
-        fakeDesktop.calls += fakeDesktop.calls.empty() ? call : ", " + call;
 }
 
 template <class T> T FakeHandle(UINT_PTR value, const char* function) {
@@ -57,7 +51,6 @@ std::vector<std::string> TakeFakeCalls() {
 
 void ResetFakeWin32() {
     fakeWin32 = {};
-    fakeDesktop = {};
     classProc = nullptr;
     windowLives = quitPosted = false;
     posted.clear();
@@ -178,23 +171,8 @@ BOOL wglMakeCurrent(HDC dc, HGLRC context) {
 }
 FAKE(BOOL, SwapBuffers, (HDC), TRUE, "SwapBuffers()")
 
-bool fxDesktopCopy(int w, int h) {
-    NoteDesktopCall("copy " + std::to_string(w) + "x" + std::to_string(h));
-    return fakeDesktop.held = !fakeDesktop.copyFails;
-}
-
-bool fxDesktopLock(FXDesktopPixels* pixels) {
-    NoteDesktopCall("lock");
-    *pixels = fakeDesktop.pixels;
-    return !fakeDesktop.lockFails;
-}
-
-void fxDesktopUnlock() {
-    NoteDesktopCall("unlock");
-    fakeDesktop.held = false;
-}
-
-void fxDesktopRelease() {
-    NoteDesktopCall("release");
-    fakeDesktop.held = false;
-}
+FAKE(bool, fxDesktopCopy, (int w, int h), !FakeFails("fxDesktopCopy"), "fxDesktopCopy(%d, %d)", w, h)
+FAKE(bool, fxDesktopLock, (FXDesktopPixels * pixels),
+     (*pixels = fakeWin32.desktop, !FakeFails("fxDesktopLock")), "fxDesktopLock()")
+FAKE(void, fxDesktopUnlock, (), void(), "fxDesktopUnlock()")
+FAKE(void, fxDesktopRelease, (), void(), "fxDesktopRelease()")

@@ -10,28 +10,23 @@
 #include <bit>
 #include <cstdio>
 #include <mutex>
+#include <sstream>
 #include <string_view>
 #include <utility>
 
 namespace {
 
-// The constants that the product uses, and how they are spelt. Below 0x100 the same number has many names;
-// those are given where they are used.
+// The constants that tests look for, and how they are spelt.
 #define CONSTANTS(...)                                                                                       \
     constexpr GLenum kValues[] = {__VA_ARGS__};                                                              \
     constexpr std::string_view kNames = #__VA_ARGS__ ",";
-CONSTANTS(GL_LEQUAL, GL_GREATER, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_FRONT, GL_BACK, GL_FRONT_AND_BACK,
-          GL_CULL_FACE, GL_LIGHTING, GL_LIGHT_MODEL_AMBIENT, GL_COLOR_MATERIAL, GL_DEPTH_TEST, GL_NORMALIZE,
-          GL_ALPHA_TEST, GL_BLEND, GL_PERSPECTIVE_CORRECTION_HINT, GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T,
-          GL_UNPACK_ALIGNMENT, GL_TEXTURE_2D, GL_NICEST, GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_POSITION,
+CONSTANTS(GL_LEQUAL, GL_GREATER, GL_FRONT_AND_BACK, GL_LIGHTING, GL_COLOR_MATERIAL, GL_DEPTH_TEST,
+          GL_NORMALIZE, GL_UNPACK_ALIGNMENT, GL_TEXTURE_2D, GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_POSITION,
           GL_SPOT_DIRECTION, GL_SPOT_EXPONENT, GL_SPOT_CUTOFF, GL_CONSTANT_ATTENUATION, GL_LINEAR_ATTENUATION,
           GL_QUADRATIC_ATTENUATION, GL_UNSIGNED_BYTE, GL_EMISSION, GL_SHININESS, GL_AMBIENT_AND_DIFFUSE,
-          GL_MODELVIEW, GL_PROJECTION, GL_RGBA, GL_FILL, GL_SMOOTH, GL_S, GL_T, GL_MODULATE,
-          GL_TEXTURE_ENV_MODE, GL_TEXTURE_ENV, GL_SPHERE_MAP, GL_TEXTURE_GEN_MODE, GL_LINEAR,
-          GL_LINEAR_MIPMAP_LINEAR, GL_TEXTURE_MAG_FILTER, GL_TEXTURE_MIN_FILTER, GL_TEXTURE_WRAP_S,
-          GL_TEXTURE_WRAP_T, GL_LIGHT0, GL_LIGHT1, GL_LIGHT2, GL_LIGHT3, GL_LIGHT4, GL_LIGHT5, GL_LIGHT6,
-          GL_LIGHT7, GL_CLAMP_TO_EDGE, GL_LIGHT_MODEL_COLOR_CONTROL, GL_SINGLE_COLOR,
-          GL_SEPARATE_SPECULAR_COLOR, GL_TEXTURE0, GL_TEXTURE1)
+          GL_RGBA, GL_LINEAR, GL_LINEAR_MIPMAP_LINEAR, GL_TEXTURE_MAG_FILTER, GL_TEXTURE_MIN_FILTER,
+          GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_LIGHT0, GL_LIGHT1, GL_LIGHT2, GL_LIGHT3, GL_LIGHT4,
+          GL_LIGHT5, GL_LIGHT6, GL_LIGHT7, GL_CLAMP_TO_EDGE, GL_TEXTURE0, GL_TEXTURE1)
 #undef CONSTANTS
 
 std::recursive_mutex mutex; // of the three below
@@ -41,15 +36,6 @@ GLuint lastTexture = 0;
 
 std::atomic<bool> nullMode = false;
 GLRecorder::Driver driver;
-
-std::string Text(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", value);
-    return text;
-}
-std::string Text(std::string text) {
-    return text;
-}
 
 // The forms that an argument takes in the list; a plain number writes itself.
 std::string Name(GLenum wanted) {
@@ -70,10 +56,10 @@ std::string Mask(GLbitfield bits) {
     return text.empty() ? "0" : text.substr(1);
 }
 std::string Floats(const GLfloat* values, int count) {
-    std::string text = Text(static_cast<double>(values[0]));
-    for (int i = 1; i < count; ++i)
-        text += "," + Text(static_cast<double>(values[i]));
-    return text;
+    std::ostringstream text;
+    for (int i = 0; i < count; ++i)
+        text << (i > 0 ? "," : "") << values[i];
+    return text.str();
 }
 std::string Pixels(const void* bytes, GLsizei width, GLsizei height) {
     const auto* first = static_cast<const unsigned char*>(bytes);
@@ -87,11 +73,12 @@ std::string Pixels(const void* bytes, GLsizei width, GLsizei height) {
 template <class... Arguments> void Note(const char* function, const Arguments&... arguments) {
     if (nullMode)
         return;
-    std::string call;
-    ((call += "," + Text(arguments)), ...);
-    call = std::string(function) + "(" + call.substr(call.empty() ? 0 : 1) + ")";
+    std::ostringstream call;
+    [[maybe_unused]] const char* between = "";
+    call << function << "(";
+    ((call << std::exchange(between, ",") << arguments), ...);
     const std::lock_guard lock(mutex);
-    calls.push_back(std::move(call));
+    calls.push_back(call.str() + ")");
 }
 
 // The parameters of lights, materials and light models are colours, but for these.
@@ -142,6 +129,7 @@ void GLRecorder::Reset() {
     calls.clear();
     liveTextures = 0;
     lastTexture = 0;
+    nullMode = false;
     driver = {};
 }
 
@@ -157,8 +145,8 @@ PROC wglGetProcAddress(const char* name) {
 extern "C" {
 
 const GLubyte* GLAPIENTRY glGetString(GLenum name) {
-    const char* text = name == GL_VENDOR       ? driver.vendor
-                       : name == GL_RENDERER   ? driver.renderer
+    const char* text = name == GL_VENDOR       ? "the vendor"
+                       : name == GL_RENDERER   ? "the renderer"
                        : name == GL_VERSION    ? driver.version
                        : name == GL_EXTENSIONS ? driver.extensions
                                                : nullptr;

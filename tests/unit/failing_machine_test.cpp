@@ -19,10 +19,7 @@ protected:
         fxLoadDevil();
         GLRecorder::SetNullMode(true); // its list of calls takes memory, which is not the product's
     }
-    ~FailingMachine() override {
-        GLRecorder::SetNullMode(false);
-        fxUnloadDevil();
-    }
+    ~FailingMachine() override { fxUnloadDevil(); }
 
     // Entry 5 is a library of two materials, 7 their picture, 8 a model of three meshes, 3 what is given.
     void LoadPackage(const std::string& bytes = "") {

@@ -1,18 +1,32 @@
-// The device, and textures, materials and meshes on it, call by call.
+// The device, and textures, materials and meshes on it, call by call; the modules of the codec, and the
+// desktop.
 #include "fakes/fake_win32.h"
 #include "image/canvas.h"
+#include "image/codec.h"
+#include "image/desktop_shot.h"
 #include "image/light.h"
+#include "platform/trace.h"
 #include "render/gl.h"
 #include "unit/recorded_device.h"
+#include "unit/temp_folder.h"
 #include "unit/test_mesh.h"
-#include "unit/trace_lines.h"
 
 #include <algorithm>
-#include <cstring>
+#include <sstream>
 
 namespace {
 
 using Calls = std::vector<std::string>;
+
+// A trace without threads and times, e.g. {"loading devil", "#ERROR: failed"}.
+std::vector<std::string> TraceLines(const std::string& trace) {
+    std::vector<std::string> lines;
+    std::istringstream log(trace);
+    for (std::string line; std::getline(log, line);)
+        if (const std::size_t text = line.find("] "); text != std::string::npos)
+            lines.push_back((line.starts_with("#ERROR: ") ? "#ERROR: " : "") + line.substr(text + 2));
+    return lines;
+}
 
 class Device : public testing::Test {
 protected:
@@ -30,34 +44,20 @@ protected:
     FXGL gl_;
 };
 
-TEST_F(Device, SetsUpTheFixedState) {
-    const std::string state =
-        "glViewport(0,0,152,112) glMatrixMode(GL_PROJECTION) glLoadIdentity() glOrtho(-1,1,-1,1,2,-2) "
-        "glMatrixMode(GL_MODELVIEW) glLoadIdentity() glClearColor(0,0,0,0) glClearDepth(2) glClearStencil(0) "
-        "glShadeModel(GL_SMOOTH) glHint(GL_PERSPECTIVE_CORRECTION_HINT,GL_NICEST) glDisable(GL_CULL_FACE) "
-        "glPolygonMode(GL_FRONT_AND_BACK,GL_FILL) glEnable(GL_DEPTH_TEST) glDepthFunc(GL_LEQUAL) "
-        "glEnable(GL_ALPHA_TEST) glAlphaFunc(GL_GREATER,0.00784314) glEnable(GL_BLEND) "
-        "glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA) "
-        "glTexEnvf(GL_TEXTURE_ENV,GL_TEXTURE_ENV_MODE,GL_MODULATE) glDisable(GL_LIGHTING) "
-        "glDisable(GL_NORMALIZE) glLightModelfv(GL_LIGHT_MODEL_AMBIENT,0,0,0,0)";
+// What is seen of the state is for the pictures (tests/picture).
+TEST_F(Device, SetsUpTheWindowAndTheFixedState) {
     fakeWin32.clientArea = {10, 20, 162, 132};
     EXPECT_TRUE(gl_.CreateChild(kFakeWindow));
-    EXPECT_EQ(GLRecorder::TakeText(), state);
+    const Calls calls = GLRecorder::Take();
+    for (const char* call : {"glViewport(0,0,152,112)", "glOrtho(-1,1,-1,1,2,-2)", "glDepthFunc(GL_LEQUAL)",
+                             "glAlphaFunc(GL_GREATER,0.00784314)"})
+        EXPECT_EQ(std::ranges::count(calls, call), 1) << call;
     EXPECT_EQ(TakeFakeCalls(), (Calls{"wglMakeCurrent(off)", "SetPixelFormat(7)", "wglMakeCurrent(on)",
                                       "wglMakeCurrent(off)"}));
     EXPECT_TRUE(gl_.width == 152 && gl_.height == 112 && gl_.screenWidth == 1280 && gl_.screenHeight == 1024);
-    PIXELFORMATDESCRIPTOR format = {};
-    format.nSize = 40;
-    format.nVersion = 1;
-    format.dwFlags = 0x25;
-    format.cColorBits = 24;
-    format.cDepthBits = format.cStencilBits = 16;
-    EXPECT_EQ(std::memcmp(&format, &fakeWin32.pixelFormat, sizeof format), 0);
-
-    GLRecorder::SetDriver({.extensions = "GL_EXT_separate_specular_color"});
-    gl_.InitExtensions();
-    gl_.ClrParams();
-    EXPECT_EQ(GLRecorder::TakeText(), state + " glLightModeli(GL_LIGHT_MODEL_COLOR_CONTROL,GL_SINGLE_COLOR)");
+    const PIXELFORMATDESCRIPTOR& wanted = fakeWin32.pixelFormat;
+    EXPECT_TRUE((wanted.dwFlags & PFD_DOUBLEBUFFER) != 0 && wanted.cDepthBits == 16 &&
+                wanted.cStencilBits == 16);
 }
 
 TEST_F(Device, GivesBackWhatItGotAndMakesNoTextureOnceItsWindowHasGone) {
@@ -94,12 +94,13 @@ TEST_F(Device, KnowsWhatTheDriverOffers) {
                    {"EXT_separate_specular_color", "ARB_texture_cube_map", "ARB_texture_non_power_of_two"},
                    false}};
     for (const auto& c : kCases) {
-        const TraceLines trace(folder);
+        fxOpenTraces(folder.File("trace").c_str());
         GLRecorder::SetDriver({.version = nullptr, .extensions = c.extensions});
         EXPECT_EQ(Create(), c.creates);
+        fxCloseTraces();
         Calls lines = {"OpenGL info:", "vendor: the vendor", "renderer: the renderer", "version: (null)"};
         lines.insert(lines.end(), c.found.begin(), c.found.end());
-        EXPECT_EQ(trace.Lines(), lines);
+        EXPECT_EQ(TraceLines(folder.Read("trace")), lines);
         EXPECT_EQ(gl_.hasSeparateSpecular, std::ranges::count(c.found, "EXT_separate_specular_color") > 0);
         EXPECT_EQ(gl_.hasMultitexture, std::ranges::count(c.found, "ARB_multitexture") > 0);
         EXPECT_EQ(fxMultitexture.glActiveTexture != nullptr, gl_.hasMultitexture);
@@ -286,6 +287,58 @@ TEST_F(MeshDrawing, OfTwoLayersNeedsRoomAndMultitexture) {
     gl_.CreateChild(kFakeWindow);
     GLRecorder::Take();
     expect(3, false);
+}
+
+TEST(ScriptedCodec, ThatIsNotAllThereIsTracedAndGivenBack) {
+    static int shutDowns = 0;
+    ResetFakeWin32();
+    fakeWin32.modules["ilu"] = {};
+    // Some of the entry points; it bears to be shut down, ilInit is not called.
+    for (const char* name : {"ilInit", "ilShutDown", "ilEnable", "ilDisable", "ilSetInteger"})
+        fakeWin32.modules["DevIL"][name] = FakeEntry(+[] { ++shutDowns; });
+    const TempFolder folder;
+    fxOpenTraces(folder.File("trace").c_str());
+    EXPECT_FALSE(fxLoadDevil() || fxDevilLoaded());
+    fxCloseTraces();
+    EXPECT_EQ(TakeFakeCalls(), (Calls{"LoadLibraryA(DevIL)", "LoadLibraryA(ilu)", "FreeLibrary(module)",
+                                      "FreeLibrary(module)"}));
+    EXPECT_EQ(TraceLines(folder.Read("trace")),
+              (Calls{"loading devil", "#ERROR: failed to load devil libraries", "unload devil"}));
+    EXPECT_EQ(shutDowns, 1);
+    EXPECT_FALSE(FXCanvas().CreateFromPict(folder.Write("a", "picture").c_str()));
+}
+
+// A desktop of 200 x 150 pixels of which (x, y) is blue x, green y, red 0x30.
+TEST(Desktop, IsPhotographedWhateverThePitchAndTheScreensSizeWithABlackMargin) {
+    constexpr unsigned kWidth = 200, kHeight = 150;
+    for (const auto& [padding, screen] : {std::pair{0u, 200u}, {12, 200}, {0, 100}, {0, 250}}) {
+        const unsigned pitch = 4 * kWidth + padding;
+        std::vector<unsigned char> bytes(pitch * (kHeight - 1) + 4 * kWidth); // the last row ends the block
+        for (unsigned i = 0; i < kWidth * kHeight; ++i) {
+            unsigned char* pixel = &bytes[i / kWidth * pitch + 4 * (i % kWidth)];
+            pixel[0] = static_cast<unsigned char>(i % kWidth);
+            pixel[1] = static_cast<unsigned char>(i / kWidth);
+            pixel[2] = 0x30;
+        }
+        ResetFakeWin32();
+        fakeWin32.desktop = {bytes.data(), static_cast<int>(pitch), kWidth, kHeight};
+        fakeWin32.screenWidth = static_cast<int>(screen);
+        fakeWin32.screenHeight = kHeight;
+        FXScrShot shot;
+        ASSERT_TRUE(shot.Update() && shot.opaque);
+        EXPECT_EQ(TakeFakeCalls(), (Calls{"fxDesktopCopy(" + std::to_string(screen) + ", 150)",
+                                          "fxDesktopLock()", "fxDesktopUnlock()"}));
+        for (unsigned i = 0; i < static_cast<unsigned>(shot.width) * kHeight; ++i) {
+            const unsigned x = i % static_cast<unsigned>(shot.width),
+                           y = i / static_cast<unsigned>(shot.width);
+            const std::uint32_t shown = x < std::min(kWidth, screen) ? 0x30u | y << 8 | x << 16 : 0;
+            ASSERT_EQ(shot.pixels[i], 0xFF000000u | shown) << x << "," << y;
+        }
+        fakeWin32.failing = {"fxDesktopLock"};
+        EXPECT_FALSE(shot.Update());
+        EXPECT_EQ(TakeFakeCalls().back(), "fxDesktopRelease()")
+            << "a copy that cannot be locked is given back";
+    }
 }
 
 } // namespace

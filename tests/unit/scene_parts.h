@@ -34,9 +34,8 @@ inline FXModel* NewModel(const std::vector<std::vector<TestVertex>>& triangles, 
 }
 
 // A model of one triangle, as it stands in a package.
-inline std::string TriangleModel(const TempFolder& folder, const char* material = "",
-                                 const char* library = "") {
-    const std::unique_ptr<FXModel> model(NewModel({TriangleAt(0)}, material, library));
+inline std::string TriangleModel(const TempFolder& folder) {
+    const std::unique_ptr<FXModel> model(NewModel({TriangleAt(0)}));
     EXPECT_TRUE(model->Save_v02(fxOpenFile(folder.File("model").c_str(), "wb").get()));
     return folder.Read("model");
 }

@@ -66,7 +66,6 @@ TEST(Threads, TheLoopIsStartedAndStoppedAtAnyMoment) {
         ASSERT_EQ(other.drawn, other.frames);
         TakeFakeCalls();
     }
-    GLRecorder::SetNullMode(false);
 }
 
 TEST(Threads, TheDecoderIsStartedAndStoppedAtAnyMoment) {

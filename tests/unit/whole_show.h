@@ -37,7 +37,7 @@ public:
         GLRecorder::Reset();
         GLRecorder::SetNullMode(isQuiet);
         fakeWin32.isQuiet = isQuiet;
-        fakeDesktop.pixels = {kDesktop, 4, 1, 1};
+        fakeWin32.desktop = {kDesktop, 4, 1, 1};
         fakeWin32.screenWidth = fakeWin32.screenHeight = 1;
         fxSetTickSource([] { return ticks_; });
         std::snprintf(orinPath, sizeof orinPath, "%s", folder.Path().c_str());
@@ -46,7 +46,6 @@ public:
         TakeDown();
         fxSetTickSource(nullptr);
         orinPath[0] = '\0';
-        GLRecorder::SetNullMode(false);
         ResetFakeWin32();
         std::filesystem::current_path(before_);
     }
