@@ -65,8 +65,6 @@ TEST(Str, IsEditedInPlaceUpTo1023Characters) {
         EXPECT_EQ(FXStr(text).Compare(s), same) << text;
         EXPECT_EQ(FXStr(text).iCompare(s), sameIgnoringCase) << text;
     }
-    EXPECT_TRUE(FXStr("pck01s").nCompare("pck01", 5));
-    EXPECT_FALSE(FXStr("pck0").nCompare("pck01", 5));
 }
 
 TEST(Str, RecordsWithWrongLengthsStayInside) {
@@ -76,7 +74,6 @@ TEST(Str, RecordsWithWrongLengthsStayInside) {
     const std::tuple<std::string, std::string, bool, int> cases[] = {
         {Ints({2000}) + tooLong + "7", tooLong.substr(0, 1023), true, '7'},
         {Ints({5}) + "ab", "ab", false, EOF},
-        {"\2", "", false, EOF},
     };
     for (const auto& [bytes, text, loaded, next] : cases) {
         const FXFile file = fxOpenFile(folder.Write("record", bytes).c_str(), "rb");
@@ -93,7 +90,6 @@ TEST(PathText, CombinesPaths) {
     const std::tuple<const char*, const char*, std::string> cases[] = {
         {"/a", "b/c.png", "/a/b/c.png"},
         {"C:\\a", "..\\..\\..\\b", "C:\\b"},
-        {"C:\\a", "D:\\b/.\\c", "D:\\b\\c"},
         {"\\\\server\\a", "../b", "\\\\server\\b"},
         {"/a", most.c_str(), ""}, // 260 characters
         {"a", most.c_str(), "a\\" + most},

@@ -140,41 +140,29 @@ TEST(Paths, EndWithTheSeparatorTheyUse) {
 
 const std::string kLine = std::string(48, '-') + "\n";
 
-class Trace : public testing::Test {
-protected:
-    Trace() {
-        fxSetTickSource([] { return 40000001u; }); // a millisecond that single precision cannot hold
-    }
-    ~Trace() override {
-        fxCloseTraces();
-        fxSetTickSource(nullptr);
-    }
-
-    TempFolder folder_;
-    std::string name_ = folder_.File("tamb.log");
-    std::string banner_ = kLine + " fxOpenTraces (filename:" + name_ + ")\n" + kLine + "\n";
-};
-
-TEST_F(Trace, WritesEachEntryAtOnceIntoTheFirstFileUntilItIsClosed) {
+TEST(Trace, WritesEachEntryAtOnceIntoTheFirstFileUntilItIsClosed) {
+    const TempFolder folder;
+    fxSetTickSource([] { return 40000001u; }); // a millisecond that single precision cannot hold
     err("nobody hears %d\n", 1);
-    EXPECT_FALSE(fxOpenTraces(folder_.File("no/such/folder").c_str()));
-    EXPECT_FALSE(fxTracesOpened());
-    folder_.Write("tamb.log", "an old trace");
-    ASSERT_TRUE(fxOpenTraces(name_.c_str()));
+    EXPECT_FALSE(fxOpenTraces(folder.File("no/such/folder").c_str()) || fxTracesOpened());
+    const std::string name = folder.Write("tamb.log", "an old trace");
+    ASSERT_TRUE(fxOpenTraces(name.c_str()));
     trc("started %s\n", "well");
     err("%s", std::string(5000, 'b').c_str());
     char prefix[64];
     std::snprintf(prefix, sizeof prefix, "%08x: [40000.000] ", static_cast<unsigned>(GetCurrentThreadId()));
-    std::string whole = banner_ + prefix + "started well\n#ERROR: " + prefix + std::string(4096, 'b');
-    EXPECT_EQ(folder_.Read("tamb.log"), whole);
+    std::string whole = kLine + " fxOpenTraces (filename:" + name + ")\n" + kLine + "\n" + prefix +
+                        "started well\n#ERROR: " + prefix + std::string(4096, 'b');
+    EXPECT_EQ(folder.Read("tamb.log"), whole);
     EXPECT_FALSE(fxOpenTraces("other.log"));
     whole += kLine + "fxOpenTraces - attempt to open another traces\n               (filename:other.log)\n" +
              kLine + "\n";
-    EXPECT_EQ(folder_.Read("tamb.log"), whole);
+    EXPECT_EQ(folder.Read("tamb.log"), whole);
     fxCloseTraces();
     EXPECT_FALSE(fxTracesOpened());
     trc("nobody hears\n");
-    EXPECT_EQ(folder_.Read("tamb.log"), whole + "\n" + kLine + " end of traces\n" + kLine + "\n");
+    EXPECT_EQ(folder.Read("tamb.log"), whole + "\n" + kLine + " end of traces\n" + kLine + "\n");
+    fxSetTickSource(nullptr);
 }
 
 } // namespace
