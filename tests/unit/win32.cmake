@@ -1,7 +1,6 @@
 tamb_add_unit_test(posix_test SOURCES posix_test.cpp LIBS tamb_win32_posix)
 target_compile_definitions(posix_test PRIVATE TAMBLOR_INSTALLED_SHARE="${CMAKE_INSTALL_FULL_DATADIR}")
 tamb_add_unit_test(windowing_test SOURCES windowing_test.cpp LIBS tamb_win32_windowing tamb_win32_posix)
-tamb_add_unit_test(shared_picture_test SOURCES shared_picture_test.cpp LIBS tamb_win32_wayland tamb_win32_windowing tamb_win32_posix)
 tamb_add_unit_test(confinement_test SOURCES confinement_test.cpp LIBS tamb_win32_confinement)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(WAYLAND_SERVER REQUIRED IMPORTED_TARGET wayland-server)
