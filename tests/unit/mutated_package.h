@@ -77,16 +77,13 @@ private:
         }
     }
     void ChangeFile(std::string& file, std::size_t tables) {
-        switch (Pick(8)) {
-        case 0:
-            return FlipBits(file, 16);
-        case 1:
-            return file.resize(Pick(file.size()));
-        case 2:
-            return PutEdge(file, Pick(tables));
-        default:
-            return;
-        }
+        const std::size_t way = Pick(8);
+        if (way == 0)
+            FlipBits(file, 16);
+        else if (way == 1)
+            file.resize(Pick(file.size()));
+        else if (way == 2)
+            PutEdge(file, Pick(tables));
     }
 
     std::mt19937 random_;
