@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <memory>
-#include <optional>
 #include <systemd/sd-bus.h>
 #include <thread>
 
@@ -38,34 +37,23 @@ public:
         return connected ? std::move(client) : nullptr;
     }
     void Kill() { daemon_.Kill(); }
+    void Stop() { daemon_.Signal(SIGSTOP); } // who connects is not answered
 
 private:
     TempFolder folder_;
     Program daemon_;
 };
 
-// Answers what comes on a connection, on a thread of its own, until this goes.
-class BusThread {
-public:
-    explicit BusThread(sd_bus* bus)
-        : thread_([this, bus] {
-              while (!ended_) {
-                  while (sd_bus_process(bus, nullptr) > 0) {
-                  }
-                  sd_bus_wait(bus, 10000); // microseconds
-              }
-          }) {}
-    ~BusThread() {
-        ended_ = true;
-        thread_.join();
-    }
-    BusThread(const BusThread&) = delete;
-    BusThread& operator=(const BusThread&) = delete;
-
-private:
-    std::atomic<bool> ended_ = false;
-    std::thread thread_;
-};
+// A thread that answers what comes on a connection, until it goes.
+inline std::jthread AnswerOn(sd_bus* bus) {
+    return std::jthread([bus](const std::stop_token& ended) {
+        while (!ended.stop_requested()) {
+            while (sd_bus_process(bus, nullptr) > 0) {
+            }
+            sd_bus_wait(bus, 10000); // microseconds
+        }
+    });
+}
 
 // What the saver asks of the login manager.
 class FakeLogin {
@@ -73,7 +61,7 @@ public:
     explicit FakeLogin(const PrivateBus& bus) : bus_(bus.Connect()) {
         sd_bus_add_filter(bus_.get(), nullptr, Answer, this);
         sd_bus_request_name(bus_.get(), "org.freedesktop.login1", 0);
-        thread_.emplace(bus_.get());
+        thread_ = AnswerOn(bus_.get());
     }
 
     std::atomic<const char*> blocks = "sleep:shutdown"; // what programs have asked it not to do
@@ -111,7 +99,7 @@ private:
     }
 
     BusClient bus_;
-    std::optional<BusThread> thread_;
+    std::jthread thread_;
 };
 
 // The cookie; 0 when it is refused.
