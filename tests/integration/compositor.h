@@ -102,11 +102,7 @@ public:
         });
     }
     bool WaitForBlack(int number) {
-        return Eventually([&] {
-            const ScreenPicture picture = Photograph(number);
-            return std::ranges::count(picture.pixels, 0u) ==
-                   At(number).output.width * At(number).output.height;
-        });
+        return Eventually([&] { return Photograph(number).IsBlack(); });
     }
 
     bool Command(const std::string& command) { // as the user says it to sway
@@ -188,7 +184,6 @@ private:
         if (!Eventually([this] { return !Pump() || std::ssize(outputs_) >= Count(); }) ||
             std::ssize(outputs_) != Count() || keyboards_ == nullptr || pointers_ == nullptr)
             return false;
-        wl_seat_add_listener(seat_, &kSeat, this);
         keyboard_ = Keep(zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(keyboards_, seat_));
         constexpr char kKeymap[] =
             "xkb_keymap { xkb_keycodes { include \"evdev\" }; xkb_types { include \"complete\" }; "
@@ -197,6 +192,7 @@ private:
         zwp_virtual_keyboard_v1_keymap(keyboard_, WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1, file, sizeof kKeymap);
         close(file);
         pointer_ = Keep(zwlr_virtual_pointer_manager_v1_create_virtual_pointer(pointers_, seat_));
+        wl_keyboard_add_listener(Keep(wl_seat_get_keyboard(seat_)), &kKeyboard, this); // there is one now
         for (std::size_t i = 0; i < outputs_.size(); ++i)
             Show(&desktops_[i], outputs_[i]);
         return Pump();
@@ -254,11 +250,6 @@ private:
             Self(self).outputs_.push_back(output);
     }
     static constexpr wl_registry_listener kRegistry = {OnGlobal, [](void*, wl_registry*, std::uint32_t) {}};
-    static void OnCapabilities(void* self, wl_seat* seat, std::uint32_t capabilities) {
-        if ((capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0 && !std::exchange(Self(self).listens_, true))
-            wl_keyboard_add_listener(Self(self).Keep(wl_seat_get_keyboard(seat)), &kKeyboard, self);
-    }
-    static constexpr wl_seat_listener kSeat = {OnCapabilities, nullptr};
     static constexpr wl_keyboard_listener kKeyboard = {
         [](void*, wl_keyboard*, std::uint32_t, int file, std::uint32_t) { close(file); },
         [](void* self, wl_keyboard*, std::uint32_t, wl_surface*, wl_array*) { Self(self).focused = true; },
@@ -283,16 +274,14 @@ private:
     zwlr_virtual_pointer_manager_v1* pointers_ = nullptr;
     zwp_virtual_keyboard_v1* keyboard_ = nullptr;
     zwlr_virtual_pointer_v1* pointer_ = nullptr;
-    bool listens_ = false;
     std::uint32_t time_ = 0;
 };
 
 // A saver, plain or of another kind, and a compositor.
 template <class Saver> class WaylandShowOf : public testing::Test {
 protected:
-    explicit WaylandShowOf(
-        const std::vector<Compositor::Output>& outputs = std::vector<Compositor::Output>(1),
-        const std::string& settings = "xwayland disable")
+    explicit WaylandShowOf(const std::vector<Compositor::Output>& outputs = {{}},
+                           const std::string& settings = "xwayland disable")
         : compositor(outputs, settings) {
         compositor.server.Offer(&saver.environment);
     }

@@ -26,7 +26,7 @@ struct ScreenPicture {
     int width = 0;
     std::vector<std::uint32_t> pixels;
 
-    bool operator==(const ScreenPicture&) const = default;
+    bool IsBlack() const { return !pixels.empty() && std::ranges::count(pixels, 0u) == std::ssize(pixels); }
     std::uint32_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
 };
 
@@ -52,11 +52,24 @@ inline ScreenPicture DesktopPicture(int width, int height) {
     return picture;
 }
 
+// A picture comes to show a part of a desktop, stretched, which blurs its fine pattern.
+inline bool ShowsStretched(const ScreenPicture& picture, const Area& part, int width, int height) {
+    constexpr int kTolerance = 45, kSteps = 16;
+    const int rows = static_cast<int>(picture.pixels.size()) / std::max(picture.width, 1);
+    bool same = rows > 0;
+    for (int i = 0; same && i < kSteps * kSteps; ++i) {
+        const auto at = [](int step, int size) { return (2 * step + 1) * size / (2 * kSteps); };
+        const int column = i % kSteps, row = i / kSteps;
+        same = ChannelDistance(picture.At(at(column, picture.width), at(row, rows)),
+                               DesktopColour(part.x + at(column, part.width), part.y + at(row, part.height),
+                                             width, height)) <= kTolerance;
+    }
+    return same;
+}
+
 // As X tools write the number of a window.
 inline std::string Hexadecimal(Window window) {
-    char text[32];
-    std::snprintf(text, sizeof text, "0x%lX", window);
-    return text;
+    return (testing::Message() << "0x" << std::hex << window).GetString();
 }
 
 // How many pixels are of another colour, rounding apart; all of them in a picture of another size.
@@ -88,7 +101,11 @@ public:
             return;
         XSetErrorHandler([](Display*, XErrorEvent*) { return 0; }); // windows come and go under the queries
         MovePointer(width / 3, height / 3);
-        PaintDesktop();
+        const Pixmap pixmap = MakePixmap(DesktopPicture(width, height));
+        XSetWindowBackgroundPixmap(connection, Root(), pixmap);
+        XFreePixmap(connection, pixmap);
+        XClearWindow(connection, Root());
+        Sync();
     }
     ~VirtualDisplay() { Kill(); }
     VirtualDisplay(const VirtualDisplay&) = delete;
@@ -126,16 +143,13 @@ public:
             [&] { return (ChannelDistance(PixelAt(left, top), colour) <= tolerance) != differ; });
     }
     bool WaitForBlack(const Area& area) const {
-        return Eventually([&] {
-            const std::vector<std::uint32_t> pixels = Photograph(Root(), area).pixels;
-            return std::ranges::count(pixels, 0u) == std::ssize(pixels);
-        });
+        return Eventually([&] { return Photograph(Root(), area).IsBlack(); });
     }
     bool CursorIsHidden() const {
         XFixesCursorImage* cursor = XFixesGetCursorImage(connection);
-        bool hidden = true;
-        for (int i = 0; cursor != nullptr && i < cursor->width * cursor->height; ++i)
-            hidden = hidden && (cursor->pixels[i] >> 24 & 255u) == 0;
+        const auto isClear = [](unsigned long pixel) { return (pixel >> 24 & 255u) == 0; };
+        const bool hidden =
+            std::all_of(cursor->pixels, cursor->pixels + cursor->width * cursor->height, isClear);
         XFree(cursor);
         return hidden;
     }
@@ -143,8 +157,7 @@ public:
         return Eventually([this] { return CursorIsHidden(); });
     }
 
-    // Visible windows on the screen or within another one, the lowest first; as it is, without those of a
-    // single pixel that are there for messages.
+    // Visible windows on the screen or within another one, the lowest first; none of a pixel, for messages.
     std::vector<Window> VisibleWindows(Window within = None, int narrowest = 2) const {
         Window root = 0, parent = 0, *children = nullptr;
         unsigned count = 0;
@@ -164,14 +177,12 @@ public:
     }
     // A visible window of that size on the screen or in a window there; 0 when there is none.
     Window WindowOfSize(int wantedWidth, int wantedHeight) const {
-        for (const Window outer : VisibleWindows(None, 1)) {
-            std::vector<Window> windows = VisibleWindows(outer, 1);
-            windows.push_back(outer);
-            for (const Window window : windows) {
-                const XWindowAttributes attributes = Attributes(window);
-                if (attributes.width == wantedWidth && attributes.height == wantedHeight)
-                    return window;
-            }
+        std::vector<Window> windows = VisibleWindows(None, 1);
+        for (std::size_t i = 0; i < windows.size(); ++i) {
+            const XWindowAttributes attributes = Attributes(windows[i]);
+            if (attributes.width == wantedWidth && attributes.height == wantedHeight)
+                return windows[i];
+            std::ranges::copy(VisibleWindows(windows[i], 1), std::back_inserter(windows));
         }
         return 0;
     }
@@ -285,13 +296,6 @@ public:
     const int width, height;
 
 private:
-    void PaintDesktop() const {
-        const Pixmap pixmap = MakePixmap(DesktopPicture(width, height));
-        XSetWindowBackgroundPixmap(connection, Root(), pixmap);
-        XClearWindow(connection, Root());
-        XFreePixmap(connection, pixmap);
-        Sync();
-    }
     XWindowAttributes Attributes(Window window) const {
         XWindowAttributes attributes = {};
         XGetWindowAttributes(connection, window, &attributes);
