@@ -115,7 +115,7 @@ TEST_F(DaemonWindow, IsTheOnlyThingThatItTouches) {
     display.MovePointer(kX + 5, kY + 5);
     display.ClickButton(1);
     display.PressKey(XK_space);
-    ExpectItGoesOn();
+    saver.ExpectItGoesOn();
     for (const int type : {MotionNotify, ButtonPress, KeyPress}) {
         XEvent event;
         EXPECT_TRUE(XCheckTypedWindowEvent(display.connection, host, type, &event))

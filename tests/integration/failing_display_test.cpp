@@ -45,7 +45,7 @@ TEST_F(FailingDisplay, WithoutGlxItSaysWhichPackageHasItAndTheMouseEndsTheBlackS
     EXPECT_TRUE(display.WaitForBlack({0, 0, 320, 240}) && display.WaitForHiddenCursor());
     saver.SetClock(4000);
     display.MovePointer(20, 20);
-    ExpectItGoesOn();
+    saver.ExpectItGoesOn();
     saver.SetClock(4001);
     display.MovePointer(30, 40);
     EXPECT_EQ(saver.WaitForExit(), 0);

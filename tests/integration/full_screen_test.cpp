@@ -23,7 +23,7 @@ TEST_F(FullScreen, TheMouseDoesNothingForFourSecondsAndClosesAfter) {
         saver.SetClock(4000);
         display.MovePointer(20, 20);
         display.ClickButton(1);
-        ExpectItGoesOn();
+        saver.ExpectItGoesOn();
         saver.SetClock(4001);
         byButton ? display.ClickButton(3) : display.MovePointer(50, 50);
         EXPECT_EQ(saver.WaitForExit(), 0);

@@ -101,7 +101,7 @@ TEST_F(OtherPrograms, AKeyHeldForAnotherOneMayBeReleased) {
     display.TurnKey(XK_Return, true);
     Start();
     display.TurnKey(XK_Return, false);
-    ExpectItGoesOn();
+    saver.ExpectItGoesOn();
     ExpectAKeyEndsIt(XK_Return);
 }
 
@@ -156,7 +156,7 @@ TEST_F(OtherPrograms, AProgramThatLocksTheScreenGetsTheInputAndStaysAbove) {
         usleep(1300000); // longer than it lets others be above
         EXPECT_EQ(display.PixelAt(160, 120), kRed);
         display.PressKey(XK_a);
-        ExpectItGoesOn();
+        saver.ExpectItGoesOn();
         XEvent key;
         EXPECT_TRUE(XCheckTypedEvent(display.connection, KeyPress, &key)) << "it is the lock program's";
         display.DestroyWindow(lock);

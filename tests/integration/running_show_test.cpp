@@ -18,7 +18,7 @@ TEST_F(UserSettings, APointerThatTremblesDoesNotEndItAndOneThatIsMovedDoes) {
         for (int i = 0; i < 6; ++i) // it trembles, and wanders by more than the threshold in the end
             display.MovePointer(at + 4 * (i % 2), at + 4 * (i / 2 % 2));
     }
-    ExpectItGoesOn();
+    saver.ExpectItGoesOn();
     display.MovePointer(60, 45);
     EXPECT_EQ(saver.WaitForExit(), 0);
     EXPECT_EQ(saver.Errors(), "");

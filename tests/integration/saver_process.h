@@ -13,8 +13,7 @@
 std::vector<std::string> SaverCommand(const TempFolder& data, Environment* environment);
 // The name by which the saver knows a file, which it says where something is wrong with that.
 std::string SaverName(const std::string& file);
-// It draws once it has read its clock more often than that. Not counted on this system (-1): there its window
-// comes up with the first frame due at once.
+// It draws once it has read its clock more often; -1 on this system, where its first frame is due at once.
 extern const int kReadsBeforeFrames;
 
 class SaverProcess : public Program {
@@ -28,8 +27,7 @@ public:
         environment["PATH"] = "/usr/bin:/bin";
         environment["XDG_CONFIG_HOME"] = data.File("config");
         environment["LIBGL_ALWAYS_SOFTWARE"] = "1";
-        // The driver and the toolkit libraries keep memory until the process ends; our own leaks are the unit
-        // tests' business.
+        // Drivers keep memory until the process ends; our own leaks are the unit tests' business.
         environment["ASAN_OPTIONS"] = "detect_leaks=0";
         // The saver reads its clock from this file instead of the system.
         environment["TAMBLOR_CLOCK"] = data.Write("clock", std::string(sizeof(Clock), '\0'));
@@ -85,15 +83,21 @@ public:
         return false;
     }
 
-    // What the process has used of the processors so far, in hundredths of a second.
-    long Used() const {
-        std::ifstream file("/proc/" + std::to_string(Id()) + "/stat");
-        std::string word;
-        long used = 0, each = 0;
-        for (int i = 1; i <= 15 && file >> word; ++i)
-            if (i >= 14 && (each = std::stol(word)) > 0)
-                used += each;
-        return used;
+    // It uses nearly nothing of the processors for a while.
+    bool Sleeps() const {
+        constexpr long kSecond = 1000000000, kMost = kSecond * 3 / 100;
+        clockid_t used = 0;
+        timespec before = {}, after = {};
+        clock_getcpuclockid(Id(), &used);
+        clock_gettime(used, &before);
+        usleep(1500000);
+        clock_gettime(used, &after);
+        return (after.tv_sec - before.tv_sec) * kSecond + after.tv_nsec - before.tv_nsec < kMost;
+    }
+    // Time for a wrong close to happen: too little of it misses a fault, and never fails.
+    void ExpectItGoesOn() {
+        usleep(300000);
+        EXPECT_TRUE(Running()) << Errors();
     }
 
     const TempFolder data;
@@ -123,18 +127,13 @@ protected:
     }
     void SetUp() override { ASSERT_NE(display.connection, nullptr); }
 
-    void Start() {
-        saver.Start({"/s"});
-        ASSERT_TRUE(saver.WaitUntilShown(display));
+    void Start(const std::vector<std::string>& words = {"/s"}) {
+        saver.Start(words);
+        ASSERT_TRUE(saver.WaitUntilShown(display)) << saver.Errors();
     }
     void ExpectAKeyEndsIt(KeySym key = XK_space) {
         display.PressKey(key);
         EXPECT_EQ(saver.WaitForExit(), 0) << saver.Errors();
-    }
-    // Time for a wrong close to happen: too little of it misses a fault, and never fails.
-    void ExpectItGoesOn() {
-        usleep(300000);
-        EXPECT_TRUE(saver.Running()) << saver.Errors();
     }
     // No window of its own lies there any more, and whoever had the input and the focus can have them.
     void ExpectTheDesktop(const std::vector<Window>& windows, Window focus) {
@@ -152,15 +151,14 @@ protected:
         usleep(1200000);
         EXPECT_EQ(XPending(display.connection), 0);
     }
-    // The pointer passes over a preview and clicks, long after all times of grace; it goes on, and has
-    // written nothing.
+    // The pointer passes over a preview and clicks, long after all grace: it goes on, and writes nothing.
     void ExpectAPreviewIgnoresInput() {
         EXPECT_FALSE(display.CursorIsHidden());
         EXPECT_EQ(saver.Trace(), "");
         saver.SetClock(60000);
         display.MovePointer(150, 120);
         display.ClickButton(1);
-        ExpectItGoesOn();
+        saver.ExpectItGoesOn();
     }
 
     VirtualDisplay display;

@@ -1,6 +1,5 @@
-// The Windows saver as it lies with a user: what its install.cmd leaves, the little pane of the settings
-// panel, which is in a process of its own (pane.cpp), several monitors, and a desktop that cannot be
-// photographed.
+// The Windows saver as it lies with a user: what its install.cmd leaves, the little pane of another process
+// (pane.cpp), several monitors, and a desktop that cannot be photographed.
 #include "integration/saver_process.h"
 #include "windows/under_wine.h"
 
@@ -92,10 +91,6 @@ TEST_F(WineMonitors, TheShowIsOnThePrimaryOneAndTheOthersAreBlack) {
     EXPECT_TRUE(display.WaitForBlack(kOther));
     EXPECT_TRUE(display.WaitForHiddenCursor()) << "on the other monitor";
     EXPECT_TRUE(saver.SeeFrames(display));
-    saver.SetClock(4000);
-    display.MovePointer(510, 210);
-    display.ClickButton(1);
-    ExpectItGoesOn();
     saver.SetClock(4001);
     display.MovePointer(520, 220);
     EXPECT_EQ(saver.WaitForExit(), 0) << "what the mouse does there counts";
@@ -107,10 +102,7 @@ TEST_F(WineMonitors, ADesktopThatComesOutBlackIsAPictureOfThePackage) {
     Start();
     display.DestroyWindow(black);
     EXPECT_TRUE(saver.SeeFrames([&] { return display.PixelAt(320, 240) != 0; }));
-    EXPECT_NE(saver.Trace().find("#ERROR: "), std::string::npos);
-    EXPECT_NE(saver.Trace().find("the desktop is black, or a compositor keeps it from DirectDraw\n"),
-              std::string::npos)
-        << saver.Trace();
+    EXPECT_NE(saver.Trace().find("the desktop is black"), std::string::npos) << saver.Trace();
     ExpectAKeyEndsIt();
 }
 
