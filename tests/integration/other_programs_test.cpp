@@ -23,15 +23,8 @@ protected:
         XSetWindowAttributes wishes = {};
         wishes.background_pixel = kRed;
         wishes.override_redirect = True;
-        const Window window =
-            XCreateWindow(display.connection, display.Root(), 1, 1, 318, 238, 0, CopyFromParent, InputOutput,
-                          nullptr, CWBackPixel | CWOverrideRedirect, &wishes);
-        display.Sync();
-        return window;
-    }
-    void Map(Window window) const {
-        XMapRaised(display.connection, window);
-        display.Sync();
+        return XCreateWindow(display.connection, display.Root(), 1, 1, 318, 238, 0, CopyFromParent,
+                             InputOutput, nullptr, CWBackPixel | CWOverrideRedirect, &wishes);
     }
     // As patient as the least patient of those programs: the first ones give up after half a second.
     bool GetsTheInput() const {
@@ -40,20 +33,6 @@ protected:
                 return true;
         return false;
     }
-    // With a key for 0; in good order, unless the signal ends it at once.
-    void End(int signal) {
-        if (signal == 0)
-            display.PressKey(XK_space);
-        else
-            saver.Signal(signal);
-        const int status = saver.WaitForExit();
-        if (signal == SIGKILL || signal == SIGSEGV)
-            EXPECT_NE(status, -1);
-        else
-            EXPECT_TRUE(status == 0 && saver.Trace().ends_with("unload devil\n")) << status;
-    }
-
-    static constexpr unsigned long kRed = 0xFF0000;
     // The program that held the input has the focus when it lets go, as one has whose menu closes.
     void ExpectAKeyEndsItWhen(Window otherLetsGo) {
         EXPECT_TRUE(saver.Running());
@@ -65,6 +44,7 @@ protected:
         EXPECT_FALSE(XCheckTypedEvent(display.connection, KeyPress, &event));
     }
 
+    static constexpr unsigned long kRed = 0xFF0000;
     const std::pair<int, int> granted = {GrabSuccess, GrabSuccess};
     Window other = 0;
 };
@@ -85,8 +65,11 @@ TEST_F(OtherPrograms, AfterTheInputWasHeldAtItsStartTheLostFocusOrAKeyEndsIt) {
     }
 }
 
-TEST_F(OtherPrograms, AKeyEndsItAfterItsInputWasTakenAway) {
+TEST_F(OtherPrograms, AKeyHeldForAnotherOneMayBeReleasedAndOneEndsItAfterItsInputWasTakenAway) {
+    display.TurnKey(XK_Return, true);
     Start();
+    display.TurnKey(XK_Return, false);
+    saver.ExpectItGoesOn();
     ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
     XGrabServer(display.connection); // no time in between for the saver to react
     XUnmapWindow(display.connection, display.WaitForWindow());
@@ -95,14 +78,6 @@ TEST_F(OtherPrograms, AKeyEndsItAfterItsInputWasTakenAway) {
     display.Sync();
     EXPECT_TRUE(SaverTakesTheFocus());
     ExpectAKeyEndsItWhen(other);
-}
-
-TEST_F(OtherPrograms, AKeyHeldForAnotherOneMayBeReleased) {
-    display.TurnKey(XK_Return, true);
-    Start();
-    display.TurnKey(XK_Return, false);
-    saver.ExpectItGoesOn();
-    ExpectAKeyEndsIt(XK_Return);
 }
 
 TEST_F(OtherPrograms, ItComesUpAboveNewWindowsOnceEachAndAMoveOnABlackMonitorCounts) {
@@ -138,7 +113,11 @@ TEST_F(OtherPrograms, AllIsAsItWasHoweverItEnds) {
             ASSERT_TRUE(c.inputIsHeld ? Eventually([&] { return display.Focus() != c.focus; })
                                       : display.WaitUntilInputIsGrabbed() && display.WaitForHiddenCursor());
             display.ReleaseInput();
-            End(signal);
+            signal == 0 ? display.PressKey(XK_space) : saver.Signal(signal); // a key for 0
+            const int status = saver.WaitForExit();
+            const bool atOnce = signal == SIGKILL || signal == SIGSEGV;
+            EXPECT_TRUE(atOnce ? status != -1 : status == 0 && saver.Trace().ends_with("unload devil\n"))
+                << status;
             ExpectTheDesktop({}, c.focus);
             EXPECT_TRUE(display.VisibleWindows(other, 1).empty());
         }
@@ -150,9 +129,10 @@ TEST_F(OtherPrograms, AProgramThatLocksTheScreenGetsTheInputAndStaysAbove) {
         ASSERT_TRUE(display.WaitUntilInputIsGrabbed());
         const Window lock = CreateLockWindow();
         if (shownFirst)
-            Map(lock);
+            XMapRaised(display.connection, lock);
         ASSERT_TRUE(GetsTheInput()) << shownFirst;
-        Map(lock);
+        XMapRaised(display.connection, lock);
+        display.Sync();
         usleep(1300000); // longer than it lets others be above
         EXPECT_EQ(display.PixelAt(160, 120), kRed);
         display.PressKey(XK_a);
