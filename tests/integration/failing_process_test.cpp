@@ -13,18 +13,15 @@ protected:
         display.TakeFocus(below_);
     }
 
-    // Of shared memory, which outlives a process that does not give it back: whether one of these made any
-    // that is there.
+    // Whether there is shared memory that one of these made: it outlives who does not give it back.
     static bool HasSharedMemory(const std::vector<pid_t>& makers) {
         std::ifstream list("/proc/sysvipc/shm");
         std::string line;
         std::getline(list, line); // names
         while (std::getline(list, line)) {
             std::istringstream words(line);
-            long word = 0;
-            for (int i = 0; i < 5; ++i) // the fifth: who made it
-                words >> word;
-            if (std::ranges::find(makers, word) != makers.end())
+            const std::vector<long> numbers(std::istream_iterator<long>(words), {});
+            if (std::ranges::count(makers, numbers.at(4)) != 0) // who made it
                 return true;
         }
         return false;
@@ -42,10 +39,10 @@ protected:
             Eventually([&] { return XCheckWindowEvent(display.connection, below_, KeyPressMask, &event); }));
     }
     void EndAtMoments(int number, int count) {
-        Moments moments(static_cast<unsigned>(number));
+        std::mt19937 random(static_cast<unsigned>(number));
         std::vector<pid_t> savers;
         for (int i = 0; i < count; ++i) {
-            const unsigned moment = moments.Next();
+            const unsigned moment = AnyMoment(&random);
             SCOPED_TRACE(testing::Message() << "signal " << number << " after " << moment << " ms");
             saver.Start({"/s"});
             savers.push_back(saver.Id());

@@ -10,33 +10,30 @@ namespace fs = std::filesystem;
 
 class FailingSurroundings : public ShowOf<SpiedSaver> {
 protected:
-    // By a shell, which does something before.
-    void StartAfter(const std::string& line) {
-        saver.program = "/bin/sh";
-        saver.Start({"-c", line + "; exec " TAMBLOR_EXE " /s"});
-    }
     // It draws the desktop's burning, and a key ends it.
-    void ExpectAShow() {
-        ASSERT_TRUE(saver.WaitUntilShown(display) && saver.Draws()) << saver.Errors();
-        EXPECT_TRUE(saver.SeeFrames(display)) << saver.Errors();
+    void ExpectAShow(const std::vector<std::string>& words = {"/s"}) {
+        Start(words);
+        EXPECT_TRUE(saver.Draws() && saver.SeeFrames(display)) << saver.Errors();
         ExpectAKeyEndsIt();
+    }
+    // By a shell, which does something before.
+    void ExpectAShowAfter(const std::string& line) {
+        saver.program = "/bin/sh";
+        ExpectAShow({"-c", line + "; exec " TAMBLOR_EXE " /s"});
     }
 };
 
 TEST_F(FailingSurroundings, AFullDiskCostsTheTraceAlone) {
     fs::create_symlink("/dev/full", saver.data.File("tamb.log"));
-    saver.Start({"/s"});
     ExpectAShow();
     EXPECT_EQ(saver.Errors(), "");
     fs::remove(saver.data.File("tamb.log"));
     for (const char* limit : {"ulimit -f 0", "ulimit -f 1"}) { // blocks of 512 bytes
         SCOPED_TRACE(limit);
-        StartAfter(limit);
-        ExpectAShow();
+        ExpectAShowAfter(limit);
         EXPECT_LE(saver.Trace().size(), 512u);
     }
-    StartAfter("exec 2>/dev/full");
-    ExpectAShow();
+    ExpectAShowAfter("exec 2>/dev/full");
     EXPECT_NE(saver.Trace().find("unload devil"), std::string::npos);
 }
 
@@ -66,8 +63,7 @@ TEST_F(FailingSurroundings, WithoutProcAnInstalledProgramFindsItsModulesAndItsSh
     fs::create_directories(prefix.File("share/tamblor"));
     fs::copy_file(TAMBLOR_DATA_DIR "/tamb.dat", prefix.File("share/tamblor/tamb.dat"));
     saver.environment.erase("TAMBLOR_DATA");
-    saver.Start({apart, "/bin/sh", "-c", hide + prefix.File("bin/tamblor") + " /s"});
-    ExpectAShow();
+    ExpectAShow({apart, "/bin/sh", "-c", hide + prefix.File("bin/tamblor") + " /s"});
     EXPECT_EQ(saver.Errors(), "");
 }
 #endif
@@ -80,20 +76,17 @@ TEST_F(FailingSurroundings, ALanguageWithCommasInNumbersChangesNothing) {
     saver.environment["LOCPATH"] = saver.data.Path();
     saver.environment["LC_ALL"] = "de_DE.UTF-8";
     saver.Configure("max_fps = 30\nsamples = 0\n");
-    saver.Start({"/s"});
     ExpectAShow();
     EXPECT_NE(saver.Trace().find("[1000.000] loading ok"), std::string::npos) << saver.Trace();
     // A driver's or a toolkit's library may set it for the whole process.
     saver.environment["TAMBLOR_LANGUAGE"] = "1";
-    saver.Start({"/s"});
     ExpectAShow();
     EXPECT_NE(saver.Trace().find("[1000,000] loading ok"), std::string::npos)
         << "it was set: " << saver.Trace();
     EXPECT_EQ(saver.Errors(), "");
 }
 
-// Each block of memory that the saver's own code asks for during its start: it ends, and says why, or shows
-// what there is.
+// Each block that the saver's own code asks for during its start: it ends, and says why, or there is a show.
 TEST_F(FailingSurroundings, WithoutMemoryItSaysSoOrGoesOn) {
     const int step = Times(41, 1);
     int ended = 0, shown = 0;
@@ -125,8 +118,7 @@ TEST_F(FailingSurroundings, DamagedPackagesAreShownToo) {
     for (int number = 1; number <= count; ++number) {
         SCOPED_TRACE(testing::Message() << "mutation " << number);
         saver.data.Write("tamb.dat", Mutation(static_cast<unsigned>(number)).Of(entries));
-        saver.Start({"/s"});
-        ASSERT_TRUE(saver.WaitUntilShown(display) && saver.Draws()) << saver.Errors();
+        Start();
         for (const std::uint32_t ms : kInEachStage) {
             saver.SetClock(ms);
             ASSERT_TRUE(saver.Draws(2)) << saver.Errors();

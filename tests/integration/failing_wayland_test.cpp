@@ -8,37 +8,30 @@ namespace {
 using FailingWayland = WaylandShowOf<SpiedSaver>;
 
 TEST_F(FailingWayland, WhateverStepOfOpenGlFailsTheScreenIsCoveredAndClosesAsEver) {
-    const struct {
-        const char* fails;
-        bool isBlack;
-    } cases[] = {
-        {"eglGetPlatformDisplay 0", true},
-        {"eglInitialize 0", true},
-        {"eglBindAPI 0", true},
-        {"eglChooseConfig 0", true},
-        {"eglChooseConfig 1", true},
-        {"wl_egl_window_create 0", true},
-        {"eglCreatePlatformWindowSurface 0", true},
-        {"eglCreateContext 0", true},
-        {"eglMakeCurrent 0", true},
-        {"eglMakeCurrent 1", false},
-        {"eglMakeCurrent 5", false},
-        {"eglSwapBuffers 0", false},
-        {"eglSwapBuffers 3", false},
-        {"eglGetProcAddress 0", false},
-        {"glGetString 0", false},
-    };
-    for (const auto& [fails, isBlack] : cases) {
-        SCOPED_TRACE(fails);
-        ASSERT_TRUE(compositor.WaitForDesktops() && compositor.WaitForFocus());
-        saver.environment["TAMBLOR_FAILS"] = fails;
-        saver.Start({"/s"});
-        ASSERT_TRUE(TakesTheKeyboard()) << saver.Errors();
-        EXPECT_TRUE(isBlack ? compositor.WaitForBlack(0) : saver.Draws());
-        EXPECT_EQ(saver.Errors().find("no OpenGL, the screen stays black: ") != std::string::npos, isBlack)
-            << saver.Errors();
-        ExpectAKeyEndsIt();
-    }
+    const std::vector<std::string> shown = {"eglMakeCurrent 1", "eglMakeCurrent 5",    "eglSwapBuffers 0",
+                                            "eglSwapBuffers 3", "eglGetProcAddress 0", "glGetString 0"};
+    const std::vector<std::string> black = {"eglGetPlatformDisplay 0",
+                                            "eglInitialize 0",
+                                            "eglBindAPI 0",
+                                            "eglChooseConfig 0",
+                                            "eglChooseConfig 1",
+                                            "wl_egl_window_create 0",
+                                            "eglCreatePlatformWindowSurface 0",
+                                            "eglCreateContext 0",
+                                            "eglMakeCurrent 0"};
+    for (const bool isBlack : {false, true})
+        for (const std::string& fails : isBlack ? black : shown) {
+            SCOPED_TRACE(fails);
+            ASSERT_TRUE(compositor.WaitForDesktops() && compositor.WaitForFocus());
+            saver.environment["TAMBLOR_FAILS"] = fails;
+            saver.Start({"/s"});
+            ASSERT_TRUE(TakesTheKeyboard()) << saver.Errors();
+            EXPECT_TRUE(isBlack ? compositor.WaitForBlack(0) : saver.Draws());
+            EXPECT_EQ(saver.Errors().find("no OpenGL, the screen stays black: ") != std::string::npos,
+                      isBlack)
+                << saver.Errors();
+            ExpectAKeyEndsIt();
+        }
 }
 
 TEST_F(FailingWayland, ChangesInTheMiddleOfAFrameAreFollowed) {
@@ -58,10 +51,10 @@ TEST_F(FailingWayland, ChangesInTheMiddleOfAFrameAreFollowed) {
 }
 
 TEST_F(FailingWayland, EndedAtAnyMomentTheSaverLeavesTheDesktopAsItWas) {
-    Moments moments(16);
+    std::mt19937 random(16);
     for (const int number : {SIGTERM, SIGKILL})
         for (int i = 0; i < Times(2, 25); ++i) {
-            const unsigned moment = moments.Next();
+            const unsigned moment = AnyMoment(&random);
             SCOPED_TRACE(testing::Message() << "signal " << number << " after " << moment << " ms");
             saver.Start({"/s"});
             usleep(moment * 1000);
@@ -76,7 +69,7 @@ TEST_F(FailingWayland, EndedAtAnyMomentTheSaverLeavesTheDesktopAsItWas) {
 }
 
 TEST(DyingCompositor, EndsTheSaverQuietly) {
-    Moments moments(17);
+    std::mt19937 random(17);
     SpiedSaver saver;
     const int count = Times(2, 50), inStages = Times(2, static_cast<int>(std::size(kInEachStage)));
     for (int i = 0; i < count + inStages; ++i) {
@@ -85,7 +78,7 @@ TEST(DyingCompositor, EndsTheSaverQuietly) {
         dying.server.Offer(&saver.environment);
         saver.Start({"/s"});
         if (i < count) {
-            usleep(moments.Next() * 1000);
+            usleep(AnyMoment(&random) * 1000);
         } else {
             ASSERT_TRUE(saver.Draws()) << saver.Errors();
             saver.SetClock(kInEachStage[2 * (i - count) % static_cast<int>(std::size(kInEachStage))]);

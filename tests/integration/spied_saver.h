@@ -7,15 +7,11 @@
 
 #include <random>
 
-inline void LoadSpy(Environment* environment) {
-    (*environment)["LD_PRELOAD"] = PLATFORM_SPY;
-    (*environment)["ASAN_OPTIONS"] = "detect_leaks=0:verify_asan_link_order=0:alloc_dealloc_mismatch=0";
-}
-
 class SpiedSaver : public SaverProcess {
 public:
     SpiedSaver() {
-        LoadSpy(&environment);
+        environment["LD_PRELOAD"] = PLATFORM_SPY;
+        environment["ASAN_OPTIONS"] = "detect_leaks=0:verify_asan_link_order=0:alloc_dealloc_mismatch=0";
         environment["TAMBLOR_SPY"] = data.Write("spy", std::string(sizeof(PlatformSpy), '\0'));
         spy = MapShared<PlatformSpy>(environment["TAMBLOR_SPY"].c_str());
     }
@@ -33,19 +29,12 @@ public:
     PlatformSpy* spy;
 };
 
-// Moments of a show, in milliseconds after its start; half of them lie in its start, before it has a window.
-class Moments {
-public:
-    explicit Moments(unsigned seed) : random_(seed) {}
-    unsigned Next() {
-        const unsigned most = random_() % 2 == 0 ? kStart : kMost;
-        return static_cast<unsigned>(random_() % most);
-    }
-
-private:
-    static constexpr unsigned kStart = 300, kMost = 1500;
-    std::mt19937 random_;
-};
+// Of a show, in milliseconds after its start; half of them lie in its start, before it has a window.
+inline unsigned AnyMoment(std::mt19937* random) {
+    constexpr unsigned kStart = 300, kMost = 1500;
+    const unsigned most = (*random)() % 2 == 0 ? kStart : kMost;
+    return static_cast<unsigned>((*random)() % most);
+}
 
 // The stages of a cycle, by a time on the clock that lies in each, and one between them.
 constexpr std::uint32_t kInEachStage[] = {0, 1000, 4000, 25000, 41000, 50000};
