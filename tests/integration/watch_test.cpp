@@ -20,9 +20,7 @@ protected:
         for (const char* which : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
             saver.environment[which] = bus.Address();
     }
-    void StartWatcher(const std::vector<std::string>& further = {}) {
-        std::vector<std::string> words = {"--watch=0.02"};
-        words.insert(words.end(), further.begin(), further.end());
+    void StartWatcher(const std::vector<std::string>& words = {"--watch=0.02"}) {
         Touch();
         saver.Start(words);
     }
@@ -129,24 +127,17 @@ TEST_F(Watch, TheMinutesAreConfigured) {
                 return true;
         return false;
     };
-    const std::string conf = saver.Configure("");
     const struct {
         const char* settings;
         const char* word;
         int milliseconds;
-        std::string errors;
     } cases[] = {
-        {"idle = 7\n", "--watch", 420000, ""},
-        {"idle = 7\n", "--watch=2.5", 150000, ""},
-        {"", "--watch", 300000, ""},
-        {"idle = 0\n", "--watch", 300000,
-         "tamblor: configuration: " + conf + ":1: idle must be a whole number from 1 to 1440\n"},
-    };
+        {"idle = 7\n", "--watch", 420000}, {"idle = 7\n", "--watch=2.5", 150000}, {"", "--watch", 300000}};
     for (const auto& c : cases) {
         saver.Configure(c.settings);
         saver.Start({c.word});
         EXPECT_TRUE(Eventually([&] { return hasAlarm(c.milliseconds); })) << c.milliseconds;
-        EXPECT_EQ(saver.Errors(), c.errors);
+        EXPECT_EQ(saver.Errors(), "");
         EndWatcher();
     }
 }
@@ -201,7 +192,7 @@ TEST_F(Watch, TheLoginManagerHoldsItBackAndLocks) {
     Offer(bus);
     saver.environment["XDG_SESSION_ID"] = "of another day";
     login.blocks = "sleep:idle";
-    StartWatcher({"--lock"});
+    StartWatcher({"--watch=0.02", "--lock"});
     ExpectNoShow();
     login.locked = true;
     login.blocks = "sleep:idleness";
@@ -215,13 +206,11 @@ TEST_F(Watch, TheLoginManagerHoldsItBackAndLocks) {
     EndWatcher();
     EXPECT_EQ(login.locks, 1);
 
-    saver.Start({"--lock"}); // the show itself
-    ASSERT_TRUE(saver.WaitUntilShown(display));
+    Start({"--lock"}); // the show itself
     ExpectAKeyEndsIt();
     EXPECT_EQ(login.locks, 2);
     bus.Kill();
-    saver.Start({"/s", "--lock"});
-    ASSERT_TRUE(saver.WaitUntilShown(display));
+    Start({"/s", "--lock"});
     ExpectAKeyEndsIt();
     EXPECT_EQ(saver.Errors(), "tamblor: the session cannot be locked: no login manager knows it\n");
 }
@@ -229,13 +218,11 @@ TEST_F(Watch, TheLoginManagerHoldsItBackAndLocks) {
 TEST_F(Watch, AutostartWritesAndRemovesTheEntry) {
     const std::string entry = saver.data.File("config/autostart/tamblor.desktop"), exe = TAMBLOR_EXE;
     const auto text = [&] { return saver.data.Read("config/autostart/tamblor.desktop"); };
-    EXPECT_EQ(saver.Run({"--autostart", "on"}), 0) << saver.Errors();
-    EXPECT_EQ(text(), "[Desktop Entry]\nType=Application\nName=Tamblor\n"
-                      "Comment=Starts the show when nobody has touched anything for a while\n"
-                      "Exec=\"" +
-                          exe + "\" --watch\nTryExec=" + exe + "\nTerminal=false\n");
-    EXPECT_EQ(saver.Run({"--monitors=all", "--lock", "--autostart=on"}), 0);
-    EXPECT_NE(text().find("--watch --lock --monitors=all\n"), std::string::npos);
+    EXPECT_EQ(saver.Run({"--monitors=all", "--lock", "--autostart", "on"}), 0) << saver.Errors();
+    EXPECT_TRUE(text().starts_with("[Desktop Entry]\nType=Application\n")) << text();
+    EXPECT_NE(text().find("\nExec=\"" + exe + "\" --watch --lock --monitors=all\nTryExec=" + exe + "\n"),
+              std::string::npos)
+        << text();
     EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(entry).parent_path()), {}), 1);
     for (int twice = 0; twice < 2; ++twice) {
         EXPECT_EQ(saver.Run({"--autostart=off"}), 0);
