@@ -8,7 +8,6 @@ inline std::filesystem::path ModulesOf(const std::filesystem::path& prefix) {
     return (prefix / "bin" / TAMBLOR_MODULES).lexically_normal();
 }
 
-// The whole program's path is bin/tamblor.
 inline void InstallProgram(const std::filesystem::path& prefix) {
     namespace fs = std::filesystem;
     const fs::path program = TAMBLOR_EXE;
