@@ -45,8 +45,7 @@ void HoldAt(PlatformSpy::Place place) {
     Spy().isHeld = 0;
 }
 
-// Where a frame waits for the clock, there is one for each of its times, and the processors are not busy with
-// more.
+// Where frames wait for the clock, there is one for each of its times, and no processor is busy with more.
 void OnShown() {
     constexpr std::uint32_t kFramesPerLook = 64;
     if (Spy().frames++ % kFramesPerLook == 0) {
@@ -70,25 +69,22 @@ int NoteInterval(const char* function, int interval) {
     Spy().interval = interval;
     return 0;
 }
+
 struct RegistryListener {
     const wl_registry_listener* real;
     void* data;
 };
-
-void OnGlobal(void* data, wl_registry* registry, std::uint32_t name, const char* interface,
-              std::uint32_t version) {
-    static const char* const lacks = std::getenv("TAMBLOR_LACKS");
-    const auto& listener = *static_cast<RegistryListener*>(data);
-    if (lacks == nullptr || std::strstr(lacks, interface) == nullptr)
-        listener.real->global(listener.data, registry, name, interface, version);
-}
-
-void OnGlobalRemove(void* data, wl_registry* registry, std::uint32_t name) {
-    const auto& listener = *static_cast<RegistryListener*>(data);
-    listener.real->global_remove(listener.data, registry, name);
-}
-
-constexpr wl_registry_listener kFiltered = {OnGlobal, OnGlobalRemove};
+constexpr wl_registry_listener kFiltered = {
+    [](void* data, wl_registry* registry, std::uint32_t name, const char* interface, std::uint32_t version) {
+        static const char* const lacks = std::getenv("TAMBLOR_LACKS");
+        const auto& listener = *static_cast<RegistryListener*>(data);
+        if (lacks == nullptr || std::strstr(lacks, interface) == nullptr)
+            listener.real->global(listener.data, registry, name, interface, version);
+    },
+    [](void* data, wl_registry* registry, std::uint32_t name) {
+        const auto& listener = *static_cast<RegistryListener*>(data);
+        listener.real->global_remove(listener.data, registry, name);
+    }};
 
 [[gnu::constructor]] void TakeLanguage() {
     if (std::getenv("TAMBLOR_LANGUAGE") != nullptr)
