@@ -10,7 +10,7 @@ std::string WindowsBuild(const std::string& name);
 void UseDevilItself();
 
 // A program of Windows or Wine, running. `display` may be empty. The program sees `folder` as the current
-// one. A setting comes in place of the tests' own.
+// one. A setting comes in place of the usual one.
 class WineProgram : public Program {
 public:
     WineProgram(const std::string& display, const std::string& folder, std::vector<std::string> words,

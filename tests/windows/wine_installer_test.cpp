@@ -1,8 +1,8 @@
-// The installer, without questions, in a Wine of the test's own: what it leaves there, and that nothing stays
-// of it.
+// The installer, without questions, in a Wine of the test's own: what it leaves, and that nothing stays.
 #include "integration/saver_process.h"
 #include "windows/under_wine.h"
 
+#include <iomanip>
 #include <set>
 
 namespace fs = std::filesystem;
@@ -66,18 +66,11 @@ protected:
         std::string text = Registry();
         std::size_t at = text.find("[HKEY_CURRENT_USER\\" + key + "]\n");
         text = at == std::string::npos ? "" : text.substr(at, text.find("\n[", at) - at);
-        at = text.find("\n\"" + name + "\"=");
-        if (at == std::string::npos)
-            return "";
-        at += name.size() + 4;
-        text = text.substr(at, text.find('\n', at) - at);
-        if (!text.starts_with('"'))
-            return text;
-        text = text.substr(1, text.size() - 2);
-        for (std::size_t i = 0; i < text.size(); ++i)
-            if (text[i] == '\\')
-                text.erase(i, 1);
-        return text;
+        const std::string start = "\n\"" + name + "\"=";
+        std::string value;
+        if ((at = text.find(start)) != std::string::npos)
+            std::istringstream(text.substr(at + start.size())) >> std::quoted(value);
+        return value;
     }
     void SetValue(const std::string& key, const std::string& name, const std::string& value) const {
         Run({"reg", "add", "HKCU\\" + key, "/v", name, "/d", value, "/f"});
@@ -103,11 +96,10 @@ protected:
         }
         return all;
     }
-    // What has come or gone.
-    static std::vector<std::string> Changes(const std::set<std::string>& before,
-                                            const std::set<std::string>& after) {
+    // What has come or gone since then.
+    std::vector<std::string> ChangesSince(const std::set<std::string>& before) const {
         std::vector<std::string> changes;
-        std::ranges::set_symmetric_difference(before, after, std::back_inserter(changes));
+        std::ranges::set_symmetric_difference(before, Everything(), std::back_inserter(changes));
         return changes;
     }
 
@@ -140,13 +132,12 @@ TEST_F(Installer, WhatItLaysDownRunsAndLeavesWithoutATrace) {
     const std::string log = folder_.Read(usual_ / "tamb.log");
     EXPECT_NE(log.find("OpenGL info:"), std::string::npos) << log;
     EXPECT_EQ(Uninstall(), 0);
-    EXPECT_EQ(Changes(before, Everything()), std::vector<std::string>());
+    EXPECT_EQ(ChangesSince(before), std::vector<std::string>());
 }
 
 TEST_F(Installer, ComesAnewInAnotherFolderAndLeavesWhatIsTheUsers) {
     ASSERT_EQ(Setup({"/SELECT"}), 0);
     std::ofstream(usual_ / "notes.txt") << "the user's";
-    const std::set<std::string> before = Everything();
     const fs::path other =
         drive_ / "my savers/\u041F\u043B\u0430\u043C\u044F"; // no name in the characters of English
     ASSERT_EQ(Setup({"/32", "/D=C:\\my", "savers\\\u041F\u043B\u0430\u043C\u044F"}), 0);
@@ -169,7 +160,7 @@ TEST_F(Installer, GivesUpWholeOrNotAtAll) {
     fs::create_directories(drive_ / "full/tamb.dat"); // a folder in the file's place
     const std::set<std::string> without = Everything();
     EXPECT_EQ(Setup({"/SELECT", "/D=C:\\full"}), 2);
-    EXPECT_EQ(Changes(without, Everything()), std::vector<std::string>());
+    EXPECT_EQ(ChangesSince(without), std::vector<std::string>());
 
     ASSERT_EQ(Setup({}), 0);
     EXPECT_EQ(Value(kDesktop, "SCRNSAVE.EXE"), kOtherSaver) << "nobody has chosen Tamblor";
@@ -183,7 +174,7 @@ TEST_F(Installer, GivesUpWholeOrNotAtAll) {
     EXPECT_EQ(show.WaitForExit(), 0);
     WaitForWine(prefix_);
     EXPECT_TRUE(fs::remove(usual_ / "tamb.log"));
-    EXPECT_EQ(Changes(installed, Everything()), std::vector<std::string>());
+    EXPECT_EQ(ChangesSince(installed), std::vector<std::string>());
 }
 
 } // namespace
