@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <numeric>
 #include <tuple>
 
 namespace {
@@ -39,33 +40,40 @@ std::string Packed(FXMesh* mesh, FXVectorMap* map, int vertices) {
     return {reinterpret_cast<const char*>(pool.buffer), static_cast<std::size_t>(pool.size)};
 }
 
-// The numbers of a byte: unpacking, below.
-TEST(Packing, TakesTheShortestCode) {
-    constexpr int kStart = 65530, kCount = 10; // of the vertices' numbers
-    const auto nobodys = [](int width) {
-        return Ints({width * kStart}) + Floats(std::vector<float>(std::size_t{kStart} * width, -1));
+// A mesh of different vertices with numbers from `start` on: a corner for each in order, then `tail`.
+std::string PackedFrom(int start, int count, const std::vector<int>& tail) {
+    const auto some = [start](int width) { // nobody's
+        return Ints({width * start}) +
+               Floats(std::vector<float>(static_cast<std::size_t>(width * start), -1));
     };
     FXVectorMap map;
-    Load(&map, nobodys(3) + nobodys(3) + nobodys(2));
+    Load(&map, some(3) + some(3) + some(2));
     std::vector<TestVertex> vertices;
-    std::vector<int> indices; // each in order, then these
-    for (int i = 0; i < kCount; ++i) {
+    for (int i = 0; i < count; ++i) {
         const auto f = static_cast<float>(i);
         vertices.push_back({{f, 1, 2}, {0, f, 1}, {f, f}});
-        indices.push_back(i);
     }
-    for (const int number : {65535, 65536, 65535, 65537, 65539, 65530})
-        indices.push_back(number - kStart);
+    std::vector<int> indices(static_cast<std::size_t>(count));
+    std::iota(indices.begin(), indices.end(), 0);
+    for (const int number : tail)
+        indices.push_back(number - start);
     FXMesh mesh;
     MakeMesh(&mesh, vertices, indices);
+    return Packed(&mesh, &map, count);
+}
+
+TEST(Packing, TakesTheShortestOfFourCodes) {
     const auto thrice = [](char flags, const std::string& number) {
         return flags + number + number + number;
     };
-    const std::string next(1, '\0');
-    EXPECT_EQ(Packed(&mesh, &map, kCount), thrice('\x2A', "\xFA\xFF") + std::string(9, '\0') +
-                                               thrice('\x2A', "\xFF\xFF") + next +
-                                               thrice('\x2A', "\xFF\xFF") + thrice('\x3F', {"\1\0\1\0", 4}) +
-                                               thrice('\x3F', {"\3\0\1\0", 4}) + thrice('\x2A', "\xFA\xFF"));
+    const std::string next(1, '\0'), zero(1, '\0');
+    EXPECT_EQ(PackedFrom(0, 301, {17, 300, 255, 256, 300, 0, 1}),
+              std::string(301, '\0') + thrice('\x15', "\x11") + thrice('\x2A', "\x2C\x01") +
+                  thrice('\x15', "\xFF") + next + thrice('\x2A', "\x2C\x01") + thrice('\x15', zero) + next);
+    EXPECT_EQ(PackedFrom(65530, 10, {65535, 65536, 65535, 65537, 65539, 65530}),
+              thrice('\x2A', "\xFA\xFF") + std::string(9, '\0') + thrice('\x2A', "\xFF\xFF") + next +
+                  thrice('\x2A', "\xFF\xFF") + thrice('\x3F', {"\1\0\1\0", 4}) +
+                  thrice('\x3F', {"\3\0\1\0", 4}) + thrice('\x2A', "\xFA\xFF"));
 }
 
 TEST(Packing, SharesWhatIsEqualAndMakesOneVertexPerTriple) {
