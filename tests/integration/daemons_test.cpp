@@ -116,7 +116,6 @@ exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
         ASSERT_TRUE(KeysBring(isCovered)) << Said();
         for (int i = 0; i < 10; ++i, usleep(100000))
             EXPECT_TRUE(isCovered());
-        daemon.Signal(SIGTERM);
     }
 
     Program daemon;
@@ -139,6 +138,7 @@ TEST_F(Daemons, XScreenSaverListsStartsAndEndsIt) {
         ExpectTheDesktop({10, 310, 330, 630});
         if (lock) {
             ExpectAKeyBringsADialogOnTop();
+            daemon.Signal(SIGTERM);
         } else {
             EXPECT_TRUE(KeysBring([this] { return Shows().empty(); }));
             ASSERT_TRUE(command("--activate") && Shown(2));
@@ -168,14 +168,17 @@ TEST_F(Daemons, MateStartsItInItsWindowAndItEndsAtOnce) {
     display.DeleteMonitor("right");
     display.SetMonitor("left", {0, 0, 640, 240}, true);
     const std::string session = saver.data.Write("session", R"(mate-screensaver --no-daemon --debug &
-activate() { until mate-screensaver-command --activate 2>/dev/null && sleep 0.5 &&
-        mate-screensaver-command --query | grep -q "is active"; do sleep 0.2; done; }
-for step in activate deactivate activate; do
-    until [ -e "$HOME/$step" ]; do sleep 0.1; done
-    rm "$HOME/$step"
-    [ $step = activate ] && activate || mate-screensaver-command --deactivate
+until [ -e "$HOME/exit" ]; do
+    sleep 0.1
+    if [ -e "$HOME/activate" ]; then
+        until mate-screensaver-command --activate 2>/dev/null && sleep 0.5 &&
+            mate-screensaver-command --query | grep -q "is active"; do sleep 0.2; done
+        rm "$HOME/activate"
+    elif [ -e "$HOME/deactivate" ]; then
+        mate-screensaver-command --deactivate && rm "$HOME/deactivate"
+    fi
 done
-until [ -e "$HOME/exit" ]; do sleep 0.1; done
+rm "$HOME/exit"
 mate-screensaver-command --exit
 wait
 )");
@@ -198,8 +201,8 @@ wait
             saver.data.Write("activate", "");
             ASSERT_TRUE(Shown(1)) << Said();
             EXPECT_TRUE(KeysBring([this] { return Shows().empty(); })) << Said();
-            saver.data.Write("exit", "");
         }
+        saver.data.Write("exit", "");
         EXPECT_NE(daemon.WaitForExit(), -1);
         EXPECT_TRUE(Ended());
     }
@@ -214,7 +217,7 @@ TEST_F(Daemons, XSecureLockShowsItBelowItsDialog) {
     ASSERT_TRUE(Shown(2)) << "one on each monitor" << Said();
     ExpectTheDesktop({10, 310, 330, 630});
     ExpectAKeyBringsADialogOnTop();
-    EXPECT_NE(daemon.WaitForExit(), -1);
+    EXPECT_NE(daemon.End(SIGTERM), -1);
     EXPECT_TRUE(Ended());
 }
 
