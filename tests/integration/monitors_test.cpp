@@ -99,13 +99,13 @@ protected:
 TEST_F(EachMonitor, HasAShowOfItsOwnDesktopAndATraceAndAKeyEndsAll) {
     StartOnAll();
     const std::vector<pid_t> shows = saver.Children(); // the first monitor's first
-    ASSERT_TRUE(saver.SeeFrames(display, 160, 200));
+    ASSERT_TRUE(saver.SeeFrames(display, 160, 240));
     saver.SetClock(0);
     for (const auto& [x, y] : {std::pair{10, 470}, {319, 0}, {320, 0}, {500, 300}, {639, 399}})
         EXPECT_TRUE(display.WaitForPixel(x, y, display.DesktopPixel(x, y), 3)) << x << "," << y;
     saver.SetClock(3000);
-    for (const int x : {160, 480})
-        EXPECT_TRUE(display.WaitForPixel(x, 200, display.DesktopPixel(x, 200), 12, true)) << x;
+    for (const auto& [x, y] : {std::pair{160, 240}, {480, 200}}) // the middles burn first
+        EXPECT_TRUE(display.WaitForPixel(x, y, display.DesktopPixel(x, y), 12, true)) << x;
     ExpectNoFight();
     EXPECT_EQ(display.Focus(), Window{PointerRoot}) << "only the first one wants the input, and has it";
     ExpectAKeyEndsIt();
