@@ -59,6 +59,8 @@ exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
             GTEST_SKIP() << words[0] << " is not installed";
         if (!AsUser(&words))
             GTEST_SKIP() << "there is no ordinary user with Tamblor in /usr/libexec/xscreensaver here";
+        // One that ends may send its group a signal, and so end the one that comes after it.
+        words.insert(words.begin(), "/usr/bin/setsid");
         daemon.Start(words, saver.environment, "/", Home("daemon"));
     }
     int Run(std::vector<std::string> words) {
