@@ -30,27 +30,35 @@ protected:
     }
     std::string Home(const std::string& file) const { return saver.data.File(file); }
 
-    // The words, for an ordinary user who has Tamblor installed. False where that cannot be had.
-    bool AsUser(std::vector<std::string>* words) {
-        if (geteuid() != 0)
-            return fs::exists("/usr/libexec/xscreensaver/tamblor");
+    // Once: a shell that reads the script, or a daemon that looks for its user, may not find them empty.
+    void PrepareUser() {
         const std::string& home = saver.data.Path().string();
         for (const char* file : {"passwd", "group", "shadow"})
-            fs::copy_file(std::string("/etc/") + file, Home(file), fs::copy_options::overwrite_existing);
+            fs::copy_file(std::string("/etc/") + file, Home(file));
         std::ofstream(Home("passwd"), std::ios::app)
             << "user:x:" << kUser << ":" << kUser << ":User:" << home << ":/bin/sh\n";
         std::ofstream(Home("group"), std::ios::app) << "user:x:" << kUser << ":\n";
         std::ofstream(Home("shadow"), std::ios::app) << "user:$6$salt$none:19000:0:99999:7:::\n";
         fs::create_directories(Home("run"));
         fs::permissions(Home("run"), fs::perms::owner_all);
-        const std::string script = saver.data.Write("as-user", R"(set -e
+        saver.data.Write("as-user", R"(set -e
 for file in passwd group shadow; do mount --bind "$HOME/$file" /etc/$file; done
-chown -R )" + std::string(kUser) + ":" + kUser + R"( "$HOME"
+chown -R )" + std::string(kUser) + ":" + kUser +
+                                        R"( "$HOME"
 chown root:shadow "$HOME/shadow"
 chmod 640 "$HOME/shadow"
 [ ! -e "$HOME/share" ] || mount --bind "$HOME/bin" /usr/libexec/xscreensaver # for MATE, which looks nowhere else
-exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
+exec setpriv --reuid=)" + kUser +
+                                        " --regid=" + kUser + R"( --clear-groups "$@"
 )");
+    }
+    // The words, for an ordinary user who has Tamblor installed. False where that cannot be had.
+    bool AsUser(std::vector<std::string>* words) {
+        if (geteuid() != 0)
+            return fs::exists("/usr/libexec/xscreensaver/tamblor");
+        const std::string script = Home("as-user");
+        if (!fs::exists(script))
+            PrepareUser();
         words->insert(words->begin(), {"/usr/bin/unshare", "-m", "/bin/sh", script});
         return RunProgram({"/usr/bin/unshare", "-m", "/bin/sh", script, "/bin/true"}, saver.environment) == 0;
     }
@@ -59,8 +67,6 @@ exec setpriv --reuid=)" + kUser + " --regid=" + kUser + R"( --clear-groups "$@"
             GTEST_SKIP() << words[0] << " is not installed";
         if (!AsUser(&words))
             GTEST_SKIP() << "there is no ordinary user with Tamblor in /usr/libexec/xscreensaver here";
-        // One that ends may send its group a signal, and so end the one that comes after it.
-        words.insert(words.begin(), "/usr/bin/setsid");
         daemon.Start(words, saver.environment, "/", Home("daemon"));
     }
     int Run(std::vector<std::string> words) {
