@@ -41,15 +41,14 @@ protected:
         std::ofstream(Home("shadow"), std::ios::app) << "user:$6$salt$none:19000:0:99999:7:::\n";
         fs::create_directories(Home("run"));
         fs::permissions(Home("run"), fs::perms::owner_all);
-        saver.data.Write("as-user", R"(set -e
+        saver.data.Write("as-user", "user=" + std::string(kUser) + R"(
+set -e
 for file in passwd group shadow; do mount --bind "$HOME/$file" /etc/$file; done
-chown -R )" + std::string(kUser) + ":" + kUser +
-                                        R"( "$HOME"
+chown -R $user:$user "$HOME"
 chown root:shadow "$HOME/shadow"
 chmod 640 "$HOME/shadow"
 [ ! -e "$HOME/share" ] || mount --bind "$HOME/bin" /usr/libexec/xscreensaver # for MATE, which looks nowhere else
-exec setpriv --reuid=)" + kUser +
-                                        " --regid=" + kUser + R"( --clear-groups "$@"
+exec setpriv --reuid=$user --regid=$user --clear-groups "$@"
 )");
     }
     // The words, for an ordinary user who has Tamblor installed. False where that cannot be had.
