@@ -8,8 +8,8 @@
 // written down.
 namespace GLRecorder {
 
-// The calls since the last Take, in order: the constants that are known to it by name, numbers as %g writes
-// them, arrays by their elements and pictures by their first and last pixel, e.g. "glVertex3fv(1,0,0)",
+// The calls since the last Take, in order: constants by name, numbers as %g writes them, arrays by their
+// elements and pictures by their first and last pixel, e.g. "glEnable(GL_BLEND)", "glVertex3fv(1,0,0)",
 // "glTexImage2D(GL_TEXTURE_2D,0,4,2,1,0,GL_RGBA,GL_UNSIGNED_BYTE,ff0000ff..00000000)".
 std::vector<std::string> Take();
 std::string TakeText(); // the same with a space between calls

@@ -84,5 +84,6 @@ std::string DiffersFromReference(const std::string& name, const Picture& actual)
 }
 
 bool UpdatingReferences() {
-    return std::getenv("TAMBLOR_UPDATE_REFERENCES") != nullptr;
+    const char* wish = std::getenv("TAMBLOR_UPDATE_REFERENCES");
+    return wish != nullptr && *wish != '\0' && std::string(wish) != "0";
 }

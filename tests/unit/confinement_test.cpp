@@ -41,11 +41,15 @@ struct Attempt {
 };
 constexpr Attempt kAttempts[] = {
     {"to look into another process", [] { return ErrorOf(ptrace(PTRACE_ATTACH, getppid(), 0, 0)); }, EPERM},
+    {"to read another's memory",
+     [] { return ErrorOf(syscall(SYS_process_vm_readv, getppid(), 0, 0, 0, 0, 0)); }, EPERM},
     {"a namespace", [] { return ErrorOf(unshare(CLONE_NEWUSER)); }, EPERM},
     {"a process with one",
      [] { return ErrorOf(syscall(SYS_clone, CLONE_NEWUSER | SIGCHLD, nullptr, nullptr, nullptr, 0)); },
      EPERM},
+    {"the kernel's keys", [] { return ErrorOf(syscall(SYS_keyctl, 0, -3, 0, 0, 0)); }, EPERM},
     {"programs for the kernel", [] { return ErrorOf(syscall(SYS_bpf, 0, nullptr, 0)); }, EPERM},
+    {"rings of calls", [] { return ErrorOf(syscall(SYS_io_uring_setup, 0, nullptr)); }, EPERM},
     {"a network", [] { return ErrorOf(socket(AF_INET, SOCK_STREAM, 0)); }, EAFNOSUPPORT},
     {"a newer one", [] { return ErrorOf(socket(AF_INET6, SOCK_DGRAM, 0)); }, EAFNOSUPPORT},
     {"packets", [] { return ErrorOf(socket(AF_PACKET, SOCK_RAW, 0)); }, EAFNOSUPPORT},

@@ -12,6 +12,7 @@
 #include "unit/test_mesh.h"
 
 #include <algorithm>
+#include <cstring>
 #include <sstream>
 
 namespace {
@@ -44,20 +45,34 @@ protected:
     FXGL gl_;
 };
 
-// What is seen of the state is for the pictures (tests/picture).
-TEST_F(Device, SetsUpTheWindowAndTheFixedState) {
+TEST_F(Device, SetsUpTheFixedState) {
+    const std::string state =
+        "glViewport(0,0,152,112) glMatrixMode(GL_PROJECTION) glLoadIdentity() glOrtho(-1,1,-1,1,2,-2) "
+        "glMatrixMode(GL_MODELVIEW) glLoadIdentity() glClearColor(0,0,0,0) glClearDepth(2) glClearStencil(0) "
+        "glShadeModel(GL_SMOOTH) glHint(GL_PERSPECTIVE_CORRECTION_HINT,GL_NICEST) glDisable(GL_CULL_FACE) "
+        "glPolygonMode(GL_FRONT_AND_BACK,GL_FILL) glEnable(GL_DEPTH_TEST) glDepthFunc(GL_LEQUAL) "
+        "glEnable(GL_ALPHA_TEST) glAlphaFunc(GL_GREATER,0.00784314) glEnable(GL_BLEND) "
+        "glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA) "
+        "glTexEnvf(GL_TEXTURE_ENV,GL_TEXTURE_ENV_MODE,GL_MODULATE) glDisable(GL_LIGHTING) "
+        "glDisable(GL_NORMALIZE) glLightModelfv(GL_LIGHT_MODEL_AMBIENT,0,0,0,0)";
     fakeWin32.clientArea = {10, 20, 162, 132};
     EXPECT_TRUE(gl_.CreateChild(kFakeWindow));
-    const Calls calls = GLRecorder::Take();
-    for (const char* call : {"glViewport(0,0,152,112)", "glOrtho(-1,1,-1,1,2,-2)", "glDepthFunc(GL_LEQUAL)",
-                             "glAlphaFunc(GL_GREATER,0.00784314)"})
-        EXPECT_EQ(std::ranges::count(calls, call), 1) << call;
+    EXPECT_EQ(GLRecorder::TakeText(), state);
     EXPECT_EQ(TakeFakeCalls(), (Calls{"wglMakeCurrent(off)", "SetPixelFormat(7)", "wglMakeCurrent(on)",
                                       "wglMakeCurrent(off)"}));
     EXPECT_TRUE(gl_.width == 152 && gl_.height == 112 && gl_.screenWidth == 1280 && gl_.screenHeight == 1024);
-    const PIXELFORMATDESCRIPTOR& wanted = fakeWin32.pixelFormat;
-    EXPECT_TRUE((wanted.dwFlags & PFD_DOUBLEBUFFER) != 0 && wanted.cDepthBits == 16 &&
-                wanted.cStencilBits == 16);
+    PIXELFORMATDESCRIPTOR format = {};
+    format.nSize = 40;
+    format.nVersion = 1;
+    format.dwFlags = 0x25;
+    format.cColorBits = 24;
+    format.cDepthBits = format.cStencilBits = 16;
+    EXPECT_EQ(std::memcmp(&format, &fakeWin32.pixelFormat, sizeof format), 0);
+
+    GLRecorder::SetDriver({.extensions = "GL_EXT_separate_specular_color"});
+    gl_.InitExtensions();
+    gl_.ClrParams();
+    EXPECT_EQ(GLRecorder::TakeText(), state + " glLightModeli(GL_LIGHT_MODEL_COLOR_CONTROL,GL_SINGLE_COLOR)");
 }
 
 TEST_F(Device, GivesBackWhatItGotAndMakesNoTextureOnceItsWindowHasGone) {

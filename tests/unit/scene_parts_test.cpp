@@ -46,10 +46,22 @@ TEST(Phaser, RunsOnceLoopsOrGoesThereAndBack) {
     for (int i = 1; i < 100000; ++i) // frames that hardly ever meet the end of a run
         drifting.OnRender(nullptr, i * 0.0703125);
     EXPECT_EQ(drifting.start, std::floor(99999 * 0.0703125));
-    const std::string record = std::string(16, '\0') + "\1" + '\0'; // the flags end it
-    FXPackageData data = CursorOf(record);
-    drifting.LoadC(nullptr, &data);
-    EXPECT_TRUE(drifting.smooth && !drifting.smoothHalf);
+}
+
+TEST(Phaser, IsARecordOf18Bytes) {
+    const TempFolder folder;
+    for (std::size_t flag = 12; flag < 18; ++flag) {
+        std::string record("\0\0\x80\x3E\0\0\0\0\0\0\x29\x40\0\0\0\0\0\0", 18); // phase 0.25, 12.5 seconds
+        record[12] = 2;                                                         // is not true
+        record[flag] = 1;
+        FXPhaser loaded;
+        EXPECT_TRUE(loaded.Load(fxOpenFile(folder.Write("phaser", record).c_str(), "rb").get()));
+        EXPECT_TRUE(loaded.phase == 0.25f && loaded.duration == 12.5 && loaded.smooth == (flag == 16));
+        EXPECT_FALSE(loaded.Load(fxOpenFile(folder.Write("phaser", record.substr(1)).c_str(), "rb").get()));
+        EXPECT_TRUE(loaded.Save(fxOpenFile(folder.File("phaser").c_str(), "wb").get()));
+        record[12] &= 1;
+        EXPECT_EQ(folder.Read("phaser"), record);
+    }
 }
 
 TEST(Desk, OfTheSameSizeKeepsItsColours) {
