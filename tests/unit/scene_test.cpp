@@ -115,7 +115,7 @@ TEST_F(Show, GoesThroughItsCycle) {
     EXPECT_NE(built_.find("112233ff..112233ff)"), std::string::npos) << "the desktop's picture";
     EXPECT_EQ(GLRecorder::LiveTextures(), 9) << "all pictures but the preview's";
     fxSetAllocLimit(1);        // nothing is allocated any more
-    std::size_t inUse[2] = {}; // of the heap
+    std::size_t inUse[3] = {}; // of the heap, whose own caches the first cycle fills
     const auto expect = [&](double time, const std::string& drawn, float alpha,
                             int stage) { // behind the frame
         EXPECT_EQ(Frame(time), kAlways + drawn) << time;
@@ -123,7 +123,7 @@ TEST_F(Show, GoesThroughItsCycle) {
         EXPECT_EQ(show::stage, stage) << time;
     };
     double time = kStart;
-    for (int cycle = 0; cycle < 2; ++cycle, time += 23) {
+    for (int cycle = 0; cycle < 3; ++cycle, time += 23) {
         expect(time, "desktop desktop ", 1, show::kDissolving);
         expect(time + 0.5, "desktop desktop ", 0.75f, show::kDissolving);
         expect(time + 2, "desktop desktop ", 0, show::kBurning);
@@ -150,7 +150,7 @@ TEST_F(Show, GoesThroughItsCycle) {
         inUse[cycle] = mallinfo2().uordblks; // a sanitizer's heap has none
     }
     fxSetAllocLimit(0);
-    EXPECT_EQ(inUse[1], inUse[0]) << "it goes round for days";
+    EXPECT_EQ(inUse[2], inUse[1]) << "it goes round for days";
     EXPECT_EQ(GLRecorder::LiveTextures(), 9);
 }
 
